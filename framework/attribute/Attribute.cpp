@@ -1,0 +1,101 @@
+#include <framework/attribute/Attribute.hpp>
+
+#include <framework/attribute/AttributeMessages.hpp>
+
+namespace orlix::imaproc::attr
+{
+
+using core::ProcessingResult;
+using image::BaseImage;
+
+BaseAttribute::~BaseAttribute() = default;
+
+void BaseAttribute::initialize()
+{
+    clearInitialized();
+    if (!isSet() && initializer_) {
+        initializer_();
+        initialized_ = true;
+    }
+}
+
+void BaseAttribute::clearInitialized()
+{
+    if (initialized_) {
+        clear();
+    }
+}
+
+ProcessingResult checkPixelType(const BaseAttribute& attribute, const BaseImage& image,
+                                const image::PixelTypes& accepted)
+{
+    if (accepted.contains(image.getType())) {
+        return {};
+    }
+    std::string names;
+    for (std::size_t i = 0; i < image::nbImageBufferTypes; ++i) {
+        const auto type = static_cast<image::eImageBufferType>(i);
+        if (accepted.contains(type)) {
+            names += (names.empty() ? "" : ", ") + std::string{image::getName(type)};
+        }
+    }
+    return ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_WrongPixelType, attribute.getName(),
+                                                         image::getName(image.getType()), names));
+}
+
+ProcessingResult checkOnePlan(const BaseAttribute& attribute, const BaseImage& image, image::ePlanKind kind)
+{
+    const auto& size = image.getGeometry();
+    const bool flat = kind == image::ePlanKind::ePK_Plan2d;
+    if ((flat && size.z > 1) || size.c > 1 || size.t > 1) {
+        return ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_NotOnePlan, attribute.getName(),
+                                                             toString(size), flat ? "one 2d plan" : "one volume"));
+    }
+    return {};
+}
+
+ProcessingResult checkStrip(const BaseAttribute& attribute, const BaseImage& image, image::ePlanKind kind,
+                            std::size_t first, std::size_t count)
+{
+    ProcessingResult result = checkOnePlan(attribute, image, kind);
+    if (!result) {
+        return result;
+    }
+    const bool flat = kind == image::ePlanKind::ePK_Plan2d;
+    const std::size_t elements = flat ? image.getGeometry().y : image.getGeometry().z;
+    if (first > elements || count > elements - first) {
+        return ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_StripOutside, attribute.getName(),
+                                                             first, count, elements, flat ? "rows" : "planes"));
+    }
+    return {};
+}
+
+ProcessingResult writeStrip(data::OutputArchive& archive, const char* name, const BaseImage* image, std::size_t first,
+                            std::size_t count)
+{
+    const auto section = archive.openSection(name);
+    archive.write("first", first);
+    archive.write("count", count);
+    return archive.write("image", image);
+}
+
+ProcessingResult readStrip(data::InputArchive& archive, const char* name, Ptr<const BaseImage>& image,
+                           std::size_t& first, std::size_t& count)
+{
+    const auto section = archive.openSection(name);
+    if (!section) {
+        return ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_NoStrip, name));
+    }
+    ProcessingResult result = archive.read("first", first);
+    if (result) {
+        result = archive.read("count", count);
+    }
+    Ptr<BaseImage> read;
+    if (result) {
+        result = archive.read("image", read);
+    }
+    image = read;
+    return result;
+}
+
+} // namespace orlix::imaproc::attr

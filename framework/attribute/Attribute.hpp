@@ -1,0 +1,227 @@
+#pragma once
+
+#include <framework/attribute/PlanIndexedColl.hpp>
+#include <framework/core/Api.hpp>
+#include <framework/core/ProcessingResult.hpp>
+#include <framework/core/Ptr.hpp>
+#include <framework/data/Archive.hpp>
+#include <framework/data/BaseDynamicObject.hpp>
+#include <framework/image/BaseImage.hpp>
+#include <framework/image/Strip.hpp>
+
+#include <concepts>
+#include <functional>
+#include <utility>
+
+namespace orlix::imaproc::attr
+{
+
+enum class eAttributeRole
+{
+    eAR_Input,         ///< In...: mandatory
+    eAR_OptionalInput, ///< InOpt...: unset means the measure's own default
+    eAR_Output         ///< Out..., OutPI...
+};
+
+/// A named value that a processor takes or gives. Its class is its name and is looked up by its type.
+class ORLIX_API BaseAttribute
+{
+public:
+    virtual ~BaseAttribute();
+
+    virtual const char* getName() const = 0;
+    virtual eAttributeRole getRole() const = 0;
+    virtual bool isSet() const = 0;
+    virtual void clear() = 0;
+    /// Whether a set value is one that the attribute accepts.
+    virtual core::ProcessingResult check() const { return {}; }
+    /// The image behind an image or strip attribute, else null.
+    virtual const image::BaseImage* getImage() const { return nullptr; }
+
+    /// `other` is an attribute of the same class. Values are copied, images are shared.
+    virtual void copy(const BaseAttribute& other) = 0;
+    virtual core::ProcessingResult write(data::OutputArchive& archive) const = 0;
+    virtual core::ProcessingResult read(data::InputArchive& archive) = 0;
+
+    /// How an output that the caller left unset is made when a run begins.
+    void setInitializer(std::function<void()> initializer) { initializer_ = std::move(initializer); }
+    /// Makes an unset output; one that an earlier run made is made anew.
+    void initialize();
+    /// Drops what initialize() made, never what the caller set.
+    void clearInitialized();
+
+protected:
+    BaseAttribute() = default;
+    /// The value comes from the caller now.
+    void setByCaller() { initialized_ = false; }
+
+private:
+    std::function<void()> initializer_;
+    bool initialized_ = false;
+};
+
+/// What every attribute has beside its value. Self has `static constexpr const char* name`.
+template <class Self, class StorageType, eAttributeRole Role>
+class Attribute : public BaseAttribute
+{
+public:
+    using Storage = StorageType;
+    static constexpr eAttributeRole role = Role;
+
+    const char* getName() const final { return Self::name; }
+    eAttributeRole getRole() const final { return Role; }
+
+    const Storage& get() const { return value_; }
+    void set(Storage value)
+    {
+        value_ = std::move(value);
+        setByCaller();
+    }
+    /// Sets the value from an initializer.
+    void assign(Storage value) { value_ = std::move(value); }
+    void clear() final { set(Storage{}); }
+
+protected:
+    Storage value_{};
+};
+
+/// An attribute whose value is a shared record.
+template <class Self, class ValueType, eAttributeRole Role>
+class ObjectAttribute : public Attribute<Self, Ptr<ValueType>, Role>
+{
+public:
+    using Value = std::remove_const_t<ValueType>;
+
+    bool isSet() const final { return this->value_ != nullptr; }
+
+    void copy(const BaseAttribute& other) final
+    {
+        const auto& from = dynamic_cast<const Self&>(other).get();
+        this->set(from ? boost::static_pointer_cast<Value>(from->duplicateShared()) : nullptr);
+    }
+    core::ProcessingResult write(data::OutputArchive& archive) const final
+    {
+        return archive.write(Self::name, this->value_.get());
+    }
+    core::ProcessingResult read(data::InputArchive& archive) final
+    {
+        Ptr<Value> value;
+        core::ProcessingResult result = archive.read(Self::name, value);
+        if (result) {
+            this->set(std::move(value));
+        }
+        return result;
+    }
+};
+
+template <class Self, class Record>
+class ObjectOutput : public ObjectAttribute<Self, Record, eAttributeRole::eAR_Output>
+{
+};
+
+/// A collection with one element per plan of the input.
+template <class Self, class Collection>
+class PlanIndexedOutput : public ObjectAttribute<Self, Collection, eAttributeRole::eAR_Output>
+{
+public:
+    using Element = typename Collection::Element;
+};
+
+ORLIX_API core::ProcessingResult checkPixelType(const BaseAttribute& attribute, const image::BaseImage& image,
+                                                const image::PixelTypes& accepted);
+
+/// Whether an image attribute takes all plans of an image or one of them.
+enum class eExtent
+{
+    eE_AllPlans,
+    eE_OnePlan
+};
+
+ORLIX_API core::ProcessingResult checkOnePlan(const BaseAttribute& attribute, const image::BaseImage& image,
+                                              image::ePlanKind kind);
+
+/// An input image. Kind tells what its plans are; Types which pixels it takes.
+template <class Self, image::ePlanKind Kind, eExtent Extent, const image::PixelTypes& Types = image::numericTypes,
+          eAttributeRole Role = eAttributeRole::eAR_Input>
+class ImageInput : public Attribute<Self, Ptr<const image::BaseImage>, Role>
+{
+public:
+    static constexpr image::ePlanKind kind = Kind;
+
+    bool isSet() const final { return this->value_ != nullptr; }
+    const image::BaseImage* getImage() const final { return this->value_.get(); }
+    core::ProcessingResult check() const final
+    {
+        core::ProcessingResult result = checkPixelType(*this, *this->value_, Types);
+        return result && Extent == eExtent::eE_OnePlan ? checkOnePlan(*this, *this->value_, Kind) : result;
+    }
+
+    void copy(const BaseAttribute& other) final { this->set(dynamic_cast<const Self&>(other).get()); }
+    core::ProcessingResult write(data::OutputArchive& archive) const final
+    {
+        return archive.write(Self::name, this->value_.get());
+    }
+    core::ProcessingResult read(data::InputArchive& archive) final
+    {
+        Ptr<image::BaseImage> image;
+        core::ProcessingResult result = archive.read(Self::name, image);
+        if (result) {
+            this->set(std::move(image));
+        }
+        return result;
+    }
+};
+
+/// Whether the image is one plan and has the elements of the strip.
+ORLIX_API core::ProcessingResult checkStrip(const BaseAttribute& attribute, const image::BaseImage& image,
+                                            image::ePlanKind kind, std::size_t first, std::size_t count);
+ORLIX_API core::ProcessingResult writeStrip(data::OutputArchive& archive, const char* name,
+                                            const image::BaseImage* image, std::size_t first, std::size_t count);
+ORLIX_API core::ProcessingResult readStrip(data::InputArchive& archive, const char* name,
+                                           Ptr<const image::BaseImage>& image, std::size_t& first,
+                                           std::size_t& count);
+
+/// The strip that a level 2 processor hands down; it has no heap of its own.
+template <class Self, class StripType, const image::PixelTypes& Types = image::numericTypes,
+          eAttributeRole Role = eAttributeRole::eAR_Input>
+class StripInput : public Attribute<Self, StripType, Role>
+{
+public:
+    using Strip = StripType;
+
+    bool isSet() const final { return this->value_.image != nullptr; }
+    const image::BaseImage* getImage() const final { return this->value_.image.get(); }
+    core::ProcessingResult check() const final
+    {
+        const StripType& strip = this->value_;
+        core::ProcessingResult result = checkPixelType(*this, *strip.image, Types);
+        return result ? checkStrip(*this, *strip.image, StripType::kind, strip.first, strip.count) : result;
+    }
+
+    void copy(const BaseAttribute& other) final { this->set(dynamic_cast<const Self&>(other).get()); }
+    core::ProcessingResult write(data::OutputArchive& archive) const final
+    {
+        const StripType& strip = this->value_;
+        return writeStrip(archive, Self::name, strip.image.get(), strip.first, strip.count);
+    }
+    core::ProcessingResult read(data::InputArchive& archive) final
+    {
+        StripType strip;
+        core::ProcessingResult result = readStrip(archive, Self::name, strip.image, strip.first, strip.count);
+        if (result) {
+            this->set(std::move(strip));
+        }
+        return result;
+    }
+};
+
+template <class A>
+concept ImageAttribute = requires { A::kind; };
+
+template <class A>
+concept StripAttribute = requires { typename A::Strip; };
+
+template <class A>
+concept PlanIndexedAttribute = requires { typename A::Element; };
+
+} // namespace orlix::imaproc::attr

@@ -1,0 +1,17 @@
+#include <framework/attribute/AttributeMessages.hpp>
+
+namespace orlix::core
+{
+
+std::span<const Message> MessageMap<imaproc::attr::eAttributeMessage>::texts()
+{
+    static constexpr Message table[] = {
+        {0, "%1% does not take a %2% image: convert it to one of %3%"},
+        {1, "%1% is an image of %2%: %3% is needed"},
+        {2, "%1% starts at %2% and counts %3%, but the image has %4% %5%"},
+        {3, "The archive has no strip \"%1%\""},
+    };
+    return table;
+}
+
+} // namespace orlix::core

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <framework/core/Message.hpp>
+
+namespace orlix::imaproc::attr
+{
+
+/// The messages of the attribute layer.
+enum class eAttributeMessage : unsigned
+{
+    eAM_WrongPixelType = 0, ///< attribute, type of the image, accepted types
+    eAM_NotOnePlan = 1,     ///< attribute, geometry, what is needed
+    eAM_StripOutside = 2,   ///< attribute, first element, count, number of elements, their name
+    eAM_NoStrip = 3,        ///< attribute
+};
+
+} // namespace orlix::imaproc::attr
+
+template <>
+struct orlix::core::MessageMap<orlix::imaproc::attr::eAttributeMessage>
+{
+    static constexpr const char* library = "Attribute";
+    ORLIX_API static std::span<const Message> texts();
+};

@@ -1,0 +1,14 @@
+#include <framework/attribute/StatsResult.hpp>
+
+#include <framework/data/DynamicObjectFactory.hpp>
+
+namespace orlix::imaproc::attr
+{
+
+namespace
+{
+const data::DynamicClassRegistration<StatsResult> statsResult{StatsResult::typeName};
+const data::DynamicClassRegistration<PlanIndexedStatsResult> planIndexedStatsResult{PlanIndexedStatsResult::typeName};
+}
+
+} // namespace orlix::imaproc::attr

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <framework/data/BaseDynamicObject.hpp>
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace orlix::data
+{
+
+/// Creates dynamic objects by the name of their class.
+class ORLIX_API DynamicObjectFactory
+{
+public:
+    using Creator = std::unique_ptr<BaseDynamicObject> (*)();
+    using SharedCreator = Ptr<BaseDynamicObject> (*)();
+
+    static DynamicObjectFactory& getInstance();
+
+    void registerClass(const std::string& typeName, Creator creator, SharedCreator sharedCreator);
+    void unRegisterClass(const std::string& typeName);
+
+    /// Null if there is no such class.
+    std::unique_ptr<BaseDynamicObject> createObject(const std::string& typeName) const;
+    Ptr<BaseDynamicObject> createSharedObject(const std::string& typeName) const;
+    /// In ascending order.
+    std::vector<std::string> getTypeNames() const;
+
+private:
+    struct Creators
+    {
+        Creator plain = nullptr;
+        SharedCreator shared = nullptr;
+    };
+    Creators find(const std::string& typeName) const;
+
+    mutable std::mutex mutex_;
+    std::map<std::string, Creators> creators_;
+};
+
+/// Registers a class as long as it lives.
+template <class Object>
+class DynamicClassRegistration
+{
+public:
+    explicit DynamicClassRegistration(std::string typeName) : typeName_{std::move(typeName)}
+    {
+        DynamicObjectFactory::getInstance().registerClass(
+            typeName_, []() -> std::unique_ptr<BaseDynamicObject> { return std::make_unique<Object>(); },
+            []() -> Ptr<BaseDynamicObject> { return makePtr<Object>(); });
+    }
+    ~DynamicClassRegistration() { DynamicObjectFactory::getInstance().unRegisterClass(typeName_); }
+    DynamicClassRegistration(const DynamicClassRegistration&) = delete;
+    DynamicClassRegistration& operator=(const DynamicClassRegistration&) = delete;
+
+private:
+    std::string typeName_;
+};
+
+} // namespace orlix::data

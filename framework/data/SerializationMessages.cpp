@@ -1,0 +1,17 @@
+#include <framework/data/SerializationMessages.hpp>
+
+namespace orlix::core
+{
+
+std::span<const Message> MessageMap<data::eSerializationMessage>::texts()
+{
+    static constexpr Message table[] = {
+        {0, "The text is no archive: a JSON object is needed"},
+        {1, "The archive has no \"%1%\" that is %2%"},
+        {2, "The archive holds an object of the class %1%, which is not known here"},
+        {25, "The archive holds version %1% of %3%, but no version above %2% can be read here"},
+    };
+    return table;
+}
+
+} // namespace orlix::core

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <framework/core/Message.hpp>
+
+namespace orlix::data
+{
+
+/// The messages of the archives.
+enum class eSerializationMessage : unsigned
+{
+    eSM_NoArchive = 0,
+    eSM_MissingKey = 1,    ///< key, what it should hold
+    eSM_UnknownClass = 2,  ///< class name
+    eSM_NewerVersion = 25, ///< version in the archive, supported version, class name
+};
+
+} // namespace orlix::data
+
+template <>
+struct orlix::core::MessageMap<orlix::data::eSerializationMessage>
+{
+    static constexpr const char* library = "Serialization";
+    ORLIX_API static std::span<const Message> texts();
+};

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <framework/core/Api.hpp>
+#include <framework/core/Exception.hpp>
+#include <framework/core/Ptr.hpp>
+#include <framework/data/BaseDynamicObject.hpp>
+#include <framework/image/Geometry.hpp>
+#include <framework/image/PixelType.hpp>
+
+#include <cstddef>
+
+namespace orlix::image
+{
+
+/// A geometry, buffer or plan that cannot be.
+class ORLIX_API ImageException final : public core::BaseException
+{
+public:
+    using BaseException::BaseException;
+};
+
+/// An image: pixels of one type on x, y, z, c and t, in a buffer of its own or in a caller's. A plan or a volume of an
+/// image is again an image; it looks at the same pixels and keeps their buffer alive.
+class ORLIX_API BaseImage final : public data::BaseDynamicObject
+{
+public:
+    /// An empty image, to be read from an archive.
+    BaseImage() = default;
+
+    /// An image with a buffer of its own, all zeros. A side may be 0. Throws ImageException if it cannot be addressed,
+    /// std::bad_alloc if there is no memory.
+    static Ptr<BaseImage> create(eImageBufferType type, const ImageGeometry& geometry);
+
+    /// An image on the caller's buffer, whose first pixel is at `pixels`; `owner` keeps the buffer alive and may be
+    /// null where the caller sees to it. Throws ImageException if the pixels would not be aligned to their type.
+    static Ptr<BaseImage> wrap(void* pixels, eImageBufferType type, const ImageGeometry& geometry,
+                               const ImageStrides& strides, Ptr<const void> owner);
+    static Ptr<BaseImage> wrap(void* pixels, eImageBufferType type, const ImageGeometry& geometry,
+                               Ptr<const void> owner);
+    static Ptr<const BaseImage> wrap(const void* pixels, eImageBufferType type, const ImageGeometry& geometry,
+                                     const ImageStrides& strides, Ptr<const void> owner);
+    static Ptr<const BaseImage> wrap(const void* pixels, eImageBufferType type, const ImageGeometry& geometry,
+                                     Ptr<const void> owner);
+
+    eImageBufferType getType() const { return type_; }
+    const ImageGeometry& getGeometry() const { return geometry_; }
+    const ImageStrides& getStrides() const { return strides_; }
+    std::size_t getPixelSize() const { return image::getPixelSize(type_); }
+
+    /// The first pixel of a row.
+    std::byte* getRow(std::size_t y, std::size_t z = 0, std::size_t c = 0, std::size_t t = 0)
+    {
+        return pixels_ + offset(y, z, c, t);
+    }
+    const std::byte* getRow(std::size_t y, std::size_t z = 0, std::size_t c = 0, std::size_t t = 0) const
+    {
+        return pixels_ + offset(y, z, c, t);
+    }
+
+    /// The sub image of a plan or volume. The sub image of plan (0, 0, 0) of an empty image is empty; any other plan
+    /// that the image does not have throws ImageException.
+    Ptr<const BaseImage> getSubImage(const PlanIndex& plan, ePlanKind kind) const;
+
+    static const std::string& getTypeName();
+    const std::string& getClassName() const override { return getTypeName(); }
+    std::unique_ptr<BaseDynamicObject> createNew() const override;
+    Ptr<BaseDynamicObject> createShared() const override;
+    /// Shares the other image's pixels.
+    void copy(const BaseDynamicObject& other) override;
+    /// Type, geometry and the pixels in base64.
+    core::ProcessingResult write(data::OutputArchive& archive) const override;
+    core::ProcessingResult read(data::InputArchive& archive) override;
+
+private:
+    std::ptrdiff_t offset(std::size_t y, std::size_t z, std::size_t c, std::size_t t) const
+    {
+        return static_cast<std::ptrdiff_t>(y) * strides_.y + static_cast<std::ptrdiff_t>(z) * strides_.z +
+               static_cast<std::ptrdiff_t>(c) * strides_.c + static_cast<std::ptrdiff_t>(t) * strides_.t;
+    }
+
+    eImageBufferType type_ = eImageBufferType::eIBT_UInt8;
+    ImageGeometry geometry_;
+    ImageStrides strides_;
+    std::byte* pixels_ = nullptr;
+    Ptr<const void> owner_;
+};
+
+} // namespace orlix::image

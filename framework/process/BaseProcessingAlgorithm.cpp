@@ -1,0 +1,68 @@
+#include <framework/process/BaseProcessingAlgorithm.hpp>
+
+#include <framework/core/Settings.hpp>
+
+#include <algorithm>
+
+namespace orlix::imaproc
+{
+
+using core::ProcessingResult;
+
+namespace
+{
+
+std::string toString(const image::DataTypeIdentifierColl& types)
+{
+    std::string names;
+    for (std::size_t i = 0; i < types.size(); ++i) {
+        names += (i == 0 ? "" : " and ") + std::string{image::getName(types[i])};
+    }
+    return names;
+}
+
+} // namespace
+
+ProcessingResult BaseProcessingAlgorithm::runDerived(const RunContext& context)
+{
+    ProcessingResult result = preProcess();
+    if (result) {
+        result = mainProcess();
+    }
+    if (result) {
+        result = postProcess();
+    }
+    context.advance();
+    return result;
+}
+
+ProcessingResult BaseProcessingAlgorithm::mainProcess()
+{
+    image::DataTypeIdentifierColl types;
+    getDataTypeIdColl(types);
+    const core::InstructionSetsIdentifier own = getForcedInstructionSets();
+    const core::InstructionSetsIdentifier forced = own.empty() ? core::settings::getForcedInstructionSets() : own;
+    const AlgorithmFunctionIdentifier* const kernel = getFunctionSelector().select(types, forced);
+    if (kernel == nullptr) {
+        const core::InstructionSetsIdentifier sets = getFunctionSelector().getInstructionSets(types);
+        return ProcessingResult::failure(
+            sets.empty() ? core::formatMessage(eProcessorMessage::eNoKernel, getObjectName(), toString(types))
+                         : core::formatMessage(eProcessorMessage::eNoForcedKernel, getObjectName(),
+                                               core::toString(forced), toString(types), core::toString(sets)));
+    }
+
+    initDataParserColl(parsers_);
+    ProcessingInfo info{parsers_.front().nbPixels(), parsers_.front().longestRun()};
+    for (const image::StripParser& parser : parsers_) {
+        if (parser.nbPixels() != info.size) {
+            clearDataParserColl(parsers_);
+            return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eUnequalStrips, getObjectName()));
+        }
+        info.rowSize = std::min(info.rowSize, parser.longestRun());
+    }
+    ProcessingResult result = (this->*kernel->function)(info);
+    clearDataParserColl(parsers_);
+    return result;
+}
+
+} // namespace orlix::imaproc

@@ -1,0 +1,237 @@
+#include <framework/process/BaseProcessor.hpp>
+
+#include <framework/data/SerializationMessages.hpp>
+
+namespace orlix::imaproc
+{
+
+using attr::BaseAttribute;
+using attr::eAttributeRole;
+using core::ProcessingResult;
+
+BaseProcessor::~BaseProcessor() = default;
+
+ProcessingResult BaseProcessor::init(eProcessorRulePolicy policy)
+{
+    attributes_.clear();
+    rule_ = none();
+    return initDerived(attributes_, dispatchPolicy_, rule_, policy);
+}
+
+void BaseProcessor::throwUninitialized(const core::SourceLocation& where) const
+{
+    core::raise<ORLIXBaseProcessingException>(getBaseProcessingLogger(), where,
+                                              eProcessorMessage::eUninitialisedAccess, getObjectName());
+}
+
+void BaseProcessor::throwNoSuchAttribute(const char* name, const core::SourceLocation& where) const
+{
+    core::raise<ORLIXBaseProcessingException>(getBaseProcessingLogger(), where, eProcessorMessage::eNoSuchAttribute,
+                                              getObjectName(), name);
+}
+
+ProcessingResult BaseProcessor::execute(const RunContext& context)
+{
+    ProcessingResult result;
+    try {
+        result = runSteps(context);
+    } catch (...) {
+        result = ProcessingResult::failure(core::formatMessage(eProcessorMessage::eException, getObjectName(),
+                                                               core::describeCurrentException()));
+    }
+    if (!result) {
+        cleanOnErrorDerived();
+    }
+    globalCleanDerived();
+    return result;
+}
+
+ProcessingResult BaseProcessor::runSteps(const RunContext& context)
+{
+    if (attributes_.empty()) {
+        return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eRunWithoutInit, getObjectName()));
+    }
+    ProcessingResult result = initProcess();
+    if (result) {
+        result = checkInputs();
+    }
+    if (result) {
+        for (BaseAttribute* const attribute : attributes_) {
+            attribute->clearInitialized();
+        }
+        result = rule_.check();
+        if (!result) {
+            result = ProcessingResult::failure(
+                core::formatMessage(eProcessorMessage::eRefusedByRule, getObjectName(), result.getMessage()));
+        }
+    }
+    if (result) {
+        for (BaseAttribute* const attribute : attributes_) {
+            attribute->initialize();
+        }
+        result = syncInputDataDerived();
+    }
+    if (result) {
+        result = runDerived(context);
+    }
+    if (result) {
+        result = syncOutputDataDerived();
+    }
+    return result ? endProcess() : result;
+}
+
+ProcessingResult BaseProcessor::checkInputs() const
+{
+    for (const BaseAttribute* const attribute : attributes_) {
+        if (!attribute->isSet()) {
+            if (attribute->getRole() == eAttributeRole::eAR_Input) {
+                return ProcessingResult::failure(
+                    core::formatMessage(eProcessorMessage::eUnsetInput, getObjectName(), attribute->getName()));
+            }
+            continue;
+        }
+        if (ProcessingResult result = attribute->check(); !result) {
+            return ProcessingResult::failure(
+                core::formatMessage(eProcessorMessage::eRefusedInput, getObjectName(), result.getMessage()));
+        }
+        const image::BaseImage* const image = attribute->getImage();
+        if (image != nullptr && image->getGeometry().empty() && !acceptsEmptyImages()) {
+            return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eEmptyImage, getObjectName(),
+                                                                 attribute->getName(),
+                                                                 toString(image->getGeometry())));
+        }
+    }
+    return {};
+}
+
+void BaseProcessor::cleanOnErrorDerived()
+{
+    for (BaseAttribute* const attribute : attributes_) {
+        attribute->clearInitialized();
+    }
+}
+
+void BaseProcessor::clearInputData()
+{
+    for (BaseAttribute* const attribute : attributes_) {
+        if (attribute->getRole() != eAttributeRole::eAR_Output) {
+            attribute->clear();
+        }
+    }
+}
+
+void BaseProcessor::clearOutputData()
+{
+    for (BaseAttribute* const attribute : attributes_) {
+        if (attribute->getRole() == eAttributeRole::eAR_Output) {
+            attribute->clear();
+        }
+    }
+}
+
+void BaseProcessor::copy(const BaseDynamicObject& other)
+{
+    core::guarded(ORLIX_HERE, [&] {
+        const auto& from = dynamic_cast<const BaseProcessor&>(other);
+        if (from.getClassName() != getClassName()) {
+            throw std::bad_cast{};
+        }
+        if (attributes_.empty() && !from.attributes_.empty()) {
+            (void)init(eProcessorRulePolicy::eRP_CheckRules);
+        }
+        for (std::size_t i = 0; i < from.attributes_.size(); ++i) {
+            attributes_[i]->copy(*from.attributes_[i]);
+        }
+        dispatchPolicy_ = from.dispatchPolicy_;
+    });
+}
+
+ProcessingResult BaseProcessor::write(data::OutputArchive& archive) const
+{
+    const std::string& typeName = getClassName();
+    {
+        const auto section = archive.openSection("attributes");
+        for (const BaseAttribute* const attribute : attributes_) {
+            if (ProcessingResult result = attribute->write(archive); !result) {
+                return result;
+            }
+        }
+    }
+    if (archive.getVersion(typeName) == 0) {
+        const auto section = archive.openRootSection(typeName);
+        archive.write("version", std::uint64_t{getClassVersion()});
+        archive.registerVersion(typeName, getClassVersion());
+    }
+    return {};
+}
+
+ProcessingResult BaseProcessor::read(data::InputArchive& archive)
+{
+    return core::guarded(ORLIX_HERE, [&]() -> ProcessingResult {
+        if (attributes_.empty()) {
+            if (ProcessingResult result = init(eProcessorRulePolicy::eRP_CheckRules); !result) {
+                return result;
+            }
+        }
+        // A processor that was never initialised wrote no attributes, and reads none.
+        if (const auto section = archive.openSection("attributes"); section && !archive.getKeys().empty()) {
+            for (BaseAttribute* const attribute : attributes_) {
+                if (ProcessingResult result = attribute->read(archive); !result) {
+                    return result;
+                }
+            }
+        }
+        const std::string& typeName = getClassName();
+        unsigned version = archive.getVersion(typeName);
+        if (version == 0) {
+            const auto section = archive.openRootSection(typeName);
+            if (!section) {
+                return ProcessingResult::failure(core::formatMessage(data::eSerializationMessage::eSM_MissingKey,
+                                                                     typeName, "a section with a \"version\""));
+            }
+            if (ProcessingResult result = archive.read("version", version); !result) {
+                return result;
+            }
+        }
+        if (version > getClassVersion()) {
+            return ProcessingResult::failure(core::formatMessage(data::eSerializationMessage::eSM_NewerVersion,
+                                                                 version, getClassVersion(), typeName));
+        }
+        archive.registerVersion(typeName, version);
+        return {};
+    });
+}
+
+void executeSyncRun(const Ptr<BaseProcessor>& processor)
+{
+    const ProcessingResult result = processor->run(eSynchroType::eST_Synchronous);
+    if (!result) {
+        core::raise<ORLIXBaseProcessingException>(getBaseProcessingLogger(), ORLIX_HERE,
+                                                  eProcessorMessage::eFailedRun, result.getMessage());
+    }
+}
+
+ProcessingResult BaseAsync1Processor::runDerived(const RunContext& context)
+{
+    ProcessingResult result = preProcess();
+    const std::size_t stages = retrieveSequenceInfo();
+    for (std::size_t i = 0; result && i < stages; ++i) {
+        if (context.cancelled()) {
+            return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eCancelled, getObjectName()));
+        }
+        Ptr<ActionProvider> provider;
+        result = retrieveProvider(context.priority, i, stages, provider);
+        if (result && provider) {
+            result = provider->process(context.part(stages));
+        }
+    }
+    return result ? postProcess() : result;
+}
+
+ProcessingResult BaseAsync1Processor::retrieveProvider(ePriority priority, std::size_t, std::size_t,
+                                                       Ptr<ActionProvider>& provider)
+{
+    return retrieveProvider(priority, provider);
+}
+
+} // namespace orlix::imaproc

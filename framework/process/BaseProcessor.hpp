@@ -1,0 +1,148 @@
+#pragma once
+
+#include <framework/attribute/Attribute.hpp>
+#include <framework/core/Message.hpp>
+#include <framework/process/BaseAction.hpp>
+#include <framework/process/BaseProcessingException.hpp>
+#include <framework/process/DispatchPolicy.hpp>
+#include <framework/process/ProcessorMessages.hpp>
+#include <framework/process/Rule.hpp>
+
+#include <boost/container/static_vector.hpp>
+
+namespace orlix::imaproc
+{
+
+enum class eProcessorRulePolicy
+{
+    eRP_CheckRules = 0,
+    eRP_NoRules = 1
+};
+
+enum class eProcessorType
+{
+    ePT_Synchronous,
+    ePT_Asynchronous
+};
+
+/// A processor's attributes in their fixed order, inputs first.
+using AttributeColl = boost::container::static_vector<attr::BaseAttribute*, 8>;
+
+/// An action on attributes. Created, initialised, given its inputs, run, and asked for its outputs.
+class ORLIX_API BaseProcessor : public BaseAction
+{
+public:
+    ~BaseProcessor() override;
+
+    /// Sets up the attributes and, unless the policy says not to, the rules.
+    core::ProcessingResult init(eProcessorRulePolicy policy);
+
+    /// Sets an attribute. Throws ORLIXBaseProcessingException if the processor is not initialised or has none such.
+    template <class A>
+    void set(typename A::Storage value)
+    {
+        find<A>().set(std::move(value));
+    }
+    /// Reads an attribute; throws as set() does.
+    template <class A>
+    typename A::Storage getStorage() const
+    {
+        return find<A>().get();
+    }
+    const AttributeColl& getAttributes() const { return attributes_; }
+
+    const ProcessorDispatchPolicy& getDispatchPolicy() const { return dispatchPolicy_; }
+    void setDispatchPolicy(const ProcessorDispatchPolicy& policy) { dispatchPolicy_ = policy; }
+
+    core::ProcessingResult execute(const RunContext& context) final;
+
+    virtual void clearInputData();
+    /// Drops what a run leaves behind inside the processor.
+    virtual void clearIntermediateData() {}
+    virtual void clearOutputData();
+    virtual eProcessorType getProcessorType() const = 0;
+    virtual const std::string& getObjectName() const = 0;
+    virtual const std::string& getToolTip() const = 0;
+    virtual unsigned getClassVersion() const = 0;
+
+    void copy(const BaseDynamicObject& other) override;
+    core::ProcessingResult write(data::OutputArchive& archive) const override;
+    core::ProcessingResult read(data::InputArchive& archive) override;
+
+protected:
+    BaseProcessor() = default;
+
+    virtual core::ProcessingResult initDerived(AttributeColl& attributes, ProcessorDispatchPolicy& dispatchPolicy,
+                                               Rule& rule, eProcessorRulePolicy rulePolicy) = 0;
+    /// Before the inputs are looked at.
+    virtual core::ProcessingResult initProcess() { return {}; }
+    /// Brings inputs to where the processor works, outputs to where the caller reads them.
+    virtual core::ProcessingResult syncInputDataDerived() { return {}; }
+    virtual core::ProcessingResult syncOutputDataDerived() { return {}; }
+    virtual core::ProcessingResult runDerived(const RunContext& context) = 0;
+    virtual core::ProcessingResult endProcess() { return {}; }
+    /// After every run, whatever its result.
+    virtual void globalCleanDerived() { clearIntermediateData(); }
+    /// After a failed run: takes back the outputs that the run itself made.
+    virtual void cleanOnErrorDerived();
+    /// Whether an image without pixels gives a result rather than an error.
+    virtual bool acceptsEmptyImages() const { return false; }
+
+    void initCtorCopy() override { (void)init(eProcessorRulePolicy::eRP_CheckRules); }
+
+    /// Throws if init has not run.
+    void requireInitialized(const core::SourceLocation& where) const
+    {
+        if (attributes_.empty()) {
+            throwUninitialized(where);
+        }
+    }
+
+private:
+    template <class A>
+    A& find() const
+    {
+        requireInitialized(ORLIX_HERE);
+        for (attr::BaseAttribute* const attribute : attributes_) {
+            if (auto* const found = dynamic_cast<A*>(attribute)) {
+                return *found;
+            }
+        }
+        throwNoSuchAttribute(A::name, ORLIX_HERE);
+    }
+    [[noreturn]] void throwUninitialized(const core::SourceLocation& where) const;
+    [[noreturn]] void throwNoSuchAttribute(const char* name, const core::SourceLocation& where) const;
+
+    core::ProcessingResult runSteps(const RunContext& context);
+    core::ProcessingResult checkInputs() const;
+
+    AttributeColl attributes_;
+    ProcessorDispatchPolicy dispatchPolicy_;
+    Rule rule_;
+};
+
+/// Runs a processor in the calling thread. Throws ORLIXBaseProcessingException with the message of a failed result.
+ORLIX_API void executeSyncRun(const Ptr<BaseProcessor>& processor);
+
+/// A processor whose work is done by processors below it, in one stage or in a chain of stages.
+class ORLIX_API BaseAsync1Processor : public BaseProcessor
+{
+public:
+    bool isComplexAction() const override { return true; }
+    eProcessorType getProcessorType() const override { return eProcessorType::ePT_Asynchronous; }
+
+protected:
+    core::ProcessingResult runDerived(const RunContext& context) override;
+
+    /// The number of stages.
+    virtual std::size_t retrieveSequenceInfo() const { return 1; }
+    /// The provider of stage `index` of `count`; a null provider skips the stage.
+    virtual core::ProcessingResult retrieveProvider(ePriority priority, std::size_t index, std::size_t count,
+                                                    Ptr<ActionProvider>& provider);
+    virtual core::ProcessingResult preProcess() { return {}; }
+    virtual core::ProcessingResult postProcess() { return {}; }
+    /// The provider of a processor of one stage.
+    virtual core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) = 0;
+};
+
+} // namespace orlix::imaproc

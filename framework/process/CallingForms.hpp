@@ -1,0 +1,88 @@
+#pragma once
+
+#include <framework/process/Processor.hpp>
+
+namespace orlix::imaproc
+{
+
+/// The calling forms of a measure with level 1 class Lvl1, whose parameters are Inputs in their order. The entry
+/// functions are one line each over them; they catch nothing.
+template <class Lvl1, class... Inputs>
+class CallingForms
+{
+    using Output = typename Lvl1::Output;
+
+public:
+    /// The result of the whole image, or of plan (0, 0, 0) where there is one result per plan.
+    static auto single(const typename Inputs::Storage&... inputs)
+    {
+        if constexpr (attr::PlanIndexedAttribute<Output>) {
+            // The processor writes into this very object.
+            const auto result = makePtr<typename Output::Element>();
+            executeSyncRun(makeForFirstPlan(result, inputs...));
+            return result;
+        } else {
+            return everyPlan(inputs...);
+        }
+    }
+
+    static Ptr<Lvl1> singleAsync(const typename Inputs::Storage&... inputs)
+    {
+        if constexpr (attr::PlanIndexedAttribute<Output>) {
+            return start(makeForFirstPlan(makePtr<typename Output::Element>(), inputs...));
+        } else {
+            return start(make(inputs...));
+        }
+    }
+
+    static typename Output::Storage everyPlan(const typename Inputs::Storage&... inputs)
+    {
+        const Ptr<Lvl1> processor = make(inputs...);
+        executeSyncRun(processor);
+        return processor->template getStorage<Output>();
+    }
+
+    static Ptr<Lvl1> everyPlanAsync(const typename Inputs::Storage&... inputs) { return start(make(inputs...)); }
+
+    /// The output of a processor that has ended, null if it failed; neither getter waits.
+    static auto output(const Ptr<Lvl1>& processor)
+    {
+        if constexpr (attr::PlanIndexedAttribute<Output>) {
+            const auto collection = multiSliceOutput(processor);
+            return collection ? collection->getStorage({0, 0, 0}) : nullptr;
+        } else {
+            return processor->template getStorage<Output>();
+        }
+    }
+    static typename Output::Storage multiSliceOutput(const Ptr<Lvl1>& processor)
+    {
+        return processor->template getStorage<Output>();
+    }
+
+private:
+    static Ptr<Lvl1> make(const typename Inputs::Storage&... inputs)
+    {
+        auto processor = makePtr<Lvl1>();
+        (void)processor->init(eProcessorRulePolicy::eRP_CheckRules);
+        (processor->template set<Inputs>(inputs), ...);
+        return processor;
+    }
+
+    template <class Element>
+    static Ptr<Lvl1> makeForFirstPlan(const Ptr<Element>& result, const typename Inputs::Storage&... inputs)
+    {
+        auto collection = makePtr<typename Output::Value>();
+        collection->insert({0, 0, 0}, result);
+        auto processor = make(inputs...);
+        processor->template set<Output>(collection);
+        return processor;
+    }
+
+    static Ptr<Lvl1> start(Ptr<Lvl1> processor)
+    {
+        (void)processor->run(eSynchroType::eST_Asynchronous);
+        return processor;
+    }
+};
+
+} // namespace orlix::imaproc

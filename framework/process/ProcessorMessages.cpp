@@ -1,0 +1,29 @@
+#include <framework/process/ProcessorMessages.hpp>
+
+namespace orlix::core
+{
+
+std::span<const Message> MessageMap<imaproc::eProcessorMessage>::texts()
+{
+    static constexpr Message table[] = {
+        {0, "%1%"},
+        {1, "%1%: %2% is not set"},
+        {2, "%1%: %2%"},
+        {3, "%1%: %2%"},
+        {4, "%1% has no attribute %2%"},
+        {5, "%1% holds %2% plans that are not those of %3%, which has %4%: pass a collection of just these plans, or "
+            "leave it unset"},
+        {6, "%1%: %2% is empty (%3%): an image with pixels is needed"},
+        {7, "%1% has no kernel for %2% pixels"},
+        {8, "%1% has no %2% kernel for %3% pixels: there are %4%"},
+        {9, "%1%: the run was cancelled"},
+        {10, "%1% is already running: wait for it first"},
+        {11, "%1%: %2%"},
+        {12, "%1% was run before it was initialised: call init first"},
+        {13, "%1%: the strips of its inputs differ in size"},
+        {33, "%1% is not initialised: call init before its attributes are set or read"},
+    };
+    return table;
+}
+
+} // namespace orlix::core

@@ -1,0 +1,57 @@
+#include <framework/process/Rule.hpp>
+
+#include <framework/process/ProcessorMessages.hpp>
+
+namespace orlix::imaproc
+{
+
+using core::ProcessingResult;
+
+Rule operator&&(Rule first, Rule second)
+{
+    return Rule{[first = std::move(first), second = std::move(second)] {
+        ProcessingResult result = first.check();
+        return result ? second.check() : result;
+    }};
+}
+
+Rule operator||(Rule first, Rule second)
+{
+    return Rule{[first = std::move(first), second = std::move(second)] {
+        ProcessingResult one = first.check();
+        if (one) {
+            return one;
+        }
+        ProcessingResult other = second.check();
+        return other ? other : ProcessingResult::failure(one.getMessage() + ", or " + other.getMessage());
+    }};
+}
+
+Rule If(Rule condition, Rule then, Rule otherwise)
+{
+    return Rule{[condition = std::move(condition), then = std::move(then), otherwise = std::move(otherwise)] {
+        return condition.check() ? then.check() : otherwise.check();
+    }};
+}
+
+ProcessingResult checkImagePlans(const attr::BaseAttribute& output, const attr::BasePlanIndexedColl* collection,
+                                 const attr::BaseAttribute& input, image::ePlanKind kind)
+{
+    const image::BaseImage* const image = input.getImage();
+    if (collection == nullptr || image == nullptr) {
+        return {};
+    }
+    if (collection->size() == 1 && collection->getPlan(0) == image::PlanIndex{}) {
+        return {};
+    }
+    const image::PlanRange plans{image->getGeometry(), kind};
+    bool same = collection->size() == plans.size();
+    for (std::size_t i = 0; same && i < plans.size(); ++i) {
+        same = collection->getPlan(i) == plans[i];
+    }
+    return same ? ProcessingResult{}
+                : ProcessingResult::failure(core::formatMessage(eProcessorMessage::eWrongPlans, output.getName(),
+                                                                collection->size(), input.getName(), plans.size()));
+}
+
+} // namespace orlix::imaproc

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <framework/attribute/Attribute.hpp>
+#include <framework/core/Api.hpp>
+#include <framework/core/ProcessingResult.hpp>
+
+#include <functional>
+
+namespace orlix::imaproc
+{
+
+/// What the attributes of a processor must satisfy before it runs. The default is always satisfied.
+class ORLIX_API Rule
+{
+public:
+    Rule() = default;
+    explicit Rule(std::function<core::ProcessingResult()> check) : check_{std::move(check)} {}
+
+    /// Success, or a failure with the rule's message.
+    core::ProcessingResult check() const { return check_ ? check_() : core::ProcessingResult{}; }
+
+    /// The message is that of the first part that fails.
+    friend ORLIX_API Rule operator&&(Rule first, Rule second);
+    /// The message names what each part wanted.
+    friend ORLIX_API Rule operator||(Rule first, Rule second);
+
+private:
+    std::function<core::ProcessingResult()> check_;
+};
+
+/// Nothing to check.
+inline Rule none()
+{
+    return {};
+}
+
+/// `then` where `condition` is satisfied, else `otherwise`.
+ORLIX_API Rule If(Rule condition, Rule then, Rule otherwise);
+
+ORLIX_API core::ProcessingResult checkImagePlans(const attr::BaseAttribute& output,
+                                                 const attr::BasePlanIndexedColl* collection,
+                                                 const attr::BaseAttribute& input, image::ePlanKind kind);
+
+/// A collection that the caller supplied has exactly the plans of the input image, or plan (0, 0, 0) alone, as the
+/// single-result entry functions make it. Both attributes outlive the rule.
+template <attr::PlanIndexedAttribute Output, attr::ImageAttribute Input>
+Rule matchImagePlans(const Output& output, const Input& input)
+{
+    return Rule{[&output, &input] { return checkImagePlans(output, output.get().get(), input, Input::kind); }};
+}
+
+} // namespace orlix::imaproc

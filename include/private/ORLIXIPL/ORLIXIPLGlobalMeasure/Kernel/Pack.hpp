@@ -1,0 +1,148 @@
+#pragma once
+
+#include <framework/core/Domain.hpp>
+
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+/// The vectors that kernels are written in: what a compiler's vector types do not say for themselves. Files with vector
+/// flags include this header, so whatever it defines is always inlined and, in an unnamed namespace, local to the file.
+#define ORLIX_KERNEL [[gnu::always_inline]] inline
+
+namespace orlix::imaproc::glbmsr
+{
+
+using Domain = core::eInstructionSet;
+
+namespace
+{
+
+/// The width of a domain's registers.
+template <Domain::domain D>
+inline constexpr std::size_t packBytes = D == Domain::eIS_SSE2 ? 16 : D == Domain::eIS_AVX512 ? 64 : 32;
+
+template <class T, std::size_t Bytes>
+struct PackOf
+{
+    typedef T Type __attribute__((vector_size(Bytes)));
+    typedef T Unaligned __attribute__((vector_size(Bytes), aligned(1), may_alias));
+};
+
+template <class T, Domain::domain D>
+using Pack = typename PackOf<T, packBytes<D>>::Type;
+
+template <class T, Domain::domain D>
+inline constexpr std::size_t lanes = packBytes<D> / sizeof(T);
+
+template <class P, class T>
+ORLIX_KERNEL P load(const T* pixels)
+{
+    return (P) * reinterpret_cast<const typename PackOf<T, sizeof(P)>::Unaligned*>(pixels);
+}
+
+template <class P, class T>
+ORLIX_KERNEL P splat(T x)
+{
+    return P{} + x;
+}
+
+/// a < b ? a : b in every lane; for float exactly so, also where one is NaN.
+template <class P>
+ORLIX_KERNEL P least(P a, P b)
+{
+    return a < b ? a : b;
+}
+
+template <class P>
+ORLIX_KERNEL P most(P a, P b)
+{
+    return a > b ? a : b;
+}
+
+/// Products of neighbouring 16-bit lanes, added in pairs. Two products of -32768 with itself give 2^31, which is right
+/// as an unsigned number.
+template <Domain::domain D, class P>
+ORLIX_KERNEL Pack<std::uint32_t, D> multiplyAddPairs(P a, P b)
+{
+    if constexpr (D == Domain::eIS_SSE2) {
+        return (Pack<std::uint32_t, D>)_mm_madd_epi16((__m128i)a, (__m128i)b);
+    } else if constexpr (D == Domain::eIS_AVX512) {
+        return (Pack<std::uint32_t, D>)_mm512_madd_epi16((__m512i)a, (__m512i)b);
+    } else {
+        return (Pack<std::uint32_t, D>)_mm256_madd_epi16((__m256i)a, (__m256i)b);
+    }
+}
+
+/// `sums` plus neighbouring lanes of `a`, added in pairs.
+template <Domain::domain D, class P>
+ORLIX_KERNEL Pack<std::int32_t, D> addPairs(Pack<std::int32_t, D> sums, P a)
+{
+#ifdef __AVX512VNNI__
+    if constexpr (D == Domain::eIS_AVX512) {
+        return (Pack<std::int32_t, D>)_mm512_dpwssd_epi32((__m512i)sums, (__m512i)a, _mm512_set1_epi16(1));
+    }
+#endif
+    return sums + (Pack<std::int32_t, D>)multiplyAddPairs<D>(a, splat<P>(std::int16_t{1}));
+}
+
+/// The sum of each eight neighbouring bytes.
+template <Domain::domain D, class P>
+ORLIX_KERNEL Pack<std::uint64_t, D> addBytes(P a)
+{
+    if constexpr (D == Domain::eIS_SSE2) {
+        return (Pack<std::uint64_t, D>)_mm_sad_epu8((__m128i)a, (__m128i)P{});
+    } else if constexpr (D == Domain::eIS_AVX512) {
+        return (Pack<std::uint64_t, D>)_mm512_sad_epu8((__m512i)a, (__m512i)P{});
+    } else {
+        return (Pack<std::uint64_t, D>)_mm256_sad_epu8((__m256i)a, (__m256i)P{});
+    }
+}
+
+/// The squares of the low halves of 64-bit lanes.
+template <Domain::domain D, class P>
+ORLIX_KERNEL Pack<std::uint64_t, D> squareLow(P a)
+{
+    if constexpr (D == Domain::eIS_SSE2) {
+        return (Pack<std::uint64_t, D>)_mm_mul_epu32((__m128i)a, (__m128i)a);
+    } else if constexpr (D == Domain::eIS_AVX512) {
+        return (Pack<std::uint64_t, D>)_mm512_mul_epu32((__m512i)a, (__m512i)a);
+    } else {
+        return (Pack<std::uint64_t, D>)_mm256_mul_epu32((__m256i)a, (__m256i)a);
+    }
+}
+
+/// sum + x * x where the product is exact, so that fusing the two changes nothing.
+template <Domain::domain D, class P>
+ORLIX_KERNEL P addSquare(P sum, P x)
+{
+#ifdef __FMA__
+    if constexpr (D == Domain::eIS_AVX2) {
+        return (P)_mm256_fmadd_pd((__m256d)x, (__m256d)x, (__m256d)sum);
+    }
+#endif
+#ifdef __AVX512F__
+    if constexpr (D == Domain::eIS_AVX512) {
+        return (P)_mm512_fmadd_pd((__m512d)x, (__m512d)x, (__m512d)sum);
+    }
+#endif
+    return sum + x * x;
+}
+
+/// The sum of all lanes, seen as numbers of type Lane.
+template <class Lane, class Sum, class P>
+ORLIX_KERNEL Sum addLanes(P pack)
+{
+    Lane lane[sizeof(P) / sizeof(Lane)];
+    __builtin_memcpy(lane, &pack, sizeof(P)); // an indexed pack would live in memory
+    Sum sum = 0;
+    for (const Lane x : lane) {
+        sum += x;
+    }
+    return sum;
+}
+
+} // namespace
+
+} // namespace orlix::imaproc::glbmsr

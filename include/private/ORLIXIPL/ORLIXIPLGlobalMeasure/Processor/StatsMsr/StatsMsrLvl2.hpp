@@ -1,0 +1,15 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsrLvl3.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// The statistics of one 2d plan.
+class ORLIX_API StatsMsrLvl2 final : public StripsLvl2<StatsMsrLvl2, StatsMsrLvl3, OutStatsResult, StatsMerge, Pass<InSubImg2d, InYStrip2d>>
+{
+public:
+    static ProcessorClass processorClass;
+};
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsLevels.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// The statistics of one strip of rows.
+class ORLIX_API StatsMsrLvl3 final : public StatsStrip<StatsMsrLvl3, InYStrip2d>
+{
+public:
+    static AlgorithmClass processorClass;
+};
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,70 @@
+// The members of StatsStrip that need the kernels; for the level 3 source files.
+
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Declare.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsKernelTables.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsLevels.hpp>
+
+#include <framework/core/NumericLimits.hpp>
+
+#include <cmath>
+
+namespace orlix::imaproc::glbmsr
+{
+
+template <class Self, class Strip>
+void StatsStrip<Self, Strip>::functionRegistration(AlgorithmFunctionSelector& selector)
+{
+    const auto registerDomain = [&]<core::eInstructionSet::domain D>(DomainConstant<D>) {
+        image::forEachPixelType([&]<class T>(std::type_identity<T>) {
+            if (kernelOf<T>(statsKernels<D>()) != nullptr) {
+                Algorithm<Self, Strip, OutStatsResult>::template registerKernel<T, D>(selector);
+            }
+        });
+    };
+    forEachAvailableDomain(registerDomain);
+}
+
+template <class Self, class Strip>
+template <class T, core::eInstructionSet::domain D>
+core::ProcessingResult StatsStrip<Self, Strip>::genericProcessFunction(ProcessingInfo info)
+{
+    StatsResult& result = this->template value<OutStatsResult>();
+    Moments moments{result.Sum, sumSq_, result.Min, result.Max};
+    const auto kernel = kernelOf<T>(statsKernels<D>());
+    for (std::size_t i = 0; i < info.nbRuns(); ++i) {
+        kernel({this->getParser(0).template run<T>(i, info.rowSize), info.rowSize}, moments);
+    }
+    result.Sum = moments.sum;
+    result.Min = moments.min;
+    result.Max = moments.max;
+    sumSq_ = moments.sumSq;
+    return {};
+}
+
+template <class Self, class Strip>
+core::ProcessingResult StatsStrip<Self, Strip>::preProcess()
+{
+    StatsResult& result = this->template value<OutStatsResult>();
+    result.NbPixels = this->template attribute<Strip>().get().nbPixels();
+    result.Sum = 0;
+    result.Mean = 0;
+    result.Min = core::NumericLimits<double>::s_max;
+    result.Max = core::NumericLimits<double>::s_min;
+    sumSq_ = 0;
+    return {};
+}
+
+template <class Self, class Strip>
+core::ProcessingResult StatsStrip<Self, Strip>::postProcess()
+{
+    StatsResult& result = this->template value<OutStatsResult>();
+    const auto n = static_cast<double>(result.NbPixels);
+    result.Mean = result.Sum / n;
+    // On purpose: no clamp. Rounding may make the difference negative, and the deviation NaN.
+    result.StdDev = std::sqrt(sumSq_ / n - result.Mean * result.Mean);
+    return {};
+}
+
+} // namespace orlix::imaproc::glbmsr

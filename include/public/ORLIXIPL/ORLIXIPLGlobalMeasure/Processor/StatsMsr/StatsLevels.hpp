@@ -1,0 +1,54 @@
+#pragma once
+
+#include <framework/attribute/ImageAttributes.hpp>
+#include <framework/attribute/StatsResult.hpp>
+#include <framework/process/Levels.hpp>
+
+#include <span>
+
+/// What the statistics measures share. One pass over the pixels gives number, sum, mean, minimum, maximum and standard
+/// deviation; the measures differ in how much of the image one result covers.
+///
+/// Integer results are the same bits on every instruction set; so are minima and maxima of float images. Sums, means
+/// and standard deviations of float images are the same bits on every vector instruction set; the generic kernel adds
+/// in another order and may differ from them by the rounding of double additions.
+namespace orlix::imaproc::glbmsr
+{
+
+using attr::InImg;
+using attr::InImg3d;
+using attr::InSubImg2d;
+using attr::InSubImg3d;
+using attr::InYStrip2d;
+using attr::InZStrip3d;
+using attr::OutPIStatsResult;
+using attr::OutStatsResult;
+using attr::PlanIndexedStatsResult;
+using attr::StatsResult;
+
+/// Merges the statistics of disjoint parts, in their order; the sums of squares are rebuilt from mean and deviation.
+struct StatsMerge
+{
+    ORLIX_API static core::ProcessingResult merge(std::span<const Ptr<StatsResult>> parts, StatsResult& merged);
+};
+
+/// One strip: the kernel and what is made of its sums. Strip is the strip attribute.
+template <class Self, class Strip>
+class StatsStrip : public Algorithm<Self, Strip, OutStatsResult>
+{
+public:
+    /// Enters the kernels that this machine can run.
+    static void functionRegistration(AlgorithmFunctionSelector& selector);
+
+    template <class T, core::eInstructionSet::domain D>
+    core::ProcessingResult genericProcessFunction(ProcessingInfo info);
+
+protected:
+    core::ProcessingResult preProcess() override;
+    core::ProcessingResult postProcess() override;
+
+private:
+    double sumSq_ = 0;
+};
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsrLvl1.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// Number, sum, mean, minimum, maximum and standard deviation of the pixels: one result over every plan, channel and time of the image. Takes the
+/// seven numeric pixel types; without pixels the mean is NaN. The synchronous forms throw ORLIXBaseProcessingException
+/// when the run fails.
+ORLIX_API Ptr<StatsResult> statsMsr(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<StatsMsrLvl1> statsMsr_async(const Ptr<const image::BaseImage>& image);
+
+/// What a run has written so far; wait for it first.
+ORLIX_API Ptr<StatsResult> getAsyncProcessorOutput(const Ptr<StatsMsrLvl1>& processor);
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsLevels.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+class StatsMsrLvl2;
+
+/// The statistics of a whole image: all its plans merged into one result.
+class ORLIX_API StatsMsrLvl1 final
+    : public MergedLvl1<StatsMsrLvl1, StatsMsrLvl2, OutStatsResult, StatsMerge, Pass<InImg, InSubImg2d>>
+{
+public:
+    StatsMsrLvl1(); // where the level below is known
+
+    static ProcessorClass processorClass;
+};
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,27 @@
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsr.hpp>
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsrLvl2.hpp>
+
+#include <framework/process/CallingForms.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+using Forms = CallingForms<StatsMsrLvl1, InImg>;
+
+Ptr<StatsResult> statsMsr(const Ptr<const image::BaseImage>& image)
+{
+    return Forms::single(image);
+}
+
+Ptr<StatsMsrLvl1> statsMsr_async(const Ptr<const image::BaseImage>& image)
+{
+    return Forms::singleAsync(image);
+}
+
+Ptr<StatsResult> getAsyncProcessorOutput(const Ptr<StatsMsrLvl1>& processor)
+{
+    return Forms::output(processor);
+}
+
+} // namespace orlix::imaproc::glbmsr

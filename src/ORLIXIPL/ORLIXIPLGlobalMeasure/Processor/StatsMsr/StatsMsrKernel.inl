@@ -1,0 +1,254 @@
+// The statistics kernels, once for every pixel type and instruction set.
+//
+// Integers: everything is exact until the end of the run, where sum and sum of squares are rounded to double once; so
+// all instruction sets give the same bits.
+// Float: pixel i is added, in double, to lane i mod 16, whatever the width of the registers, and the square of a float
+// is exact in double; so all vector sets give the same bits.
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/ExactSums.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsKernels.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+namespace
+{
+
+template <class T>
+inline constexpr bool isFloat = T(0.5) != T(0);
+
+/// Holds a sum of squares of 2^20 pixels.
+template <class T>
+struct SquareOf
+{
+    using Type = std::uint64_t;
+};
+template <>
+struct SquareOf<unsigned int>
+{
+    using Type = unsigned __int128;
+};
+template <>
+struct SquareOf<int>
+{
+    using Type = unsigned __int128;
+};
+template <class T>
+using Square = typename SquareOf<T>::Type;
+
+ORLIX_KERNEL void widen(Moments& m, double lo, double hi)
+{
+    m.min = m.min < lo ? m.min : lo;
+    m.max = m.max > hi ? m.max : hi;
+}
+
+template <class T, Domain::domain D>
+void accumulateIntegers(Run<T> run, Moments& m)
+{
+    using Y = Canonical<T>;
+    using YPack = Pack<Y, D>;
+    using Sums = ExactSums<Y, D>;
+    constexpr std::size_t step = lanes<T, D>;
+    const std::size_t whole = run.size / step;
+    const std::size_t rest = run.size % step;
+
+    // The last pixels, filled up with copies of the very last: they do no harm to the extremes, and the sums are known.
+    T filled[step];
+    if (rest != 0) {
+        const T last = run.pixels[run.size - 1];
+        for (T& x : filled) {
+            x = last;
+        }
+        __builtin_memcpy(filled, run.pixels + whole * step, rest * sizeof(T));
+    }
+
+    // Two of everything, so that one can wait for its registers while the other works.
+    Totals totals;
+    Sums sums[2];
+    YPack lo[2];
+    YPack hi[2];
+    lo[0] = lo[1] = hi[0] = hi[1] = loadCanonical<T, D>(whole != 0 ? run.pixels : filled);
+    const auto take = [&](int half, const T* pixels) __attribute__((always_inline)) {
+        const YPack y = loadCanonical<T, D>(pixels);
+        sums[half].add(y);
+        lo[half] = least(lo[half], y);
+        hi[half] = most(hi[half], y);
+    };
+    std::size_t i = 0;
+    do {
+        const std::size_t end = whole - i < Sums::block ? whole : i + Sums::block;
+        for (; i + 2 <= end; i += 2) {
+            take(0, run.pixels + i * step);
+            take(1, run.pixels + (i + 1) * step);
+        }
+        for (; i < end; ++i) {
+            take(0, run.pixels + i * step);
+        }
+        if (end == whole && rest != 0) {
+            take(1, filled);
+        }
+        sums[0].flush(totals);
+        sums[1].flush(totals);
+    } while (i < whole);
+
+    Y los[step];
+    Y his[step];
+    const YPack least01 = least(lo[0], lo[1]);
+    const YPack most01 = most(hi[0], hi[1]);
+    __builtin_memcpy(los, &least01, sizeof los);
+    __builtin_memcpy(his, &most01, sizeof his);
+    Y min = los[0];
+    Y max = his[0];
+    for (std::size_t k = 1; k < step; ++k) {
+        min = min < los[k] ? min : los[k];
+        max = max > his[k] ? max : his[k];
+    }
+    widen(m, double(std::int64_t{min} + bias<T>), double(std::int64_t{max} + bias<T>));
+
+    if (rest != 0) {
+        const Int128 extra = step - rest;
+        const Int128 last = Int128(run.pixels[run.size - 1]) - bias<T>;
+        totals.sum -= extra * last;
+        totals.sumSq -= extra * last * last;
+    }
+    const Int128 n = run.size;
+    m.sum += double(totals.sum + n * bias<T>);
+    m.sumSq += double(totals.sumSq + 2 * Int128{bias<T>} * totals.sum + n * bias<T> * bias<T>);
+}
+
+/// In the order of the pixels, so that a NaN stays until the next number replaces it.
+template <class T>
+ORLIX_KERNEL void widenInOrder(Run<T> run, Moments& m)
+{
+    for (std::size_t i = 0; i < run.size; ++i) {
+        widen(m, run.pixels[i], run.pixels[i]);
+    }
+}
+
+template <Domain::domain D>
+void accumulateFloats(Run<float> run, Moments& m)
+{
+    using Doubles = Pack<double, D>;
+    using Floats = Pack<float, D>;
+    using Half = typename PackOf<float, packBytes<D> / 2>::Type;
+    constexpr std::size_t step = 16;
+    constexpr std::size_t doubles = step / lanes<double, D>;
+    constexpr std::size_t floats = step / lanes<float, D>;
+
+    Doubles sum[doubles]{};
+    Doubles sumSq[doubles]{};
+    Floats lo[floats];
+    Floats hi[floats];
+    for (std::size_t k = 0; k < floats; ++k) {
+        lo[k] = splat<Floats>(__builtin_inff());
+        hi[k] = -lo[k];
+    }
+    const float* pixels = run.pixels;
+    const float* const end = run.pixels + run.size / step * step;
+    for (; pixels != end; pixels += step) {
+#pragma GCC unroll 8
+        for (std::size_t k = 0; k < doubles; ++k) {
+            const auto x = __builtin_convertvector(load<Half>(pixels + k * lanes<double, D>), Doubles);
+            sum[k] += x;
+            sumSq[k] = addSquare<D>(sumSq[k], x);
+        }
+#pragma GCC unroll 4
+        for (std::size_t k = 0; k < floats; ++k) {
+            const Floats x = load<Floats>(pixels + k * lanes<float, D>);
+            lo[k] = least(lo[k], x);
+            hi[k] = most(hi[k], x);
+        }
+    }
+
+    double sums[step];
+    double squares[step];
+    float los[step];
+    float his[step];
+    __builtin_memcpy(sums, sum, sizeof sums);
+    __builtin_memcpy(squares, sumSq, sizeof squares);
+    __builtin_memcpy(los, lo, sizeof los);
+    __builtin_memcpy(his, hi, sizeof his);
+    for (std::size_t k = 0; k < run.size % step; ++k) {
+        const float x = end[k];
+        sums[k] += x;
+        squares[k] += double(x) * x;
+        los[k] = los[k] < x ? los[k] : x;
+        his[k] = his[k] > x ? his[k] : x;
+    }
+    for (std::size_t width = step / 2; width != 0; width /= 2) {
+        for (std::size_t k = 0; k < width; ++k) {
+            sums[k] += sums[k + width];
+            squares[k] += squares[k + width];
+        }
+    }
+    m.sum += sums[0];
+    m.sumSq += squares[0];
+    if (sums[0] != sums[0]) {
+        widenInOrder(run, m); // a NaN, perhaps: lanes would lose track of what came after it
+        return;
+    }
+    for (std::size_t k = 0; k < step && k < run.size; ++k) {
+        widen(m, los[k], his[k]);
+    }
+}
+
+/// The generic domain: one pixel after the other.
+template <class T>
+void accumulateGeneric(Run<T> run, Moments& m)
+{
+    if constexpr (isFloat<T>) {
+        for (std::size_t i = 0; i < run.size; ++i) {
+            const double x = run.pixels[i];
+            m.sum += x;
+            m.sumSq += x * x;
+        }
+        widenInOrder(run, m);
+    } else {
+        constexpr std::size_t block = std::size_t{1} << 20; // of squares below 2^32, which fit 64 bits
+        Totals totals;
+        T min = run.pixels[0];
+        T max = min;
+        for (std::size_t i = 0; i < run.size;) {
+            const std::size_t end = run.size - i < block ? run.size : i + block;
+            std::int64_t sum = 0;
+            Square<T> sumSq = 0;
+            for (; i < end; ++i) {
+                const std::int64_t x = run.pixels[i];
+                sum += x;
+                sumSq += std::uint64_t(x * x);
+                min = min < run.pixels[i] ? min : run.pixels[i];
+                max = max > run.pixels[i] ? max : run.pixels[i];
+            }
+            totals.sum += sum;
+            totals.sumSq += Int128(sumSq);
+        }
+        widen(m, min, max);
+        m.sum += double(totals.sum);
+        m.sumSq += double(totals.sumSq);
+    }
+}
+
+template <class T, Domain::domain D>
+void accumulate(Run<T> run, Moments& m)
+{
+    if (run.size == 0) {
+        return;
+    }
+    if constexpr (D == Domain::eIS_Generic) {
+        accumulateGeneric(run, m);
+    } else if constexpr (isFloat<T>) {
+        accumulateFloats<D>(run, m);
+    } else {
+        accumulateIntegers<T, D>(run, m);
+    }
+}
+
+template <Domain::domain D>
+constexpr StatsKernels everyType{{&accumulate<unsigned char, D>},  {&accumulate<signed char, D>},
+                                 {&accumulate<unsigned short, D>}, {&accumulate<short, D>},
+                                 {&accumulate<unsigned int, D>},   {&accumulate<int, D>},
+                                 {&accumulate<float, D>}};
+
+} // namespace
+
+} // namespace orlix::imaproc::glbmsr

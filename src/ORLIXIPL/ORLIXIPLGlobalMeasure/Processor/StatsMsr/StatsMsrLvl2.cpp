@@ -1,0 +1,10 @@
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsrLvl2.hpp>
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Declare.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+ProcessorClass StatsMsrLvl2::processorClass = declare<StatsMsrLvl2>("StatsMsrLvl2", 88);
+
+} // namespace orlix::imaproc::glbmsr

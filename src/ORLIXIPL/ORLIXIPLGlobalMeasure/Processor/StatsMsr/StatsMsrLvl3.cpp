@@ -1,0 +1,10 @@
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsrLvl3.hpp>
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsStrip.inl>
+
+namespace orlix::imaproc::glbmsr
+{
+
+AlgorithmClass StatsMsrLvl3::processorClass = declareAlgorithm<StatsMsrLvl3>("StatsMsrLvl3", 89);
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,9 @@
+#include "StatsMsrKernel.inl"
+
+namespace orlix::imaproc::glbmsr
+{
+
+extern const StatsKernels statsKernels_avx{{nullptr}, {nullptr}, {nullptr}, {nullptr},
+                                           {nullptr}, {nullptr}, {&accumulate<float, Domain::eIS_AVX>}};
+
+} // namespace orlix::imaproc::glbmsr

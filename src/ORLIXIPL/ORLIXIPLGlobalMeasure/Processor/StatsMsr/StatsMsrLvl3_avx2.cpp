@@ -1,0 +1,8 @@
+#include "StatsMsrKernel.inl"
+
+namespace orlix::imaproc::glbmsr
+{
+
+extern const StatsKernels statsKernels_avx2 = everyType<Domain::eIS_AVX2>;
+
+} // namespace orlix::imaproc::glbmsr

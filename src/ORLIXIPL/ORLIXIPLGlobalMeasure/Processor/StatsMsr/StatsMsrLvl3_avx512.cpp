@@ -1,0 +1,8 @@
+#include "StatsMsrKernel.inl"
+
+namespace orlix::imaproc::glbmsr
+{
+
+extern const StatsKernels statsKernels_avx512 = everyType<Domain::eIS_AVX512>;
+
+} // namespace orlix::imaproc::glbmsr

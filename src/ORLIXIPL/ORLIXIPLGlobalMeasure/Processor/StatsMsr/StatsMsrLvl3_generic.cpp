@@ -1,0 +1,8 @@
+#include "StatsMsrKernel.inl"
+
+namespace orlix::imaproc::glbmsr
+{
+
+extern const StatsKernels statsKernels_generic = everyType<Domain::eIS_Generic>;
+
+} // namespace orlix::imaproc::glbmsr

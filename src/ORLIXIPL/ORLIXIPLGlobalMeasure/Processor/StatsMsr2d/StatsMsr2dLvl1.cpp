@@ -1,0 +1,10 @@
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2dLvl1.hpp>
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Declare.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+ProcessorClass StatsMsr2dLvl1::processorClass = declare<StatsMsr2dLvl1>("StatsMsr2dLvl1", 79);
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,10 @@
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2dLvl3.hpp>
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsStrip.inl>
+
+namespace orlix::imaproc::glbmsr
+{
+
+AlgorithmClass StatsMsr2dLvl3::processorClass = declareAlgorithm<StatsMsr2dLvl3>("StatsMsr2dLvl3", 81);
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,10 @@
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr3d/StatsMsr3dLvl2.hpp>
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Declare.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+ProcessorClass StatsMsr3dLvl2::processorClass = declare<StatsMsr3dLvl2>("StatsMsr3dLvl2", 84);
+
+} // namespace orlix::imaproc::glbmsr
