@@ -1,4 +1,5 @@
 include(CMakeFindDependencyMacro)
 find_dependency(Boost 1.74)
 find_dependency(Threads)
+find_dependency(nlohmann_json 3.11)
 include(${CMAKE_CURRENT_LIST_DIR}/ORLIXFrameworkTargets.cmake)

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+namespace orlix::app
+{
+
+/// Runs the program and returns its exit status. What it has to say on success is in `output`, which stays empty on
+/// failure; `error` is then one line.
+int runCommand(int argc, const char* const* argv, std::string& output, std::string& error);
+
+} // namespace orlix::app

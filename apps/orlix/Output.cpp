@@ -1,0 +1,116 @@
+#include <orlix/Output.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace orlix::app
+{
+
+Json toJson(double value)
+{
+    if (std::isinf(value)) {
+        return value > 0 ? "Infinity" : "-Infinity";
+    }
+    return std::isnan(value) ? Json(nullptr) : Json(value);
+}
+
+Json describeImage(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& geometry)
+{
+    return {{"path", path},   {"type", image::getName(type)}, {"x", geometry.x}, {"y", geometry.y}, {"z", geometry.z},
+            {"c", geometry.c}, {"t", geometry.t}};
+}
+
+std::string printJson(const Report& report)
+{
+    Json document;
+    document["measure"] = report.measure;
+    for (const auto& [name, image] : report.images) {
+        document[name] = image;
+    }
+    document["results"] = report.results;
+    return document.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+namespace
+{
+
+/// A cell as a person reads it.
+std::string printCell(const Json& value)
+{
+    if (value.is_null()) {
+        return "NaN";
+    }
+    if (value.is_string()) {
+        return value.get<std::string>();
+    }
+    if (value.is_number_float()) {
+        char text[32];
+        std::snprintf(text, sizeof text, "%.10g", value.get<double>());
+        return text;
+    }
+    if (value.is_array()) {
+        std::string list;
+        for (const Json& each : value) {
+            list += (list.empty() ? "" : ", ") + printCell(each);
+        }
+        return list;
+    }
+    if (value.is_object()) {
+        std::string list;
+        for (const auto& [key, each] : value.items()) {
+            list += (list.empty() ? "" : " ") + printCell(each);
+        }
+        return list;
+    }
+    return value.dump();
+}
+
+} // namespace
+
+std::string printTable(const Report& report)
+{
+    std::string text;
+    for (const auto& [name, image] : report.images) {
+        text += printCell(image["path"]) + ": " + printCell(image["type"]) + ", " + image["x"].dump() + " x " +
+                image["y"].dump();
+        for (const char* const axis : {"z", "c", "t"}) {
+            if (image[axis] != 1) {
+                text += std::string{", "} + axis + " " + image[axis].dump();
+            }
+        }
+        text += "\n";
+    }
+    if (report.results.empty()) {
+        return text;
+    }
+    std::vector<std::vector<std::string>> rows(1);
+    std::vector<bool> isText;
+    for (const auto& [key, value] : report.results.front().items()) {
+        rows[0].push_back(key);
+        isText.push_back(value.is_string() || value.is_array());
+    }
+    for (const Json& result : report.results) {
+        rows.emplace_back();
+        for (const auto& [key, value] : result.items()) {
+            rows.back().push_back(printCell(value));
+        }
+    }
+    std::vector<std::size_t> widths(rows[0].size(), 0);
+    for (const auto& row : rows) {
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            widths[i] = std::max(widths[i], row[i].size());
+        }
+    }
+    for (const auto& row : rows) {
+        std::string line;
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            const std::string padding(widths[i] - row[i].size(), ' ');
+            line += (i == 0 ? "" : "  ") + (isText[i] ? row[i] + padding : padding + row[i]);
+        }
+        text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+    }
+    return text;
+}
+
+} // namespace orlix::app

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <framework/data/DataItem.hpp>
+#include <framework/image/Geometry.hpp>
+#include <framework/image/PixelType.hpp>
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+namespace orlix::app
+{
+
+using Json = nlohmann::ordered_json;
+
+/// What a command has to say, in the form that both JSON and tables are made of.
+struct Report
+{
+    std::string measure;
+    std::vector<std::pair<std::string, Json>> images; ///< "image", "mask", "image2" and what they are
+    std::vector<Json> results;                        ///< one object each, with the same fields
+};
+
+/// A number as JSON: NaN is null, infinities are "Infinity" and "-Infinity".
+Json toJson(double value);
+
+/// The fields of a record, in the order of their declaration.
+template <class Record>
+Json toJson(const data::DataItem<Record>& item)
+{
+    Json object = Json::object();
+    const auto& record = static_cast<const Record&>(item);
+    Record::forEachField([&](const auto& field) {
+        const auto& value = record.*field.member;
+        if constexpr (std::is_same_v<std::remove_cvref_t<decltype(value)>, double>) {
+            object[field.name] = toJson(value);
+        } else {
+            object[field.name] = value;
+        }
+    });
+    return object;
+}
+
+Json describeImage(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& geometry);
+
+/// One object on one line.
+std::string printJson(const Report& report);
+/// An aligned table for people.
+std::string printTable(const Report& report);
+
+} // namespace orlix::app

@@ -1,0 +1,63 @@
+# What ./orlix and ./check share. They say what they do on standard error, in one line where it takes long.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+build=$root/build
+
+say() { echo "$me: $*" >&2; }
+die() { say "$*"; exit 1; }
+
+# Runs a command whose output nobody needs while it works. After a second it says what it does; when the command fails
+# it shows the end of the output.
+quietly() {
+    local what=$1 log=$2 status running
+    shift 2
+    exec {running}< <("$@" >"$log" 2>&1 </dev/null; echo $?)
+    if ! read -r -t 1 -u "$running" status; then
+        say "$what (log: ${log#"$root"/})"
+        read -r -u "$running" status || status=1
+    fi
+    exec {running}<&-
+    if [ "$status" -ne 0 ]; then
+        tail -n 30 "$log" >&2
+        die "failed: $what"
+    fi
+}
+
+# The packages of a list that are not installed.
+missing_packages() {
+    local package
+    grep -v '^#' "$1" | while read -r package; do
+        dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed || echo "$package"
+    done
+}
+
+# Installs what is missing. A stamp of the list spares later calls even the question.
+need_packages() {
+    local list=$1 stamp
+    stamp=$build/.packages-$(basename "$list" .txt)-$(cksum <"$list" | cut -d' ' -f1)
+    [ -e "$stamp" ] && return
+    local missing
+    missing=$(missing_packages "$list" | tr '\n' ' ')
+    if [ -n "$missing" ]; then
+        local sudo=
+        [ "$(id -u)" -eq 0 ] || sudo=sudo
+        [ -z "$sudo" ] || command -v sudo >/dev/null || die "these packages are missing and need root to install: $missing"
+        quietly "installing packages: $missing" "$build/apt.log" \
+            $sudo bash -c "export DEBIAN_FRONTEND=noninteractive; apt-get update && apt-get install -y --no-install-recommends $missing"
+    fi
+    touch "$stamp"
+}
+
+# Builds targets of a preset: only what is stale, and one call at a time.
+build_preset() {
+    local preset=$1 dir=$build/$1
+    shift
+    mkdir -p "$dir"
+    exec 9>"$dir/.lock"
+    flock 9
+    if [ ! -e "$dir/build.ninja" ]; then
+        quietly "configuring $preset" "$dir/configure.log" cmake --preset "$preset" -S "$root"
+    fi
+    quietly "building $preset, which takes some minutes from clean" "$dir/build.log" ninja -C "$dir" "$@"
+    exec 9>&-
+}
