@@ -39,10 +39,11 @@ struct Strip
         const ImageGeometry& size = subImage.getGeometry();
         return Kind == ePlanKind::ePK_Plan2d ? size.y : size.z;
     }
+    /// 0 for an image that is empty in any axis.
     static std::size_t getElementPixels(const BaseImage& subImage)
     {
         const ImageGeometry& size = subImage.getGeometry();
-        return Kind == ePlanKind::ePK_Plan2d ? size.x : size.x * size.y;
+        return size.empty() ? 0 : Kind == ePlanKind::ePK_Plan2d ? size.x : size.x * size.y;
     }
     std::size_t nbPixels() const { return image ? count * getElementPixels(*image) : 0; }
 
@@ -50,6 +51,9 @@ struct Strip
     {
         const ImageGeometry& size = image->getGeometry();
         const ImageStrides& strides = image->getStrides();
+        if (nbPixels() == 0) {
+            return {};
+        }
         if constexpr (Kind == ePlanKind::ePK_Plan2d) {
             return {image->getRow(first), size.x, count, 1, strides.y, strides.z, image->getPixelSize()};
         } else {

@@ -217,7 +217,7 @@ ProcessingResult BaseAsync1Processor::runDerived(const RunContext& context)
     const std::size_t stages = retrieveSequenceInfo();
     for (std::size_t i = 0; result && i < stages; ++i) {
         if (context.cancelled()) {
-            return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eCancelled, getObjectName()));
+            return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eCancelled));
         }
         Ptr<ActionProvider> provider;
         result = retrieveProvider(context.priority, i, stages, provider);

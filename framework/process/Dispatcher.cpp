@@ -28,7 +28,7 @@ ProcessingResult BaseDispatcher::process(const RunContext& context)
     };
     executor::parallelFor(children_, grain_, priority_, RangeBody{body});
     if (context.cancelled() && !failure) {
-        return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eCancelled, "The measure"));
+        return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eCancelled));
     }
     return failure ? failure.take() : ProcessingResult{};
 }

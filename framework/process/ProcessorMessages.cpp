@@ -16,7 +16,7 @@ std::span<const Message> MessageMap<imaproc::eProcessorMessage>::texts()
         {6, "%1%: %2% is empty (%3%): an image with pixels is needed"},
         {7, "%1% has no kernel for %2% pixels"},
         {8, "%1% has no %2% kernel for %3% pixels: there are %4%"},
-        {9, "%1%: the run was cancelled"},
+        {9, "The run was cancelled"},
         {10, "%1% is already running: wait for it first"},
         {11, "%1%: %2%"},
         {12, "%1% was run before it was initialised: call init first"},

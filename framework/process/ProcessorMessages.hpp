@@ -17,7 +17,7 @@ enum class eProcessorMessage : unsigned
     eEmptyImage = 6,          ///< processor, attribute, geometry
     eNoKernel = 7,            ///< processor, pixel types
     eNoForcedKernel = 8,      ///< processor, forced sets, pixel types, sets there are
-    eCancelled = 9,           ///< processor
+    eCancelled = 9,
     eAlreadyRunning = 10,     ///< processor
     eException = 11,          ///< processor, text of the exception
     eRunWithoutInit = 12,     ///< processor

@@ -1,9 +1,11 @@
 #include <framework/process/ThreadPool.hpp>
 
 #include <oneapi/tbb/blocked_range.h>
+#include <oneapi/tbb/info.h>
 #include <oneapi/tbb/parallel_for.h>
 #include <oneapi/tbb/task_arena.h>
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <utility>
@@ -19,7 +21,7 @@ namespace
 tbb::task_arena& getArena(unsigned threads, ePriority priority)
 {
     static std::mutex mutex;
-    static std::map<std::pair<unsigned, ePriority>, tbb::task_arena> arenas;
+    static std::map<std::pair<int, ePriority>, tbb::task_arena> arenas;
     const auto tbbPriority = [&] {
         switch (priority) {
         case ePriority::eP_Low:
@@ -30,8 +32,10 @@ tbb::task_arena& getArena(unsigned threads, ePriority priority)
             return tbb::task_arena::priority::normal;
         }
     }();
+    // More threads than processors would gain nothing, and oneTBB would complain on standard error.
+    const int slots = std::min(static_cast<int>(threads), tbb::info::default_concurrency());
     const std::lock_guard lock{mutex};
-    return arenas.try_emplace({threads, priority}, static_cast<int>(threads), 1u, tbbPriority).first->second;
+    return arenas.try_emplace({slots, priority}, slots, 1u, tbbPriority).first->second;
 }
 
 } // namespace

@@ -215,7 +215,7 @@ void accumulateGeneric(Run<T> run, Moments& m)
             for (; i < end; ++i) {
                 const std::int64_t x = run.pixels[i];
                 sum += x;
-                sumSq += std::uint64_t(x * x);
+                sumSq += std::uint64_t(x) * std::uint64_t(x); // right for negative pixels, too
                 min = min < run.pixels[i] ? min : run.pixels[i];
                 max = max > run.pixels[i] ? max : run.pixels[i];
             }

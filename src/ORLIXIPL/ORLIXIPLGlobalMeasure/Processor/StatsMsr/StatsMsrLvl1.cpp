@@ -9,5 +9,6 @@ namespace orlix::imaproc::glbmsr
 ProcessorClass StatsMsrLvl1::processorClass = declare<StatsMsrLvl1>("StatsMsrLvl1", 87);
 
 StatsMsrLvl1::StatsMsrLvl1() = default;
+StatsMsrLvl1::~StatsMsrLvl1() = default;
 
 } // namespace orlix::imaproc::glbmsr

@@ -7,4 +7,7 @@ namespace orlix::imaproc::glbmsr
 
 ProcessorClass StatsMsrLvl2::processorClass = declare<StatsMsrLvl2>("StatsMsrLvl2", 88);
 
+StatsMsrLvl2::StatsMsrLvl2() = default;
+StatsMsrLvl2::~StatsMsrLvl2() = default;
+
 } // namespace orlix::imaproc::glbmsr

@@ -7,4 +7,7 @@ namespace orlix::imaproc::glbmsr
 
 ProcessorClass StatsMsr2dLvl1::processorClass = declare<StatsMsr2dLvl1>("StatsMsr2dLvl1", 79);
 
+StatsMsr2dLvl1::StatsMsr2dLvl1() = default;
+StatsMsr2dLvl1::~StatsMsr2dLvl1() = default;
+
 } // namespace orlix::imaproc::glbmsr

@@ -7,4 +7,7 @@ namespace orlix::imaproc::glbmsr
 
 ProcessorClass StatsMsr2dLvl2::processorClass = declare<StatsMsr2dLvl2>("StatsMsr2dLvl2", 80);
 
+StatsMsr2dLvl2::StatsMsr2dLvl2() = default;
+StatsMsr2dLvl2::~StatsMsr2dLvl2() = default;
+
 } // namespace orlix::imaproc::glbmsr

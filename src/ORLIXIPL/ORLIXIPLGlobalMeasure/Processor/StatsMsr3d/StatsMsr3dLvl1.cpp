@@ -7,4 +7,7 @@ namespace orlix::imaproc::glbmsr
 
 ProcessorClass StatsMsr3dLvl1::processorClass = declare<StatsMsr3dLvl1>("StatsMsr3dLvl1", 83);
 
+StatsMsr3dLvl1::StatsMsr3dLvl1() = default;
+StatsMsr3dLvl1::~StatsMsr3dLvl1() = default;
+
 } // namespace orlix::imaproc::glbmsr

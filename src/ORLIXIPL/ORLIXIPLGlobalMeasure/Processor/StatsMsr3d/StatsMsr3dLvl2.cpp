@@ -7,4 +7,7 @@ namespace orlix::imaproc::glbmsr
 
 ProcessorClass StatsMsr3dLvl2::processorClass = declare<StatsMsr3dLvl2>("StatsMsr3dLvl2", 84);
 
+StatsMsr3dLvl2::StatsMsr3dLvl2() = default;
+StatsMsr3dLvl2::~StatsMsr3dLvl2() = default;
+
 } // namespace orlix::imaproc::glbmsr

@@ -7,4 +7,7 @@ namespace orlix::imaproc::glbmsr
 
 AlgorithmClass StatsMsr3dLvl3::processorClass = declareAlgorithm<StatsMsr3dLvl3>("StatsMsr3dLvl3", 85);
 
+StatsMsr3dLvl3::StatsMsr3dLvl3() = default;
+StatsMsr3dLvl3::~StatsMsr3dLvl3() = default;
+
 } // namespace orlix::imaproc::glbmsr

@@ -6,9 +6,12 @@ namespace orlix::imaproc::glbmsr
 {
 
 /// The statistics of one 2d plan.
-class ORLIX_API StatsMsrLvl2 final : public StripsLvl2<StatsMsrLvl2, StatsMsrLvl3, OutStatsResult, StatsMerge, Pass<InSubImg2d, InYStrip2d>>
+class StatsMsrLvl2 final : public StripsLvl2<StatsMsrLvl2, StatsMsrLvl3, OutStatsResult, StatsMerge, Pass<InSubImg2d, InYStrip2d>>
 {
 public:
+    StatsMsrLvl2();
+    ~StatsMsrLvl2() override;
+
     static ProcessorClass processorClass;
 };
 

@@ -6,9 +6,12 @@ namespace orlix::imaproc::glbmsr
 {
 
 /// The statistics of one strip of rows.
-class ORLIX_API StatsMsrLvl3 final : public StatsStrip<StatsMsrLvl3, InYStrip2d>
+class StatsMsrLvl3 final : public StatsStrip<StatsMsrLvl3, InYStrip2d>
 {
 public:
+    StatsMsrLvl3();
+    ~StatsMsrLvl3() override;
+
     static AlgorithmClass processorClass;
 };
 

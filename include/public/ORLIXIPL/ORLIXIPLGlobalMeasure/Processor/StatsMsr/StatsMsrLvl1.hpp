@@ -12,7 +12,8 @@ class ORLIX_API StatsMsrLvl1 final
     : public MergedLvl1<StatsMsrLvl1, StatsMsrLvl2, OutStatsResult, StatsMerge, Pass<InImg, InSubImg2d>>
 {
 public:
-    StatsMsrLvl1(); // where the level below is known
+    StatsMsrLvl1();
+    ~StatsMsrLvl1() override;
 
     static ProcessorClass processorClass;
 };

@@ -10,6 +10,9 @@ class ORLIX_API StatsMsr2dLvl1 final : public PlanIndexedLvl1<StatsMsr2dLvl1, St
                                             Pass<InImg, InSubImg2d>>
 {
 public:
+    StatsMsr2dLvl1();
+    ~StatsMsr2dLvl1() override;
+
     static ProcessorClass processorClass;
 };
 

@@ -9,6 +9,9 @@ namespace orlix::imaproc::glbmsr
 class ORLIX_API StatsMsr2dLvl2 final : public StripsLvl2<StatsMsr2dLvl2, StatsMsr2dLvl3, OutStatsResult, StatsMerge, Pass<InSubImg2d, InYStrip2d>>
 {
 public:
+    StatsMsr2dLvl2();
+    ~StatsMsr2dLvl2() override;
+
     static ProcessorClass processorClass;
 };
 

@@ -9,6 +9,9 @@ namespace orlix::imaproc::glbmsr
 class ORLIX_API StatsMsr2dLvl3 final : public StatsStrip<StatsMsr2dLvl3, InYStrip2d>
 {
 public:
+    StatsMsr2dLvl3();
+    ~StatsMsr2dLvl3() override;
+
     static AlgorithmClass processorClass;
 };
 

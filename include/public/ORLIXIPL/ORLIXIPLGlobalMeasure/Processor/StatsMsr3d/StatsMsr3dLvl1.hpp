@@ -10,6 +10,9 @@ class ORLIX_API StatsMsr3dLvl1 final : public PlanIndexedLvl1<StatsMsr3dLvl1, St
                                             Pass<InImg3d, InSubImg3d>>
 {
 public:
+    StatsMsr3dLvl1();
+    ~StatsMsr3dLvl1() override;
+
     static ProcessorClass processorClass;
 };
 

@@ -9,6 +9,9 @@ namespace orlix::imaproc::glbmsr
 class ORLIX_API StatsMsr3dLvl2 final : public StripsLvl2<StatsMsr3dLvl2, StatsMsr3dLvl3, OutStatsResult, StatsMerge, Pass<InSubImg3d, InZStrip3d>>
 {
 public:
+    StatsMsr3dLvl2();
+    ~StatsMsr3dLvl2() override;
+
     static ProcessorClass processorClass;
 };
 

@@ -9,6 +9,9 @@ namespace orlix::imaproc::glbmsr
 class ORLIX_API StatsMsr3dLvl3 final : public StatsStrip<StatsMsr3dLvl3, InZStrip3d>
 {
 public:
+    StatsMsr3dLvl3();
+    ~StatsMsr3dLvl3() override;
+
     static AlgorithmClass processorClass;
 };
 

@@ -1,0 +1,458 @@
+#include <support/TestImages.hpp>
+
+#include <orlix/Commands.hpp>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <tiffio.h>
+
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <unistd.h>
+
+namespace orlix::test
+{
+
+namespace
+{
+
+using Json = nlohmann::json;
+
+struct Outcome
+{
+    int status = 0;
+    std::string output;
+    std::string error;
+
+    Json json() const { return Json::parse(output); }
+    Json result(std::size_t i = 0) const { return json()["results"][i]; }
+};
+
+Outcome run(const std::vector<std::string>& arguments)
+{
+    std::vector<const char*> argv{"orlix"};
+    for (const std::string& argument : arguments) {
+        argv.push_back(argument.c_str());
+    }
+    Outcome outcome;
+    outcome.status = app::runCommand(static_cast<int>(argv.size()), argv.data(), outcome.output, outcome.error);
+    core::settings::setNbThreads(0);
+    core::settings::forceInstructionSets({});
+    return outcome;
+}
+
+/// How a test file is written.
+struct Layout
+{
+    const char* mode = "w";
+    std::uint16_t bits = 8;
+    std::uint16_t format = SAMPLEFORMAT_UINT;
+    std::uint16_t samples = 1;
+    std::uint16_t planar = PLANARCONFIG_CONTIG;
+    std::uint16_t compression = COMPRESSION_NONE;
+    std::uint32_t tile = 0;
+    std::uint32_t rowsPerStrip = 3;
+    std::string description{};
+    std::size_t thumbnailAfter = 0; ///< a reduced page behind this many pages
+};
+
+constexpr std::uint32_t width = 21;
+constexpr std::uint32_t height = 10;
+
+/// Pixel (x, y) of sample s of page p, as the bytes of a test file count it.
+unsigned pixelAt(std::size_t p, std::size_t s, std::size_t y, std::size_t x)
+{
+    return static_cast<unsigned>((p * 7 + s * 31 + y * 3 + x) % 120);
+}
+
+class CommandTest : public testing::Test
+{
+protected:
+    CommandTest()
+    {
+        std::filesystem::create_directories(folder_);
+        TIFFSetWarningHandler(nullptr);
+    }
+    ~CommandTest() override { std::filesystem::remove_all(folder_); }
+
+    std::string path(const std::string& name) const { return (folder_ / name).string(); }
+
+    std::string write(const std::string& name, std::size_t pages, const Layout& layout) const
+    {
+        TIFF* const tiff = TIFFOpen(path(name).c_str(), layout.mode);
+        for (std::size_t page = 0; page < pages; ++page) {
+            writePage(tiff, page, layout, false);
+            if (layout.thumbnailAfter == page + 1) {
+                writePage(tiff, page, layout, true);
+            }
+        }
+        TIFFClose(tiff);
+        return path(name);
+    }
+
+    std::string writeBytes(const std::string& name, const std::string& bytes) const
+    {
+        std::ofstream{path(name), std::ios::binary} << bytes;
+        return path(name);
+    }
+
+    static std::string readBytes(const std::string& file)
+    {
+        std::ifstream in{file, std::ios::binary};
+        return {std::istreambuf_iterator<char>{in}, {}};
+    }
+
+private:
+    static void writePage(TIFF* tiff, std::size_t page, const Layout& layout, bool reduced)
+    {
+        const std::uint32_t x = reduced ? width / 2 : width;
+        TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, reduced ? FILETYPE_REDUCEDIMAGE : 0);
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, x);
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height);
+        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, layout.bits);
+        TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, layout.format);
+        TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, layout.samples);
+        TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, layout.planar);
+        TIFFSetField(tiff, TIFFTAG_COMPRESSION, layout.compression);
+        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, layout.samples >= 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
+        if (!layout.description.empty() && page == 0) {
+            TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, layout.description.c_str());
+        }
+        const bool separate = layout.planar == PLANARCONFIG_SEPARATE;
+        const std::size_t together = separate ? 1 : layout.samples;
+        if (layout.tile != 0) {
+            TIFFSetField(tiff, TIFFTAG_TILEWIDTH, layout.tile);
+            TIFFSetField(tiff, TIFFTAG_TILELENGTH, layout.tile);
+            for (std::size_t s = 0; s < layout.samples; s += together) {
+                for (std::uint32_t y0 = 0; y0 < height; y0 += layout.tile) {
+                    for (std::uint32_t x0 = 0; x0 < x; x0 += layout.tile) {
+                        std::vector<std::uint8_t> tile(static_cast<std::size_t>(TIFFTileSize(tiff)), 119);
+                        for (std::uint32_t y = 0; y < layout.tile; ++y) {
+                            pack(tile.data() + y * TIFFTileRowSize(tiff), page, s, together, y0 + y, x0, layout.tile,
+                                 layout);
+                        }
+                        TIFFWriteTile(tiff, tile.data(), x0, y0, 0, static_cast<std::uint16_t>(s));
+                    }
+                }
+            }
+        } else {
+            TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, layout.rowsPerStrip);
+            for (std::size_t s = 0; s < layout.samples; s += together) {
+                for (std::uint32_t y = 0; y < height; ++y) {
+                    std::vector<std::uint8_t> row(static_cast<std::size_t>(TIFFScanlineSize(tiff)));
+                    pack(row.data(), page, s, together, y, 0, x, layout);
+                    TIFFWriteScanline(tiff, row.data(), y, static_cast<std::uint16_t>(s));
+                }
+            }
+        }
+        TIFFWriteDirectory(tiff);
+    }
+
+    static void pack(std::uint8_t* out, std::size_t page, std::size_t sample, std::size_t together, std::size_t y,
+                     std::size_t x0, std::size_t columns, const Layout& layout)
+    {
+        for (std::size_t i = 0; i < columns * together; ++i) {
+            const unsigned value = pixelAt(page, sample + i % together, y, x0 + i / together);
+            if (layout.bits == 1) {
+                out[i / 8] = static_cast<std::uint8_t>((out[i / 8] & ~(128 >> i % 8)) | (value % 2 * 128 >> i % 8));
+            } else if (layout.format == SAMPLEFORMAT_IEEEFP) {
+                const auto number = static_cast<float>(value) / 2;
+                std::memcpy(out + i * 4, &number, 4);
+            } else {
+                const unsigned number = layout.format == SAMPLEFORMAT_INT ? 0u - value : value;
+                std::memcpy(out + i * layout.bits / 8, &number, layout.bits / 8);
+            }
+        }
+    }
+
+    std::filesystem::path folder_ =
+        std::filesystem::temp_directory_path() / ("orlix-test-" + std::to_string(getpid()));
+};
+
+/// The sum of sample s of page p in a file of unsigned bytes.
+double sumOf(std::size_t page, std::size_t sample)
+{
+    double sum = 0;
+    for (std::size_t y = 0; y < height; ++y) {
+        for (std::size_t x = 0; x < width; ++x) {
+            sum += pixelAt(page, sample, y, x);
+        }
+    }
+    return sum;
+}
+
+} // namespace
+
+// Every pixel type, compression and arrangement that a file may have gives the same numbers.
+TEST_F(CommandTest, ReadsEveryKindOfTiff)
+{
+    struct Case
+    {
+        std::string type;
+        Layout layout;
+        double factor = 1;
+    };
+    const Case cases[] = {
+        {"uint8", {}},
+        {"uint8", {.mode = "wb", .rowsPerStrip = 1000}},
+        {"int8", {.format = SAMPLEFORMAT_INT}, -1},
+        {"uint16", {.bits = 16, .compression = COMPRESSION_LZW}},
+        {"int16", {.bits = 16, .format = SAMPLEFORMAT_INT}, -1},
+        {"uint32", {.bits = 32, .tile = 16}},
+        {"int32", {.mode = "w8", .bits = 32, .format = SAMPLEFORMAT_INT}, -1},
+        {"float32", {.bits = 32, .format = SAMPLEFORMAT_IEEEFP, .compression = COMPRESSION_ADOBE_DEFLATE}, 0.5},
+        {"uint8", {.compression = COMPRESSION_PACKBITS, .tile = 16}},
+        {"uint8", {.samples = 3}},
+        {"uint8", {.samples = 3, .planar = PLANARCONFIG_SEPARATE}},
+        {"uint16", {.bits = 16, .samples = 4, .tile = 32}},
+        {"uint16", {.bits = 16, .samples = 3, .planar = PLANARCONFIG_SEPARATE, .tile = 16}},
+        {"uint16", {.mode = "wb", .bits = 16, .samples = 2}},
+        {"uint8", {.mode = "w8", .thumbnailAfter = 1}},
+    };
+    int number = 0;
+    for (const Case& each : cases) {
+        SCOPED_TRACE(++number);
+        const std::size_t channels = each.layout.samples;
+        const Outcome outcome = run({"stats", "--json", "--per", "plan", write("a.tif", 3, each.layout)});
+        ASSERT_EQ(outcome.status, 0) << outcome.error;
+        const Json image = outcome.json()["image"];
+        EXPECT_EQ(image["type"], each.type);
+        EXPECT_EQ(image["x"], width);
+        EXPECT_EQ(image["z"], 3);
+        EXPECT_EQ(image["c"], channels);
+        ASSERT_EQ(outcome.json()["results"].size(), 3 * channels);
+        for (std::size_t c = 0; c < channels; ++c) {
+            for (std::size_t z = 0; z < 3; ++z) {
+                const Json result = outcome.result(c * 3 + z);
+                EXPECT_EQ(result["z"], z);
+                EXPECT_EQ(result["c"], c);
+                EXPECT_EQ(result["Sum"], each.factor * sumOf(z, c));
+            }
+        }
+    }
+}
+
+TEST_F(CommandTest, ABinaryFileIsMeasuredAsZerosAndOnes)
+{
+    for (const std::uint32_t tile : {0u, 16u}) {
+        const std::string file = write("b.tif", 1, {.bits = 1, .tile = tile});
+        EXPECT_EQ(run({"info", "--json", file}).result()["type"], "binary");
+        const Json stats = run({"stats", "--json", file}).result();
+        double ones = 0;
+        for (std::size_t i = 0; i < width * height; ++i) {
+            ones += pixelAt(0, 0, i / width, i % width) % 2;
+        }
+        EXPECT_EQ(stats["Sum"], ones);
+        EXPECT_EQ(stats["Max"], 1);
+    }
+}
+
+// The axes that a file states, that the user states, and none.
+TEST_F(CommandTest, PagesLieOnTheirAxes)
+{
+    const auto ome = [](const std::string& order, const std::string& sizes, const std::string& data) {
+        return "<?xml version=\"1.0\"?><OME><Image><Pixels DimensionOrder=\"" + order + "\" " + sizes + ">" + data +
+               "</Pixels></Image></OME>";
+    };
+    const std::string sizes = "SizeX=\"21\" SizeY=\"10\" SizeZ=\"2\" SizeC=\"3\" SizeT=\"2\"";
+    struct Case
+    {
+        std::string description{};
+        std::vector<std::string> options;
+        std::size_t z, c, t;
+        std::size_t page; ///< of plan z = 1, c = 0, t = 1 (or the last of an axis)
+    };
+    const Case cases[] = {
+        {"", {}, 12, 1, 1, 1},
+        {"ImageJ=1.53\nimages=12\nchannels=3\nslices=2\nframes=2\nhyperstack=true\n", {}, 2, 3, 2, 9},
+        {"ImageJ=1.53\nimages=12\n", {}, 12, 1, 1, 1},
+        {"ImageJ=1.53\nimages=12\nframes=12\n", {"--pages", "c=3,t=2,z=2"}, 2, 3, 2, 9},
+        {"", {"--pages", "z=2,c=3,t=2"}, 2, 3, 2, 7},
+        {"", {"--pages", "t=12"}, 1, 1, 12, 1},
+        {ome("XYZCT", sizes, ""), {}, 2, 3, 2, 7},
+        {ome("XYCZT", sizes, "<TiffData/>"), {}, 2, 3, 2, 9},
+        {ome("XYTCZ", sizes, "<TiffData IFD=\"0\" PlaneCount=\"12\"/>"), {}, 2, 3, 2, 7},
+        {ome("XYCZT", sizes,
+             "<TiffData IFD=\"6\" PlaneCount=\"6\"/><TiffData FirstT=\"1\" IFD=\"0\" PlaneCount=\"6\"/>"),
+         {}, 2, 3, 2, 3},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.description);
+        std::vector<std::string> arguments{"stats", "--json", "--per", "plan",
+                                           write("axes.tif", 12, {.description = each.description})};
+        arguments.insert(arguments.end(), each.options.begin(), each.options.end());
+        const Outcome outcome = run(arguments);
+        ASSERT_EQ(outcome.status, 0) << outcome.error;
+        const Json image = outcome.json()["image"];
+        EXPECT_EQ(image["z"], each.z);
+        EXPECT_EQ(image["c"], each.c);
+        EXPECT_EQ(image["t"], each.t);
+        const std::size_t plan = (each.t > 1 ? 1 : 0) * each.z * each.c + (each.z > 1 ? 1 : 0);
+        EXPECT_EQ(outcome.result(plan)["Sum"], sumOf(each.page, 0));
+    }
+
+    // Colour is channels, fastest of all; OME counts samples among its channels.
+    const Outcome colour =
+        run({"info", "--json",
+             write("rgb.tif", 2,
+                   {.samples = 3, .description = ome("XYCZT", "SizeX=\"21\" SizeY=\"10\" SizeZ=\"2\" SizeC=\"3\" SizeT=\"1\"", "")})});
+    EXPECT_EQ(colour.result()["c"], 3);
+    EXPECT_EQ(colour.result()["z"], 2);
+}
+
+// ImageJ writes a stack of more than 4 GiB as one page with all pixels behind it.
+TEST_F(CommandTest, ReadsAStackBehindOnePage)
+{
+    for (const bool bigEndian : {false, true}) {
+        const std::string file = write("one.tif", 1,
+                                       {.mode = bigEndian ? "wb" : "wl", .bits = 16, .rowsPerStrip = height,
+                                        .description = "ImageJ=1.53\nimages=3\nslices=3\n"});
+        EXPECT_NE(run({"stats", file}).error.find("image 1 are missing"), std::string::npos);
+
+        // The same file with its pixels at the end, three times over.
+        std::string bytes = readBytes(file);
+        TIFF* const tiff = TIFFOpen(file.c_str(), "r");
+        const std::string page = bytes.substr(static_cast<std::size_t>(TIFFGetStrileOffset(tiff, 0)), width * height * 2);
+        TIFFClose(tiff);
+        const auto end = static_cast<std::uint32_t>(bytes.size());
+        const std::string tag = bigEndian ? std::string{"\x01\x11\0\x04\0\0\0\x01", 8}  // StripOffsets, one long
+                                          : std::string{"\x11\x01\x04\0\x01\0\0\0", 8};
+        const std::size_t at = bytes.find(tag);
+        ASSERT_NE(at, std::string::npos);
+        for (int i = 0; i < 4; ++i) {
+            bytes[at + 8 + i] = static_cast<char>(end >> 8 * (bigEndian ? 3 - i : i));
+        }
+        const Outcome outcome = run({"stats", "--json", writeBytes("stack.tif", bytes + page + page + page)});
+        ASSERT_EQ(outcome.status, 0) << outcome.error;
+        EXPECT_EQ(outcome.json()["image"]["z"], 3);
+        EXPECT_EQ(outcome.result()["Sum"], 3 * sumOf(0, 0));
+    }
+}
+
+TEST_F(CommandTest, PrintsJsonThatReadsBack)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float inf = std::numeric_limits<float>::infinity();
+    TIFF* const tiff = TIFFOpen(path("f.tif").c_str(), "w");
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 2);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 32);
+    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
+    float row[] = {nan, inf};
+    TIFFWriteScanline(tiff, row, 0, 0);
+    TIFFClose(tiff);
+    const Outcome outcome = run({"stats", "--json", path("f.tif")});
+    const Json expected = {{"NbPixels", 2}, {"Sum", nullptr}, {"Mean", nullptr},
+                           {"Min", std::numeric_limits<double>::max()}, {"Max", "Infinity"}, {"StdDev", nullptr}};
+    EXPECT_EQ(outcome.result(), expected);
+    EXPECT_EQ(outcome.output.find('\n'), outcome.output.size() - 1);
+
+    const std::string file = write("a.tif", 1, {});
+    const Outcome volume = run({"stats", "--json", "--per=volume", file});
+    EXPECT_EQ(volume.json()["measure"], "statsMsr3d");
+    EXPECT_FALSE(volume.result().contains("z"));
+    EXPECT_EQ(volume.result()["t"], 0);
+    EXPECT_EQ(run({"stats", file, "--isa", "generic", "--threads", "1", "--quiet"}).output, run({"stats", file}).output);
+    EXPECT_NE(run({"stats", file}).output.find("uint8, 21 x 10\nNbPixels"), std::string::npos);
+
+    const Json processors = run({"processors", "--json"}).json();
+    EXPECT_FALSE(processors.contains("image"));
+    EXPECT_EQ(processors["results"][0]["TypeName"], "orlix::imaproc::glbmsr::StatsMsr2dLvl1");
+    EXPECT_EQ(processors["results"][0]["Kernels"], Json::array());
+    const Json kernel = processors["results"][2]["Kernels"].back();
+    EXPECT_EQ(kernel, (Json{{"types", {"float32"}}, {"isa", "generic"}}));
+    const Json info = run({"info", "--json", file}).result();
+    EXPECT_EQ(info, (Json{{"type", "uint8"}, {"x", 21}, {"y", 10}, {"z", 1}, {"c", 1}, {"t", 1}, {"bytes", 210}}));
+}
+
+// One clear line, the right exit status, and nothing on standard output.
+TEST_F(CommandTest, RefusesWhatIsWrong)
+{
+    const std::string good = write("good.tif", 4, {});
+    const std::string whole = readBytes(good);
+    const std::string cut = writeBytes("cut.tif", whole.substr(0, 300));
+    writeBytes("png.tif", "\x89PNG\r\n\x1a\n");
+    const std::string odd = path("odd.tif");
+    {
+        TIFF* const tiff = TIFFOpen(odd.c_str(), "w");
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 2);
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 1);
+        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 64);
+        TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_IEEEFP);
+        double row[] = {1, 2};
+        TIFFWriteScanline(tiff, row, 0, 0);
+        TIFFClose(tiff);
+    }
+    const std::string imagej = write("ij.tif", 4, {.description = "ImageJ=1.53\nimages=6\nchannels=2\nslices=3\n"});
+    const std::string ome = write("ome.tif", 1, {.description = "<OME><Image><Pixels DimensionOrder=\"XYZCT\" "
+                                                                "SizeZ=\"2\" SizeC=\"1\" SizeT=\"1\"/></Image></OME>"});
+    struct Case
+    {
+        std::vector<std::string> arguments;
+        int status;
+        std::string error;
+    };
+    const Case cases[] = {
+        {{}, 2, "a verb is needed"},
+        {{"frobnicate"}, 2, "there is no verb frobnicate"},
+        {{"histogram", good}, 2, "the verb histogram is not available yet"},
+        {{"report", good}, 2, "the verb report is not available yet"},
+        {{"stats"}, 2, "IMAGE is required"},
+        {{"stats", good, "--csv"}, 2, "--csv is not available yet"},
+        {{"stats", good, "--mask=x.tif"}, 2, "--mask is not available yet"},
+        {{"stats", good, "--gpu"}, 2, "--gpu is not available yet"},
+        {{"stats", good, "--frob"}, 2, "--frob"},
+        {{"stats", good, good}, 2, "good.tif"},
+        {{"info", good, "--per", "plan"}, 2, "--per"},
+        {{"stats", good, "--per", "line"}, 2, "line"},
+        {{"stats", good, "--threads", "two"}, 2, "two"},
+        {{"stats", good, "--threads", "0"}, 2, "0"},
+        {{"stats", good, "--isa", "mmx"}, 2, "mmx"},
+        {{"stats", good, "--pages", "z=5"}, 2, "--pages z=5 makes 5 pages, but good.tif has 4"},
+        {{"stats", good, "--pages", "q=4"}, 2, "--pages q=4"},
+        {{"stats", good, "--pages", "z=4,z=1"}, 2, "each once"},
+        {{"stats", good, "--pages", "z=4294967295,c=4294967295,t=2"}, 2, "makes"},
+        {{"stats", path("none.tif")}, 1, "none.tif: No such file or directory"},
+        {{"info", path("")}, 1, "Is a directory"},
+        {{"stats", path("png.tif")}, 1, "PNG files are not read yet: convert it to TIFF"},
+        {{"stats", writeBytes("text.tif", "hello, world")}, 1, "text.tif: it is no TIFF file"},
+        {{"stats", writeBytes("empty.tif", "")}, 1, "empty.tif: it is no TIFF file"},
+        {{"stats", cut}, 1, "cut.tif"},
+        {{"stats", odd}, 1, "odd.tif: 64-bit float pixels are not supported: convert the image to float32"},
+        {{"stats", imagej}, 1, "ij.tif states 6 ImageJ images, but has 4 pages"},
+        {{"stats", ome}, 1, "ome.tif: its OME axes want 2 pages, where there are 1"},
+    };
+    for (const Case& each : cases) {
+        const Outcome outcome = run(each.arguments);
+        EXPECT_EQ(outcome.status, each.status) << each.error;
+        EXPECT_EQ(outcome.output, "") << each.error;
+        EXPECT_EQ(outcome.error.rfind("orlix: ", 0), 0u);
+        EXPECT_EQ(outcome.error.find('\n'), outcome.error.size() - 1) << outcome.error;
+        EXPECT_NE(outcome.error.find(each.error), std::string::npos) << outcome.error;
+    }
+    EXPECT_EQ(run({"--help"}).status, 0);
+    EXPECT_NE(run({"stats", "--help"}).output.find("--per"), std::string::npos);
+    EXPECT_EQ(run({"--version"}).output, "orlix 4.1.0.2\n");
+}
+
+// Whatever a file is cut to or a byte is turned to, the answer is a result or one line of error.
+TEST_F(CommandTest, SurvivesDamagedFiles)
+{
+    const std::string whole = readBytes(write("a.tif", 2, {.compression = COMPRESSION_LZW}));
+    for (std::size_t size = 0; size < whole.size(); size += 7) {
+        EXPECT_EQ(run({"stats", writeBytes("cut.tif", whole.substr(0, size))}).status, 1) << size;
+    }
+    std::mt19937 generator{11};
+    for (int i = 0; i < 300; ++i) {
+        std::string bytes = whole;
+        bytes[generator() % bytes.size()] = static_cast<char>(generator());
+        const Outcome outcome = run({"stats", writeBytes("turned.tif", bytes)});
+        EXPECT_EQ(outcome.status == 0, outcome.error.empty());
+    }
+}
+
+} // namespace orlix::test

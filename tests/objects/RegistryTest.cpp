@@ -1,0 +1,125 @@
+#include <support/TestImages.hpp>
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/ORLIXIPLGlobalMeasureLogMessages.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/ProcessorLogMessages.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2d.hpp>
+#include <framework/data/Archive.hpp>
+#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/process/BaseProcessingAlgorithm.hpp>
+#include <framework/process/ProcessorFactory.hpp>
+
+#include <boost/core/demangle.hpp>
+#include <gtest/gtest.h>
+#include <log4cplus/logger.h>
+
+#include <filesystem>
+#include <map>
+
+namespace orlix::test
+{
+
+using namespace imaproc;
+
+namespace
+{
+
+/// The row of the message table that is each class's tool tip.
+const std::map<std::string, unsigned> toolTips{
+    {"StatsMsrLvl1", 87},   {"StatsMsrLvl2", 88},   {"StatsMsrLvl3", 89},   {"StatsMsr2dLvl1", 79}, {"StatsMsr2dLvl2", 80},
+    {"StatsMsr2dLvl3", 81}, {"StatsMsr3dLvl1", 83}, {"StatsMsr3dLvl2", 84}, {"StatsMsr3dLvl3", 85},
+};
+
+std::string textOf(unsigned number)
+{
+    return core::formatMessage(static_cast<glbmsr::eProcessorMessage>(number));
+}
+
+} // namespace
+
+// Names are archive keys, so they are written by hand; this finds one that is not its class's.
+TEST(Registry, EveryClassIsWhoItSaysItIs)
+{
+    std::size_t classes = 0;
+    for (const ProcessorInfo& info : ProcessorFactory::getInstance().getProcessors()) {
+        SCOPED_TRACE(info.typeName);
+        const auto processor = ProcessorFactory::getInstance().createProcessor(info.typeName);
+        const BaseProcessor& object = *processor;
+        EXPECT_EQ(boost::core::demangle(typeid(object).name()), info.typeName);
+        EXPECT_EQ(object.getClassName(), info.typeName);
+        EXPECT_EQ("orlix::imaproc::glbmsr::" + info.objectName, info.typeName);
+        EXPECT_EQ(object.getObjectName(), info.objectName);
+        ASSERT_TRUE(toolTips.contains(info.objectName));
+        EXPECT_EQ(object.getToolTip(), textOf(toolTips.at(info.objectName)));
+        EXPECT_EQ(info.toolTip, object.getToolTip());
+        EXPECT_EQ(object.getClassVersion(), 1u);
+        EXPECT_EQ(info.libraryName, "ORLIXIPLGlobalMeasure");
+        EXPECT_EQ(info.sourceLocation.rfind("src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/", 0), 0u);
+        EXPECT_TRUE(info.sourceLocation.ends_with("/" + info.objectName + ".cpp")) << info.sourceLocation;
+        const bool level3 = info.objectName.ends_with("Lvl3");
+        EXPECT_EQ(dynamic_cast<const BaseProcessingAlgorithm*>(&object) != nullptr, level3);
+        EXPECT_EQ(object.isComplexAction(), !level3);
+
+        const auto dynamic = data::DynamicObjectFactory::getInstance().createSharedObject(info.typeName);
+        ASSERT_NE(dynamic, nullptr);
+        EXPECT_EQ(dynamic->getClassName(), info.typeName);
+        EXPECT_EQ(dynamic->createNew()->getClassName(), info.typeName);
+        ++classes;
+    }
+    EXPECT_EQ(classes, toolTips.size());
+}
+
+TEST(Registry, EveryClassIsCopiedWrittenAndRead)
+{
+    for (const ProcessorInfo& info : ProcessorFactory::getInstance().getProcessors()) {
+        SCOPED_TRACE(info.typeName);
+        const auto processor = ProcessorFactory::getInstance().createProcessor(info.typeName);
+        ASSERT_TRUE(processor->init(eProcessorRulePolicy::eRP_CheckRules));
+        data::OutputArchive archive;
+        ASSERT_TRUE(archive.write("it", processor.get()));
+        data::InputArchive back{archive.str()};
+        Ptr<BaseProcessor> read;
+        ASSERT_TRUE(back.read("it", read));
+        EXPECT_EQ(read->getClassName(), info.typeName);
+        EXPECT_EQ(read->getAttributes().size(), processor->getAttributes().size());
+        EXPECT_EQ(processor->duplicate()->getClassName(), info.typeName);
+    }
+}
+
+// What this machine can run is registered, and nothing else.
+TEST(Registry, KernelsFollowTheMachine)
+{
+    for (const ProcessorInfo& info : ProcessorFactory::getInstance().getProcessors()) {
+        const auto processor = ProcessorFactory::getInstance().createProcessor(info.typeName);
+        if (const auto* const algorithm = dynamic_cast<const BaseProcessingAlgorithm*>(processor.get())) {
+            SCOPED_TRACE(info.typeName);
+            bool generic = false;
+            for (const auto& kernel : algorithm->getFunctionSelector().getFunctions()) {
+                EXPECT_TRUE(core::isAvailable(kernel.instructionSets));
+                generic |= kernel.instructionSets == core::eInstructionSet::eIS_Generic;
+                if (kernel.instructionSets == core::eInstructionSet::eIS_AVX) {
+                    EXPECT_EQ(kernel.dataTypes[0], image::eImageBufferType::eIBT_Float32);
+                }
+            }
+            EXPECT_TRUE(generic);
+        }
+    }
+}
+
+TEST(Messages, TheTableIsWhole)
+{
+    using glbmsr::eProcessorMessage;
+    EXPECT_TRUE(core::MsgMapRegistrator<eProcessorMessage>::registerMessageMap());
+    EXPECT_TRUE((core::MessageMapRegistrator<eProcessorMessage, glbmsr::eORLIXIPLGlobalMeasureMessage>::process()));
+    const auto& manager = glbmsr::getORLIXIPLGlobalMeasureLogMessageManager();
+    EXPECT_EQ(manager.getNbMessages(typeid(eProcessorMessage).name()), 116u);
+    EXPECT_EQ(manager.getNbMessages(typeid(glbmsr::eORLIXIPLGlobalMeasureMessage).name()), 0u);
+    EXPECT_EQ(textOf(0), "Level 1 algorithm: Computes the ratio between the number of pixels and the total image size.");
+    EXPECT_EQ(textOf(40), "Level 2 algorithm: measures the global Normalized Cross-Correlation between two images  on Gpu");
+    EXPECT_EQ(textOf(56), "Specified algorithm identifier is not a orlix::imaproc::attr::eProjStatType");
+    EXPECT_EQ(textOf(86), "Level 2 algorithm: measure of common statistics indicators in an image (mean, max, etc.) on GPU ");
+    EXPECT_EQ(textOf(115), "Level 1 algorithm: function computing a contrasted image by ponderation along the Z axis");
+    EXPECT_EQ(glbmsr::getORLIXIPLGlobalMeasureLoggerName(), "ORLIX.ORLIXIPLGlobalMeasure");
+    EXPECT_EQ(glbmsr::getORLIXIPLGlobalMeasureLogger().getName(), "ORLIX.ORLIXIPLGlobalMeasure");
+}
+
+} // namespace orlix::test

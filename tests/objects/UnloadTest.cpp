@@ -1,0 +1,81 @@
+// Loads and unloads the measure library: its classes come and go with it, a first question may come from many threads at
+// once, and dlclose really unloads. This program is not linked to the library.
+
+#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/process/BaseProcessor.hpp>
+#include <framework/process/ProcessorFactory.hpp>
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+
+#include <fstream>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace orlix::test
+{
+
+using namespace imaproc;
+
+namespace
+{
+
+bool isMapped(const std::string& name)
+{
+    std::ifstream maps{"/proc/self/maps"};
+    for (std::string line; std::getline(maps, line);) {
+        if (line.find(name) != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+TEST(Library, LoadsAndUnloads)
+{
+    const std::string name = "libORLIXIPLGlobalMeasure_4_1_0_2_x64.so";
+    const std::size_t dataClasses = data::DynamicObjectFactory::getInstance().getTypeNames().size();
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_TRUE(ProcessorFactory::getInstance().getProcessors().empty());
+        EXPECT_FALSE(isMapped(name));
+        void* const library = dlopen(ORLIX_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+        ASSERT_NE(library, nullptr) << dlerror();
+        EXPECT_FALSE(ProcessorFactory::getInstance().getProcessors().empty());
+
+        std::vector<std::string> answers(8);
+        std::vector<std::thread> threads;
+        for (std::string& answer : answers) {
+            threads.emplace_back([&answer] {
+                const auto processor =
+                    ProcessorFactory::getInstance().createProcessor("orlix::imaproc::glbmsr::StatsMsr2dLvl1");
+                (void)processor->init(eProcessorRulePolicy::eRP_CheckRules);
+                answer = processor->getToolTip();
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        EXPECT_EQ(std::set<std::string>(answers.begin(), answers.end()).size(), 1u);
+        EXPECT_EQ(answers[0], "Level 1 algorithm: measure of common statistics indicators in an image (mean, max, "
+                              "etc.) for each 2d plan");
+
+        // A running processor holds the library: unloading waits for it.
+        const auto processor =
+            ProcessorFactory::getInstance().createProcessor("orlix::imaproc::glbmsr::StatsMsrLvl2");
+        (void)processor->init(eProcessorRulePolicy::eRP_CheckRules);
+        (void)processor->run(eSynchroType::eST_Asynchronous);
+        (void)processor->wait();
+        const_cast<Ptr<BaseProcessor>&>(processor).reset();
+
+        EXPECT_EQ(dlclose(library), 0);
+        EXPECT_FALSE(isMapped(name));
+        EXPECT_EQ(data::DynamicObjectFactory::getInstance().getTypeNames().size(), dataClasses);
+    }
+}
+
+} // namespace orlix::test
