@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cctype>
+#include <charconv>
 #include <limits>
 #include <optional>
 #include <sstream>
@@ -73,11 +73,13 @@ Axes fromOrder(const PageFacts& facts, const std::string& order)
     std::vector<Level> levels;
     std::istringstream parts{order};
     for (std::string part; std::getline(parts, part, ',');) {
-        const bool known = part.size() > 2 && part[1] == '=' && std::string_view{"zct"}.find(part[0]) != std::string::npos;
+        const bool known =
+            part.size() > 2 && part[1] == '=' && std::string_view{"zct"}.find(part[0]) != std::string::npos;
         const auto size = known ? parseCount(std::string_view{part}.substr(2)) : std::nullopt;
         const bool twice = std::any_of(levels.begin(), levels.end(), [&](const Level& l) { return l.axis == part[0]; });
         if (!size || twice) {
-            throw UsageError{"--pages " + order + ": the sizes of z, c and t are needed, each once, such as z=4,c=2,t=3"};
+            throw UsageError{"--pages " + order +
+                             ": the sizes of z, c and t are needed, each once, such as z=4,c=2,t=3"};
         }
         levels.push_back({part[0], *size});
     }
@@ -119,8 +121,8 @@ Axes fromImageJ(const PageFacts& facts)
         levels = {{'z', facts.pages}}; // a plain stack states its number of images alone
     }
     if (countPages(levels) != facts.pages) {
-        throw FileError{facts.fileName + " states " + std::to_string(countPages(levels)) +
-                        " ImageJ images, but has " + std::to_string(facts.pages) +
+        throw FileError{facts.fileName + " states " + std::to_string(countPages(levels)) + " ImageJ images, but has " +
+                        std::to_string(facts.pages) +
                         " pages: tell how they nest, such as --pages z=" + std::to_string(facts.pages)};
     }
     return nest(levels);
@@ -128,8 +130,8 @@ Axes fromImageJ(const PageFacts& facts)
 
 [[noreturn]] void refuseOme(const PageFacts& facts, const std::string& why)
 {
-    throw FileError{facts.fileName + ": its OME axes " + why + ": tell how the pages nest, such as --pages z=" +
-                    std::to_string(facts.pages)};
+    throw FileError{facts.fileName + ": its OME axes " + why +
+                    ": tell how the pages nest, such as --pages z=" + std::to_string(facts.pages)};
 }
 
 /// Enters the pages of one TiffData element.

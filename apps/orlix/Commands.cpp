@@ -182,8 +182,9 @@ constexpr Verb verbs[] = {
     {"processors", "the processor classes and their kernels", &runProcessors, false, false},
 };
 
-constexpr std::string_view laterVerbs[] = {"noise", "histogram", "entropy", "kde", "project", "ncc", "pearson",
-                                           "similarity", "count", "percent", "locate", "paraboloid", "report"};
+constexpr std::string_view laterVerbs[] = {"noise",  "histogram",  "entropy",    "kde",   "project",
+                                           "ncc",    "pearson",    "similarity", "count", "percent",
+                                           "locate", "paraboloid", "report"};
 
 void addOptions(CLI::App& command, const Verb& verb, Options& options)
 {
@@ -250,7 +251,8 @@ std::string run(int argc, const char* const* argv)
         throw UsageError{std::string{error.what()} + " (see orlix --help)"};
     }
     const std::string chosen = app.get_subcommands().front()->get_name();
-    const Verb& verb = *std::find_if(std::begin(verbs), std::end(verbs), [&](const Verb& v) { return v.name == chosen; });
+    const Verb& verb =
+        *std::find_if(std::begin(verbs), std::end(verbs), [&](const Verb& v) { return v.name == chosen; });
     applySettings(options);
     Report report = verb.run(options);
     if (options.json) {

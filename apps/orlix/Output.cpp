@@ -17,8 +17,10 @@ Json toJson(double value)
 
 Json describeImage(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& geometry)
 {
-    return {{"path", path},   {"type", image::getName(type)}, {"x", geometry.x}, {"y", geometry.y}, {"z", geometry.z},
-            {"c", geometry.c}, {"t", geometry.t}};
+    return {{"path", path},    {"type", image::getName(type)},
+            {"x", geometry.x}, {"y", geometry.y},
+            {"z", geometry.z}, {"c", geometry.c},
+            {"t", geometry.t}};
 }
 
 std::string printJson(const Report& report)

@@ -87,8 +87,8 @@ struct Page
 
 std::string nameSamples(const Page& page)
 {
-    static constexpr const char* kinds[] = {"", "unsigned integer", "signed integer", "float", "untyped", "complex integer",
-                                            "complex float"};
+    static constexpr const char* kinds[] = {"",        "unsigned integer", "signed integer", "float",
+                                            "untyped", "complex integer",  "complex float"};
     const std::string kind = page.format < std::size(kinds) ? kinds[page.format] : "unknown";
     return std::to_string(page.bits) + "-bit " + kind;
 }
@@ -221,8 +221,9 @@ private:
                 break;
             }
             if (TIFFReadDirectory(tiff_.get()) == 0) {
-                failReading("page " + std::to_string(directories_.size()) + " cannot be read: the file is cut short or "
-                                                                             "damaged");
+                failReading("page " + std::to_string(directories_.size()) +
+                            " cannot be read: the file is cut short or "
+                            "damaged");
             }
         }
         if (page_.x == 0 || page_.y == 0 || page_.samples == 0) {
@@ -248,7 +249,10 @@ private:
                 return integer(eIBT_UInt32, eIBT_Int32);
             default:
                 fail(nameSamples(page_) + " pixels are not supported: convert the image to " +
-                     (page_.bits < 8 ? "uint8" : page_.bits < 16 ? "uint16" : page_.bits < 32 ? "uint32" : "float32"));
+                     (page_.bits < 8    ? "uint8"
+                      : page_.bits < 16 ? "uint16"
+                      : page_.bits < 32 ? "uint32"
+                                        : "float32"));
             }
         }
         if (page_.format == SAMPLEFORMAT_IEEEFP && page_.bits == 32) {
@@ -367,8 +371,7 @@ private:
 
     [[noreturn]] void failPixels(std::size_t page) const
     {
-        failReading("the pixels of page " + std::to_string(page) +
-                    " cannot be read: the file is cut short or damaged");
+        failReading("the pixels of page " + std::to_string(page) + " cannot be read: the file is cut short or damaged");
     }
 
     std::size_t packedBytes(std::size_t pixels, std::size_t samples) const
@@ -419,8 +422,7 @@ private:
 };
 
 TiffFile::TiffFile(const std::string& path, const std::string& pages) : reader_{std::make_unique<Reader>(path, pages)}
-{
-}
+{}
 
 TiffFile::~TiffFile() = default;
 

@@ -178,8 +178,7 @@ ORLIX_API core::ProcessingResult checkStrip(const BaseAttribute& attribute, cons
 ORLIX_API core::ProcessingResult writeStrip(data::OutputArchive& archive, const char* name,
                                             const image::BaseImage* image, std::size_t first, std::size_t count);
 ORLIX_API core::ProcessingResult readStrip(data::InputArchive& archive, const char* name,
-                                           Ptr<const image::BaseImage>& image, std::size_t& first,
-                                           std::size_t& count);
+                                           Ptr<const image::BaseImage>& image, std::size_t& first, std::size_t& count);
 
 /// The strip that a level 2 processor hands down; it has no heap of its own.
 template <class Self, class StripType, const image::PixelTypes& Types = image::numericTypes,
@@ -216,12 +215,21 @@ public:
 };
 
 template <class A>
-concept ImageAttribute = requires { A::kind; };
+concept ImageAttribute = requires
+{
+    A::kind;
+};
 
 template <class A>
-concept StripAttribute = requires { typename A::Strip; };
+concept StripAttribute = requires
+{
+    typename A::Strip;
+};
 
 template <class A>
-concept PlanIndexedAttribute = requires { typename A::Element; };
+concept PlanIndexedAttribute = requires
+{
+    typename A::Element;
+};
 
 } // namespace orlix::imaproc::attr

@@ -45,10 +45,7 @@ class PlanIndexedColl : public BasePlanIndexedColl
 public:
     using Element = ElementType;
 
-    void insert(const PlanIndex& plan, Ptr<Element> element)
-    {
-        BasePlanIndexedColl::insert(plan, std::move(element));
-    }
+    void insert(const PlanIndex& plan, Ptr<Element> element) { BasePlanIndexedColl::insert(plan, std::move(element)); }
     Ptr<Element> getStorage(const PlanIndex& plan) const
     {
         return boost::static_pointer_cast<Element>(BasePlanIndexedColl::getStorage(plan));

@@ -9,6 +9,6 @@ namespace
 {
 const data::DynamicClassRegistration<StatsResult> statsResult{StatsResult::typeName};
 const data::DynamicClassRegistration<PlanIndexedStatsResult> planIndexedStatsResult{PlanIndexedStatsResult::typeName};
-}
+} // namespace
 
 } // namespace orlix::imaproc::attr

@@ -9,8 +9,7 @@ namespace orlix::core
 BaseException::BaseException(std::string text, const SourceLocation& where, std::exception_ptr cause)
     : text_{std::move(text)}, file_{getRelativeFromRoot(where.file)}, function_{where.function}, line_{where.line},
       cause_{std::move(cause)}
-{
-}
+{}
 
 BaseException::~BaseException() = default;
 

@@ -40,8 +40,7 @@ std::size_t LogMessageManager::getNbMessages(const std::string& enumeration) con
 
 LogMessageFormater::LogMessageFormater(const LogMessageManager& manager)
     : manager_{manager}, format_{std::make_unique<boost::format>()}
-{
-}
+{}
 
 LogMessageFormater::~LogMessageFormater() = default;
 

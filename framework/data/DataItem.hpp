@@ -24,6 +24,8 @@ struct Field
     const char* name;
     Value Record::*member;
 };
+template <class Record, class Value>
+Field(const char*, Value Record::*) -> Field<Record, Value>;
 
 /// A record of plain fields. Self has `static constexpr const char* typeName`, the qualified class name, and `static
 /// auto fields()`, a tuple of Field in the order of declaration; copying and archives follow from them.

@@ -221,8 +221,7 @@ ProcessingResult BaseImage::read(data::InputArchive& archive)
         return ProcessingResult::failure(core::formatMessage(eImageMessage::eIM_TooLarge, toString(geometry)));
     }
     if (pixels.size() != *bytes) {
-        return ProcessingResult::failure(
-            core::formatMessage(eImageMessage::eIM_WrongPixels, pixels.size(), *bytes));
+        return ProcessingResult::failure(core::formatMessage(eImageMessage::eIM_WrongPixels, pixels.size(), *bytes));
     }
     *this = *create(*type, geometry);
     if (!pixels.empty()) {

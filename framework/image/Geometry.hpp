@@ -87,8 +87,7 @@ class PlanRange
 public:
     constexpr PlanRange(const ImageGeometry& geometry, ePlanKind kind)
         : z_{kind == ePlanKind::ePK_Plan2d ? geometry.z : 1}, c_{geometry.c}, t_{geometry.t}
-    {
-    }
+    {}
     constexpr std::size_t size() const { return z_ * c_ * t_; }
     constexpr PlanIndex operator[](std::size_t i) const
     {

@@ -52,8 +52,7 @@ ProcessingResult BaseAction::runHere()
 ProcessingResult BaseAction::run(eSynchroType type)
 {
     if (running_.exchange(true)) {
-        return ProcessingResult::failure(
-            core::formatMessage(eProcessorMessage::eAlreadyRunning, getClassName()));
+        return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eAlreadyRunning, getClassName()));
     }
     state_.cancelled = false;
     state_.progress = 0;

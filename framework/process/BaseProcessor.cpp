@@ -20,8 +20,8 @@ ProcessingResult BaseProcessor::init(eProcessorRulePolicy policy)
 
 void BaseProcessor::throwUninitialized(const core::SourceLocation& where) const
 {
-    core::raise<ORLIXBaseProcessingException>(getBaseProcessingLogger(), where,
-                                              eProcessorMessage::eUninitialisedAccess, getObjectName());
+    core::raise<ORLIXBaseProcessingException>(getBaseProcessingLogger(), where, eProcessorMessage::eUninitialisedAccess,
+                                              getObjectName());
 }
 
 void BaseProcessor::throwNoSuchAttribute(const char* name, const core::SourceLocation& where) const
@@ -36,8 +36,8 @@ ProcessingResult BaseProcessor::execute(const RunContext& context)
     try {
         result = runSteps(context);
     } catch (...) {
-        result = ProcessingResult::failure(core::formatMessage(eProcessorMessage::eException, getObjectName(),
-                                                               core::describeCurrentException()));
+        result = ProcessingResult::failure(
+            core::formatMessage(eProcessorMessage::eException, getObjectName(), core::describeCurrentException()));
     }
     if (!result) {
         cleanOnErrorDerived();
@@ -97,8 +97,7 @@ ProcessingResult BaseProcessor::checkInputs() const
         const image::BaseImage* const image = attribute->getImage();
         if (image != nullptr && image->getGeometry().empty() && !acceptsEmptyImages()) {
             return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eEmptyImage, getObjectName(),
-                                                                 attribute->getName(),
-                                                                 toString(image->getGeometry())));
+                                                                 attribute->getName(), toString(image->getGeometry())));
         }
     }
     return {};
@@ -194,8 +193,8 @@ ProcessingResult BaseProcessor::read(data::InputArchive& archive)
             }
         }
         if (version > getClassVersion()) {
-            return ProcessingResult::failure(core::formatMessage(data::eSerializationMessage::eSM_NewerVersion,
-                                                                 version, getClassVersion(), typeName));
+            return ProcessingResult::failure(core::formatMessage(data::eSerializationMessage::eSM_NewerVersion, version,
+                                                                 getClassVersion(), typeName));
         }
         archive.registerVersion(typeName, version);
         return {};
@@ -206,8 +205,8 @@ void executeSyncRun(const Ptr<BaseProcessor>& processor)
 {
     const ProcessingResult result = processor->run(eSynchroType::eST_Synchronous);
     if (!result) {
-        core::raise<ORLIXBaseProcessingException>(getBaseProcessingLogger(), ORLIX_HERE,
-                                                  eProcessorMessage::eFailedRun, result.getMessage());
+        core::raise<ORLIXBaseProcessingException>(getBaseProcessingLogger(), ORLIX_HERE, eProcessorMessage::eFailedRun,
+                                                  result.getMessage());
     }
 }
 

@@ -24,8 +24,7 @@ protected:
     /// `grain` children, at least, make it worth to use another thread.
     BaseDispatcher(std::size_t children, std::size_t grain, ePriority priority)
         : children_{children}, grain_{grain}, priority_{priority}
-    {
-    }
+    {}
 
     /// The failure of the first child that fails, in the children's order among those that ran.
     class Failure
@@ -43,8 +42,7 @@ protected:
     };
 
     /// Runs children [begin, end), until one fails or the run is cancelled.
-    virtual void runChildren(std::size_t begin, std::size_t end, const RunContext& childContext,
-                             Failure& failure) = 0;
+    virtual void runChildren(std::size_t begin, std::size_t end, const RunContext& childContext, Failure& failure) = 0;
 
 private:
     std::size_t children_;
@@ -59,8 +57,7 @@ class Dispatcher final : public BaseDispatcher
 public:
     Dispatcher(std::size_t children, std::size_t grain, ePriority priority, Splits... splits)
         : BaseDispatcher{children, grain, priority}, splits_{std::move(splits)...}
-    {
-    }
+    {}
 
 private:
     void runChildren(std::size_t begin, std::size_t end, const RunContext& childContext, Failure& failure) override

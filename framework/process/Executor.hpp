@@ -24,8 +24,7 @@ public:
         : body_{&body}, call_{[](const void* b, std::size_t begin, std::size_t end) {
               (*static_cast<const Body*>(b))(begin, end);
           }}
-    {
-    }
+    {}
     void operator()(std::size_t begin, std::size_t end) const { call_(body_, begin, end); }
 
 private:

@@ -56,8 +56,7 @@ struct FirstOf
 
 /// Level 1: one child per plan of the first image, whose result is the plan's element of the output collection.
 template <class Self, class Child, class Output, class... Inputs>
-class PlanIndexedLvl1
-    : public Processor<Self, BaseAsync1Processor, typename Inputs::Source..., typename Output::Source>
+class PlanIndexedLvl1 : public Processor<Self, BaseAsync1Processor, typename Inputs::Source..., typename Output::Source>
 {
     using Image = typename detail::FirstOf<typename Inputs::Source...>::Type;
     using Collection = typename Output::Source::Value;
@@ -108,10 +107,7 @@ protected:
         return {};
     }
 
-    core::ProcessingResult postProcess() override
-    {
-        return Merge::merge(results_, this->template value<Output>());
-    }
+    core::ProcessingResult postProcess() override { return Merge::merge(results_, this->template value<Output>()); }
 
 private:
     std::optional<PlanList> plans_;
@@ -135,17 +131,14 @@ protected:
         cut_.emplace(Strip::getNbElements(image), Strip::getElementPixels(image) * image.getPixelSize(),
                      this->getDispatchPolicy().stripBytes);
         results_.resize(cut_->size());
-        provider = makeDynamicDispatcher<Child>(
-            priority, cut_->size(), DynamicByCreationResultSplit<Child, Output>{results_},
-            detail::splitByStrip<Child, typename Inputs::Source, typename Inputs::Target>(
-                this->template attribute<typename Inputs::Source>(), *cut_)...);
+        provider =
+            makeDynamicDispatcher<Child>(priority, cut_->size(), DynamicByCreationResultSplit<Child, Output>{results_},
+                                         detail::splitByStrip<Child, typename Inputs::Source, typename Inputs::Target>(
+                                             this->template attribute<typename Inputs::Source>(), *cut_)...);
         return {};
     }
 
-    core::ProcessingResult postProcess() override
-    {
-        return Merge::merge(results_, this->template value<Output>());
-    }
+    core::ProcessingResult postProcess() override { return Merge::merge(results_, this->template value<Output>()); }
 
 private:
     std::optional<StripCut> cut_;

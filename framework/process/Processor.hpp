@@ -85,14 +85,14 @@ public:
 
     /// Throws ORLIXBaseProcessingException if the processor is not initialised.
     template <class A>
-        requires has<A>
+    requires has<A>
     void set(typename A::Storage value)
     {
         this->requireInitialized(ORLIX_HERE);
         attribute<A>().set(std::move(value));
     }
     template <class A>
-        requires has<A>
+    requires has<A>
     typename A::Storage getStorage() const
     {
         this->requireInitialized(ORLIX_HERE);
@@ -139,9 +139,15 @@ protected:
     bool acceptsEmptyImages() const final
     {
         if constexpr (attr::PlanIndexedAttribute<Output>) {
-            return requires { Output::Element::definedWithoutPixels; };
+            return requires
+            {
+                Output::Element::definedWithoutPixels;
+            };
         } else {
-            return requires { Output::Value::definedWithoutPixels; };
+            return requires
+            {
+                Output::Value::definedWithoutPixels;
+            };
         }
     }
 
@@ -209,9 +215,8 @@ protected:
 
     void getDataTypeIdColl(image::DataTypeIdentifierColl& dataTypes) const override
     {
-        forEachStrip([&](const auto& strip) {
-            dataTypes.add(image::ImageBufferTypeIdentifier{strip.image->getType()});
-        });
+        forEachStrip(
+            [&](const auto& strip) { dataTypes.add(image::ImageBufferTypeIdentifier{strip.image->getType()}); });
     }
     void initDataParserColl(StripParserColl& parsers) const override
     {

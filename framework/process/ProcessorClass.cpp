@@ -34,9 +34,8 @@ ProcessorClass::ProcessorClass(Identity identity, const ProcessorCreators& creat
 {
     core::guarded(ORLIX_HERE, [&] {
         ProcessorFactory::getInstance().registerProcessor(
-            getTypeName(),
-            {getTypeName(), getObjectName(), getToolTip(), identity_.libraryName,
-             core::getRelativeFromRoot(identity_.sourceFile), creators.processor});
+            getTypeName(), {getTypeName(), getObjectName(), getToolTip(), identity_.libraryName,
+                            core::getRelativeFromRoot(identity_.sourceFile), creators.processor});
         data::DynamicObjectFactory::getInstance().registerClass(getTypeName(), creators.plain, creators.shared);
     });
 }

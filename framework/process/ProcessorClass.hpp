@@ -48,8 +48,8 @@ ORLIX_API boost::mutex& ForcedInstructionSetsMutex();
 /// Who a processor class is.
 struct Identity
 {
-    std::string typeName;    ///< fully qualified
-    std::string objectName;  ///< without namespace
+    std::string typeName;   ///< fully qualified
+    std::string objectName; ///< without namespace
     std::string libraryName;
     const char* sourceFile = "";
     std::function<std::string()> toolTip; ///< from the library's message table
@@ -96,10 +96,7 @@ public:
     AlgorithmFunctionSelector& getFunctionSelector() { return selector_; }
 
     void forceInstructionSets(core::InstructionSetsIdentifier sets);
-    core::InstructionSetsIdentifier getForcedInstructionSets() const
-    {
-        return forced_.load(std::memory_order_relaxed);
-    }
+    core::InstructionSetsIdentifier getForcedInstructionSets() const { return forced_.load(std::memory_order_relaxed); }
 
 private:
     AlgorithmFunctionSelector selector_;

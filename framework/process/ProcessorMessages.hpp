@@ -8,15 +8,15 @@ namespace orlix::imaproc
 /// The messages of processors and their runs.
 enum class eProcessorMessage : unsigned
 {
-    eFailedRun = 0,           ///< message of the processing result
-    eUnsetInput = 1,          ///< processor, attribute
-    eRefusedInput = 2,        ///< processor, message of the attribute
-    eRefusedByRule = 3,       ///< processor, message of the rule
-    eNoSuchAttribute = 4,     ///< processor, attribute
-    eWrongPlans = 5,          ///< output attribute, plans it has, input attribute, plans it has
-    eEmptyImage = 6,          ///< processor, attribute, geometry
-    eNoKernel = 7,            ///< processor, pixel types
-    eNoForcedKernel = 8,      ///< processor, forced sets, pixel types, sets there are
+    eFailedRun = 0,       ///< message of the processing result
+    eUnsetInput = 1,      ///< processor, attribute
+    eRefusedInput = 2,    ///< processor, message of the attribute
+    eRefusedByRule = 3,   ///< processor, message of the rule
+    eNoSuchAttribute = 4, ///< processor, attribute
+    eWrongPlans = 5,      ///< output attribute, plans it has, input attribute, plans it has
+    eEmptyImage = 6,      ///< processor, attribute, geometry
+    eNoKernel = 7,        ///< processor, pixel types
+    eNoForcedKernel = 8,  ///< processor, forced sets, pixel types, sets there are
     eCancelled = 9,
     eAlreadyRunning = 10,     ///< processor
     eException = 11,          ///< processor, text of the exception

@@ -20,8 +20,7 @@ public:
     PlanList(const image::ImageGeometry& geometry, image::ePlanKind kind) : range_{geometry, kind}, kind_{kind} {}
     PlanList(const attr::BasePlanIndexedColl& collection, image::ePlanKind kind)
         : range_{{}, kind}, kind_{kind}, collection_{&collection}
-    {
-    }
+    {}
     std::size_t size() const { return collection_ != nullptr ? collection_->size() : range_.size(); }
     image::PlanIndex operator[](std::size_t i) const
     {
@@ -75,9 +74,7 @@ template <class Child, class A>
 class SubImageSplit
 {
 public:
-    SubImageSplit(Ptr<const image::BaseImage> image, const PlanList& plans) : image_{std::move(image)}, plans_{plans}
-    {
-    }
+    SubImageSplit(Ptr<const image::BaseImage> image, const PlanList& plans) : image_{std::move(image)}, plans_{plans} {}
     void assign(Child& child, std::size_t i) const
     {
         // An image of one plan is its own sub image.
@@ -147,11 +144,9 @@ private:
 };
 
 template <class Child, class Image, class A>
-    requires(A::Strip::kind == image::ePlanKind::ePK_Plan2d)
-using ImageYStrip2dSplit = ImageStripSplit<Child, Image, A>;
+requires(A::Strip::kind == image::ePlanKind::ePK_Plan2d) using ImageYStrip2dSplit = ImageStripSplit<Child, Image, A>;
 
 template <class Child, class Image, class A>
-    requires(A::Strip::kind == image::ePlanKind::ePK_Volume3d)
-using ImageZStrip3dSplit = ImageStripSplit<Child, Image, A>;
+requires(A::Strip::kind == image::ePlanKind::ePK_Volume3d) using ImageZStrip3dSplit = ImageStripSplit<Child, Image, A>;
 
 } // namespace orlix::imaproc

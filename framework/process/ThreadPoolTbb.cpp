@@ -46,8 +46,7 @@ ThreadPool& ThreadPool::getInstance()
     return pool;
 }
 
-void ThreadPool::parallelFor(unsigned threads, std::size_t count, std::size_t grain, ePriority priority,
-                             RangeBody body)
+void ThreadPool::parallelFor(unsigned threads, std::size_t count, std::size_t grain, ePriority priority, RangeBody body)
 {
     getArena(threads, priority).execute([&] {
         tbb::parallel_for(tbb::blocked_range<std::size_t>{0, count, grain},

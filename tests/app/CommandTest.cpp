@@ -168,8 +168,7 @@ private:
         }
     }
 
-    std::filesystem::path folder_ =
-        std::filesystem::temp_directory_path() / ("orlix-test-" + std::to_string(getpid()));
+    std::filesystem::path folder_ = std::filesystem::temp_directory_path() / ("orlix-test-" + std::to_string(getpid()));
 };
 
 /// The sum of sample s of page p in a file of unsigned bytes.
@@ -277,7 +276,11 @@ TEST_F(CommandTest, PagesLieOnTheirAxes)
         {ome("XYTCZ", sizes, "<TiffData IFD=\"0\" PlaneCount=\"12\"/>"), {}, 2, 3, 2, 7},
         {ome("XYCZT", sizes,
              "<TiffData IFD=\"6\" PlaneCount=\"6\"/><TiffData FirstT=\"1\" IFD=\"0\" PlaneCount=\"6\"/>"),
-         {}, 2, 3, 2, 3},
+         {},
+         2,
+         3,
+         2,
+         3},
     };
     for (const Case& each : cases) {
         SCOPED_TRACE(each.description);
@@ -295,10 +298,11 @@ TEST_F(CommandTest, PagesLieOnTheirAxes)
     }
 
     // Colour is channels, fastest of all; OME counts samples among its channels.
-    const Outcome colour =
-        run({"info", "--json",
-             write("rgb.tif", 2,
-                   {.samples = 3, .description = ome("XYCZT", "SizeX=\"21\" SizeY=\"10\" SizeZ=\"2\" SizeC=\"3\" SizeT=\"1\"", "")})});
+    const Outcome colour = run(
+        {"info", "--json",
+         write("rgb.tif", 2,
+               {.samples = 3,
+                .description = ome("XYCZT", "SizeX=\"21\" SizeY=\"10\" SizeZ=\"2\" SizeC=\"3\" SizeT=\"1\"", "")})});
     EXPECT_EQ(colour.result()["c"], 3);
     EXPECT_EQ(colour.result()["z"], 2);
 }
@@ -308,17 +312,20 @@ TEST_F(CommandTest, ReadsAStackBehindOnePage)
 {
     for (const bool bigEndian : {false, true}) {
         const std::string file = write("one.tif", 1,
-                                       {.mode = bigEndian ? "wb" : "wl", .bits = 16, .rowsPerStrip = height,
+                                       {.mode = bigEndian ? "wb" : "wl",
+                                        .bits = 16,
+                                        .rowsPerStrip = height,
                                         .description = "ImageJ=1.53\nimages=3\nslices=3\n"});
         EXPECT_NE(run({"stats", file}).error.find("image 1 are missing"), std::string::npos);
 
         // The same file with its pixels at the end, three times over.
         std::string bytes = readBytes(file);
         TIFF* const tiff = TIFFOpen(file.c_str(), "r");
-        const std::string page = bytes.substr(static_cast<std::size_t>(TIFFGetStrileOffset(tiff, 0)), width * height * 2);
+        const std::string page =
+            bytes.substr(static_cast<std::size_t>(TIFFGetStrileOffset(tiff, 0)), width * height * 2);
         TIFFClose(tiff);
         const auto end = static_cast<std::uint32_t>(bytes.size());
-        const std::string tag = bigEndian ? std::string{"\x01\x11\0\x04\0\0\0\x01", 8}  // StripOffsets, one long
+        const std::string tag = bigEndian ? std::string{"\x01\x11\0\x04\0\0\0\x01", 8} // StripOffsets, one long
                                           : std::string{"\x11\x01\x04\0\x01\0\0\0", 8};
         const std::size_t at = bytes.find(tag);
         ASSERT_NE(at, std::string::npos);
@@ -346,8 +353,9 @@ TEST_F(CommandTest, PrintsJsonThatReadsBack)
     TIFFWriteScanline(tiff, row, 0, 0);
     TIFFClose(tiff);
     const Outcome outcome = run({"stats", "--json", path("f.tif")});
-    const Json expected = {{"NbPixels", 2}, {"Sum", nullptr}, {"Mean", nullptr},
-                           {"Min", std::numeric_limits<double>::max()}, {"Max", "Infinity"}, {"StdDev", nullptr}};
+    const Json expected = {{"NbPixels", 2},     {"Sum", nullptr},
+                           {"Mean", nullptr},   {"Min", std::numeric_limits<double>::max()},
+                           {"Max", "Infinity"}, {"StdDev", nullptr}};
     EXPECT_EQ(outcome.result(), expected);
     EXPECT_EQ(outcome.output.find('\n'), outcome.output.size() - 1);
 
@@ -356,7 +364,8 @@ TEST_F(CommandTest, PrintsJsonThatReadsBack)
     EXPECT_EQ(volume.json()["measure"], "statsMsr3d");
     EXPECT_FALSE(volume.result().contains("z"));
     EXPECT_EQ(volume.result()["t"], 0);
-    EXPECT_EQ(run({"stats", file, "--isa", "generic", "--threads", "1", "--quiet"}).output, run({"stats", file}).output);
+    EXPECT_EQ(run({"stats", file, "--isa", "generic", "--threads", "1", "--quiet"}).output,
+              run({"stats", file}).output);
     EXPECT_NE(run({"stats", file}).output.find("uint8, 21 x 10\nNbPixels"), std::string::npos);
 
     const Json processors = run({"processors", "--json"}).json();
@@ -388,8 +397,9 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         TIFFClose(tiff);
     }
     const std::string imagej = write("ij.tif", 4, {.description = "ImageJ=1.53\nimages=6\nchannels=2\nslices=3\n"});
-    const std::string ome = write("ome.tif", 1, {.description = "<OME><Image><Pixels DimensionOrder=\"XYZCT\" "
-                                                                "SizeZ=\"2\" SizeC=\"1\" SizeT=\"1\"/></Image></OME>"});
+    const std::string ome = write("ome.tif", 1,
+                                  {.description = "<OME><Image><Pixels DimensionOrder=\"XYZCT\" "
+                                                  "SizeZ=\"2\" SizeC=\"1\" SizeT=\"1\"/></Image></OME>"});
     struct Case
     {
         std::vector<std::string> arguments;

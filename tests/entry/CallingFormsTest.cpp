@@ -41,9 +41,15 @@ std::string messageOf(const std::function<void()>& call)
 }
 
 template <class A, class P>
-constexpr bool canSet = requires(P processor) { processor.template set<A>({}); };
+constexpr bool canSet = requires(P& processor)
+{
+    processor.template set<A>({});
+};
 template <class A, class P>
-constexpr bool canGet = requires(P processor) { processor.template getStorage<A>(); };
+constexpr bool canGet = requires(P& processor)
+{
+    processor.template getStorage<A>();
+};
 
 // On a concrete class an attribute that it lacks does not compile; on the base it is looked up.
 static_assert(canSet<InImg, StatsMsr2dLvl1> && canGet<OutPIStatsResult, StatsMsr2dLvl1>);

@@ -135,8 +135,8 @@ TEST(Archive, AVersionIsWrittenOnceAndANewerOneIsRefused)
     InputArchive newer{replaced(text, "\"version\": 1", "\"version\": 2")};
     const core::ProcessingResult result = newer.read("one", back);
     EXPECT_FALSE(result);
-    EXPECT_EQ(result.getMessage(), "The archive holds version 2 of " + typeName +
-                                       ", but no version above 1 can be read here");
+    EXPECT_EQ(result.getMessage(),
+              "The archive holds version 2 of " + typeName + ", but no version above 1 can be read here");
 }
 
 // A damaged archive is refused by name, and nothing crashes.
@@ -179,8 +179,9 @@ TEST(Archive, DamageIsNamed)
 TEST(PlanIndexedColl, KeepsTheOrderOfPlans)
 {
     attr::PlanIndexedStatsResult collection;
-    for (const image::PlanIndex& plan : {image::PlanIndex{0, 0, 1}, image::PlanIndex{5, 0, 0}, image::PlanIndex{0, 1, 0},
-                                         image::PlanIndex{0, 0, 0}, image::PlanIndex{5, 0, 0}}) {
+    for (const image::PlanIndex& plan :
+         {image::PlanIndex{0, 0, 1}, image::PlanIndex{5, 0, 0}, image::PlanIndex{0, 1, 0}, image::PlanIndex{0, 0, 0},
+          image::PlanIndex{5, 0, 0}}) {
         collection.insert(plan, makePtr<attr::StatsResult>());
     }
     ASSERT_EQ(collection.size(), 4u);

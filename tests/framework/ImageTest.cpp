@@ -47,8 +47,8 @@ TEST(BaseImage, SubImagesShareThePixelsAndKeepTheirOwner)
     }
     Ptr<const BaseImage> plan;
     {
-        const auto image = BaseImage::wrap(static_cast<const void*>(owner->data()), eImageBufferType::eIBT_UInt8,
-                                           {2, 2, 3, 2}, owner);
+        const auto image =
+            BaseImage::wrap(static_cast<const void*>(owner->data()), eImageBufferType::eIBT_UInt8, {2, 2, 3, 2}, owner);
         plan = image->getSubImage({2, 1, 0}, ePlanKind::ePK_Plan2d);
         EXPECT_EQ(image->getSubImage({0, 1, 0}, ePlanKind::ePK_Volume3d)->getGeometry(), (ImageGeometry{2, 2, 3}));
         EXPECT_THROW((void)image->getSubImage({3, 0, 0}, ePlanKind::ePK_Plan2d), ImageException);

@@ -53,8 +53,7 @@ template <class T>
 class StatsMeasure : public testing::Test
 {
 };
-using PixelTypes =
-    testing::Types<unsigned char, signed char, unsigned short, short, unsigned int, int, float>;
+using PixelTypes = testing::Types<unsigned char, signed char, unsigned short, short, unsigned int, int, float>;
 TYPED_TEST_SUITE(StatsMeasure, PixelTypes);
 
 // One result per image, plan and volume, for shapes with one of everything and many of everything, however the pixels

@@ -1,8 +1,8 @@
 #include <support/TestImages.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/ORLIXIPLGlobalMeasureLogMessages.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/ProcessorLogMessages.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/ProcessorLogMessages.hpp>
 #include <framework/data/Archive.hpp>
 #include <framework/data/DynamicObjectFactory.hpp>
 #include <framework/process/BaseProcessingAlgorithm.hpp>
@@ -25,8 +25,9 @@ namespace
 
 /// The row of the message table that is each class's tool tip.
 const std::map<std::string, unsigned> toolTips{
-    {"StatsMsrLvl1", 87},   {"StatsMsrLvl2", 88},   {"StatsMsrLvl3", 89},   {"StatsMsr2dLvl1", 79}, {"StatsMsr2dLvl2", 80},
-    {"StatsMsr2dLvl3", 81}, {"StatsMsr3dLvl1", 83}, {"StatsMsr3dLvl2", 84}, {"StatsMsr3dLvl3", 85},
+    {"StatsMsrLvl1", 87},   {"StatsMsrLvl2", 88},   {"StatsMsrLvl3", 89},
+    {"StatsMsr2dLvl1", 79}, {"StatsMsr2dLvl2", 80}, {"StatsMsr2dLvl3", 81},
+    {"StatsMsr3dLvl1", 83}, {"StatsMsr3dLvl2", 84}, {"StatsMsr3dLvl3", 85},
 };
 
 std::string textOf(unsigned number)
@@ -113,10 +114,13 @@ TEST(Messages, TheTableIsWhole)
     const auto& manager = glbmsr::getORLIXIPLGlobalMeasureLogMessageManager();
     EXPECT_EQ(manager.getNbMessages(typeid(eProcessorMessage).name()), 116u);
     EXPECT_EQ(manager.getNbMessages(typeid(glbmsr::eORLIXIPLGlobalMeasureMessage).name()), 0u);
-    EXPECT_EQ(textOf(0), "Level 1 algorithm: Computes the ratio between the number of pixels and the total image size.");
-    EXPECT_EQ(textOf(40), "Level 2 algorithm: measures the global Normalized Cross-Correlation between two images  on Gpu");
+    EXPECT_EQ(textOf(0),
+              "Level 1 algorithm: Computes the ratio between the number of pixels and the total image size.");
+    EXPECT_EQ(textOf(40),
+              "Level 2 algorithm: measures the global Normalized Cross-Correlation between two images  on Gpu");
     EXPECT_EQ(textOf(56), "Specified algorithm identifier is not a orlix::imaproc::attr::eProjStatType");
-    EXPECT_EQ(textOf(86), "Level 2 algorithm: measure of common statistics indicators in an image (mean, max, etc.) on GPU ");
+    EXPECT_EQ(textOf(86),
+              "Level 2 algorithm: measure of common statistics indicators in an image (mean, max, etc.) on GPU ");
     EXPECT_EQ(textOf(115), "Level 1 algorithm: function computing a contrasted image by ponderation along the Z axis");
     EXPECT_EQ(glbmsr::getORLIXIPLGlobalMeasureLoggerName(), "ORLIX.ORLIXIPLGlobalMeasure");
     EXPECT_EQ(glbmsr::getORLIXIPLGlobalMeasureLogger().getName(), "ORLIX.ORLIXIPLGlobalMeasure");

@@ -1,5 +1,5 @@
-// Loads and unloads the measure library: its classes come and go with it, a first question may come from many threads at
-// once, and dlclose really unloads. This program is not linked to the library.
+// Loads and unloads the measure library: its classes come and go with it, a first question may come from many threads
+// at once, and dlclose really unloads. This program is not linked to the library.
 
 #include <framework/data/DynamicObjectFactory.hpp>
 #include <framework/process/BaseProcessor.hpp>
@@ -65,8 +65,7 @@ TEST(Library, LoadsAndUnloads)
                               "etc.) for each 2d plan");
 
         // A running processor holds the library: unloading waits for it.
-        const auto processor =
-            ProcessorFactory::getInstance().createProcessor("orlix::imaproc::glbmsr::StatsMsrLvl2");
+        const auto processor = ProcessorFactory::getInstance().createProcessor("orlix::imaproc::glbmsr::StatsMsrLvl2");
         (void)processor->init(eProcessorRulePolicy::eRP_CheckRules);
         (void)processor->run(eSynchroType::eST_Asynchronous);
         (void)processor->wait();

@@ -21,7 +21,9 @@ namespace
 
 /// The width of a domain's registers.
 template <Domain::domain D>
-inline constexpr std::size_t packBytes = D == Domain::eIS_SSE2 ? 16 : D == Domain::eIS_AVX512 ? 64 : 32;
+inline constexpr std::size_t packBytes = D == Domain::eIS_SSE2     ? 16
+                                         : D == Domain::eIS_AVX512 ? 64
+                                                                   : 32;
 
 template <class T, std::size_t Bytes>
 struct PackOf

@@ -68,7 +68,8 @@ void accumulateIntegers(Run<T> run, Moments& m)
     YPack lo[2];
     YPack hi[2];
     lo[0] = lo[1] = hi[0] = hi[1] = loadCanonical<T, D>(whole != 0 ? run.pixels : filled);
-    const auto take = [&](int half, const T* pixels) __attribute__((always_inline)) {
+    const auto take = [&](int half, const T* pixels) __attribute__((always_inline))
+    {
         const YPack y = loadCanonical<T, D>(pixels);
         sums[half].add(y);
         lo[half] = least(lo[half], y);

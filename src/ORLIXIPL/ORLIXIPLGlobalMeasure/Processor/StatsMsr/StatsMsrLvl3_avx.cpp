@@ -3,7 +3,7 @@
 namespace orlix::imaproc::glbmsr
 {
 
-extern const StatsKernels statsKernels_avx{{nullptr}, {nullptr}, {nullptr}, {nullptr},
-                                           {nullptr}, {nullptr}, {&accumulate<float, Domain::eIS_AVX>}};
+extern const StatsKernels statsKernels_avx{
+    {nullptr}, {nullptr}, {nullptr}, {nullptr}, {nullptr}, {nullptr}, {&accumulate<float, Domain::eIS_AVX>}};
 
 } // namespace orlix::imaproc::glbmsr

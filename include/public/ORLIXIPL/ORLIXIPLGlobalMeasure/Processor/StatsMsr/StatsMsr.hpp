@@ -5,9 +5,9 @@
 namespace orlix::imaproc::glbmsr
 {
 
-/// Number, sum, mean, minimum, maximum and standard deviation of the pixels: one result over every plan, channel and time of the image. Takes the
-/// seven numeric pixel types; without pixels the mean is NaN. The synchronous forms throw ORLIXBaseProcessingException
-/// when the run fails.
+/// Number, sum, mean, minimum, maximum and standard deviation of the pixels: one result over every plan, channel and
+/// time of the image. Takes the seven numeric pixel types; without pixels the mean is NaN. The synchronous forms throw
+/// ORLIXBaseProcessingException when the run fails.
 ORLIX_API Ptr<StatsResult> statsMsr(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<StatsMsrLvl1> statsMsr_async(const Ptr<const image::BaseImage>& image);
 

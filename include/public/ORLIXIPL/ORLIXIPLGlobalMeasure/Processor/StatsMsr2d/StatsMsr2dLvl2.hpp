@@ -6,7 +6,8 @@ namespace orlix::imaproc::glbmsr
 {
 
 /// The statistics of one 2d plan.
-class ORLIX_API StatsMsr2dLvl2 final : public StripsLvl2<StatsMsr2dLvl2, StatsMsr2dLvl3, OutStatsResult, StatsMerge, Pass<InSubImg2d, InYStrip2d>>
+class ORLIX_API StatsMsr2dLvl2 final
+    : public StripsLvl2<StatsMsr2dLvl2, StatsMsr2dLvl3, OutStatsResult, StatsMerge, Pass<InSubImg2d, InYStrip2d>>
 {
 public:
     StatsMsr2dLvl2();
