@@ -116,7 +116,7 @@ public:
 
     Ptr<image::BaseImage> read()
     {
-        const auto image = image::BaseImage::create(type_, geometry_);
+        auto image = image::BaseImage::create(type_, geometry_);
         std::size_t plan = 0;
         for (std::size_t t = 0; t < axes_.t; ++t) {
             for (std::size_t c = 0; c < axes_.c; ++c) {

@@ -18,7 +18,7 @@ public:
     {
         if constexpr (attr::PlanIndexedAttribute<Output>) {
             // The processor writes into this very object.
-            const auto result = makePtr<typename Output::Element>();
+            auto result = makePtr<typename Output::Element>();
             executeSyncRun(makeForFirstPlan(result, inputs...));
             return result;
         } else {
