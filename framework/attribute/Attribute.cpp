@@ -15,7 +15,6 @@ void BaseAttribute::initialize()
     clearInitialized();
     if (!isSet() && initializer_) {
         initializer_();
-        initialized_ = true;
     }
 }
 

@@ -52,8 +52,8 @@ public:
 
 protected:
     BaseAttribute() = default;
-    /// The value comes from the caller now.
-    void setByCaller() { initialized_ = false; }
+    bool isInitialized() const { return initialized_; }
+    void setInitialized(bool initialized) { initialized_ = initialized; }
 
 private:
     std::function<void()> initializer_;
@@ -72,14 +72,19 @@ public:
     eAttributeRole getRole() const final { return Role; }
 
     const Storage& get() const { return value_; }
-    void set(Storage value)
+    /// Takes a value from the caller.
+    void init(Storage value)
     {
         value_ = std::move(value);
-        setByCaller();
+        setInitialized(false);
     }
-    /// Sets the value from an initializer.
-    void assign(Storage value) { value_ = std::move(value); }
-    void clear() final { set(Storage{}); }
+    /// Takes a value from an initializer.
+    void assign(Storage value)
+    {
+        value_ = std::move(value);
+        setInitialized(true);
+    }
+    void clear() final { init(Storage{}); }
 
 protected:
     Storage value_{};
@@ -96,8 +101,9 @@ public:
 
     void copy(const BaseAttribute& other) final
     {
-        const auto& from = dynamic_cast<const Self&>(other).get();
-        this->set(from ? boost::static_pointer_cast<Value>(from->duplicateShared()) : nullptr);
+        const auto& from = dynamic_cast<const ObjectAttribute&>(other);
+        this->init(from.isSet() ? boost::static_pointer_cast<Value>(from.get()->duplicateShared()) : nullptr);
+        this->setInitialized(from.isInitialized());
     }
     core::ProcessingResult write(data::OutputArchive& archive) const final
     {
@@ -108,7 +114,9 @@ public:
         Ptr<Value> value;
         core::ProcessingResult result = archive.read(Self::name, value);
         if (result) {
-            this->set(std::move(value));
+            // Nobody but this attribute holds an output that was read: the next run makes its own.
+            this->init(std::move(value));
+            this->setInitialized(Role == eAttributeRole::eAR_Output);
         }
         return result;
     }
@@ -156,7 +164,7 @@ public:
         return result && Extent == eExtent::eE_OnePlan ? checkOnePlan(*this, *this->value_, Kind) : result;
     }
 
-    void copy(const BaseAttribute& other) final { this->set(dynamic_cast<const Self&>(other).get()); }
+    void copy(const BaseAttribute& other) final { this->init(dynamic_cast<const Self&>(other).get()); }
     core::ProcessingResult write(data::OutputArchive& archive) const final
     {
         return archive.write(Self::name, this->value_.get());
@@ -166,7 +174,7 @@ public:
         Ptr<image::BaseImage> image;
         core::ProcessingResult result = archive.read(Self::name, image);
         if (result) {
-            this->set(std::move(image));
+            this->init(std::move(image));
         }
         return result;
     }
@@ -197,7 +205,7 @@ public:
         return result ? checkStrip(*this, *strip.image, StripType::kind, strip.first, strip.count) : result;
     }
 
-    void copy(const BaseAttribute& other) final { this->set(dynamic_cast<const Self&>(other).get()); }
+    void copy(const BaseAttribute& other) final { this->init(dynamic_cast<const Self&>(other).get()); }
     core::ProcessingResult write(data::OutputArchive& archive) const final
     {
         const StripType& strip = this->value_;
@@ -208,11 +216,17 @@ public:
         StripType strip;
         core::ProcessingResult result = readStrip(archive, Self::name, strip.image, strip.first, strip.count);
         if (result) {
-            this->set(std::move(strip));
+            this->init(std::move(strip));
         }
         return result;
     }
 };
+
+/// Whether a record has a meaning for an image without pixels, and says so.
+template <class Record>
+inline constexpr bool isDefinedWithoutPixels = false;
+template <class Record>
+requires(Record::definedWithoutPixels) inline constexpr bool isDefinedWithoutPixels<Record> = true;
 
 template <class A>
 concept ImageAttribute = requires

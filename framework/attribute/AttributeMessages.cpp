@@ -10,6 +10,8 @@ std::span<const Message> MessageMap<imaproc::attr::eAttributeMessage>::texts()
         {1, "%1% is an image of %2%: %3% is needed"},
         {2, "%1% starts at %2% and counts %3%, but the image has %4% %5%"},
         {3, "The archive has no strip \"%1%\""},
+        {4, "The archive lacks element %1% of a %2%"},
+        {5, "A %1% cannot hold an element of the class %2%"},
     };
     return table;
 }

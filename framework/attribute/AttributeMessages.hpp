@@ -12,6 +12,8 @@ enum class eAttributeMessage : unsigned
     eAM_NotOnePlan = 1,     ///< attribute, geometry, what is needed
     eAM_StripOutside = 2,   ///< attribute, first element, count, number of elements, their name
     eAM_NoStrip = 3,        ///< attribute
+    eAM_NoElement = 4,      ///< number of the element, class of the collection
+    eAM_WrongElement = 5,   ///< class of the collection, class of the element
 };
 
 } // namespace orlix::imaproc::attr

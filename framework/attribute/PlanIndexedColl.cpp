@@ -1,6 +1,8 @@
 #include <framework/attribute/PlanIndexedColl.hpp>
 
-#include <framework/core/Message.hpp>
+#include <framework/attribute/AttributeMessages.hpp>
+
+#include <log4cplus/logger.h>
 
 #include <algorithm>
 
@@ -18,6 +20,11 @@ constexpr auto before = [](const auto& element, const PlanIndex& plan) { return 
 
 void BasePlanIndexedColl::insert(const PlanIndex& plan, Ptr<data::BaseDataItem> element)
 {
+    if (!element || !accepts(*element)) {
+        core::raise<core::BaseException>(core::getLibraryLogger("Attribute"), ORLIX_HERE,
+                                         eAttributeMessage::eAM_WrongElement, getClassName(),
+                                         element ? element->getClassName() : "null");
+    }
     const auto place = std::lower_bound(elements_.begin(), elements_.end(), plan, before);
     if (place != elements_.end() && place->first == plan) {
         place->second = std::move(element);
@@ -37,12 +44,10 @@ void BasePlanIndexedColl::copy(const BaseDynamicObject& other)
     core::guarded(ORLIX_HERE, [&] {
         auto copied = dynamic_cast<const BasePlanIndexedColl&>(other).elements_;
         for (auto& [plan, element] : copied) {
-            if (element && !accepts(*element)) {
+            if (!accepts(*element)) {
                 throw std::bad_cast{};
             }
-            if (element) {
-                element = boost::dynamic_pointer_cast<data::BaseDataItem>(element->duplicateShared());
-            }
+            element = boost::dynamic_pointer_cast<data::BaseDataItem>(element->duplicateShared());
         }
         elements_ = std::move(copied);
     });
@@ -73,7 +78,8 @@ ProcessingResult BasePlanIndexedColl::read(data::InputArchive& archive)
         const std::string name = std::to_string(i);
         const auto section = archive.openSection(name);
         if (!section) {
-            return ProcessingResult::failure("The archive lacks element " + name + " of a " + getClassName());
+            return ProcessingResult::failure(
+                core::formatMessage(eAttributeMessage::eAM_NoElement, name, getClassName()));
         }
         PlanIndex plan;
         Ptr<data::BaseDataItem> element;
@@ -85,8 +91,9 @@ ProcessingResult BasePlanIndexedColl::read(data::InputArchive& archive)
         if (result) {
             result = archive.read("element", element);
         }
-        if (result && element && !accepts(*element)) {
-            result = ProcessingResult::failure("A " + getClassName() + " cannot hold a " + element->getClassName());
+        if (result && (!element || !accepts(*element))) {
+            result = ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_WrongElement, getClassName(),
+                                                                   element ? element->getClassName() : "null"));
         }
         if (result) {
             insert(plan, std::move(element));

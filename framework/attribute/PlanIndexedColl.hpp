@@ -18,7 +18,8 @@ using image::PlanIndex;
 class ORLIX_API BasePlanIndexedColl : public data::BaseDataItem
 {
 public:
-    /// Adds an element, or replaces the one of that plan.
+    /// Adds an element, or replaces the one of that plan. Throws BaseException if it is null or not of the
+    /// collection's class.
     void insert(const PlanIndex& plan, Ptr<data::BaseDataItem> element);
     /// The element of a plan; null if there is none.
     Ptr<data::BaseDataItem> getStorage(const PlanIndex& plan) const;

@@ -36,6 +36,7 @@ public:
 
     constexpr bool empty() const { return bits_ == 0; }
     constexpr bool contains(eInstructionSet::domain set) const { return (bits_ >> set & 1u) != 0; }
+    constexpr bool contains(InstructionSetsIdentifier sets) const { return (sets.bits_ & ~bits_) == 0; }
     friend constexpr InstructionSetsIdentifier operator|(InstructionSetsIdentifier a, InstructionSetsIdentifier b)
     {
         a.bits_ |= b.bits_;

@@ -29,10 +29,10 @@ log4cplus::Logger getLibraryLogger(const std::string& library)
     return log4cplus::Logger::getInstance(getBaseLoggerName() + "." + library);
 }
 
-void logMessage(const log4cplus::Logger& logger, int level, const std::string& text, const SourceLocation& where)
+void logMessage(const log4cplus::Logger& logger, int level, const std::string& text, const char* file, int line)
 {
     if (logger.isEnabledFor(level)) {
-        logger.log(level, text, getRelativeFromRoot(where.file).c_str(), where.line, where.function);
+        logger.log(level, text, getRelativeFromRoot(file).c_str(), line);
     }
 }
 

@@ -23,8 +23,8 @@ ORLIX_API log4cplus::Logger getLibraryLogger(const std::string& library);
 
 inline constexpr int errorLevel = 40000; ///< log4cplus's error level
 
-/// Logs `text` if the logger is enabled for `level`.
-ORLIX_API void logMessage(const log4cplus::Logger& logger, int level, const std::string& text,
-                          const SourceLocation& where);
+/// Logs `text` if the logger is enabled for `level`. The file is logged relative to the source root.
+ORLIX_API void logMessage(const log4cplus::Logger& logger, int level, const std::string& text, const char* file,
+                          int line);
 
 } // namespace orlix::core

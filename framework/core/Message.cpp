@@ -70,7 +70,7 @@ void rethrowAsBaseException(const SourceLocation& where)
     } catch (...) {
         cause = std::make_exception_ptr(UnHandleException{where});
     }
-    logMessage(getBaseLogger(), errorLevel, text, where);
+    logMessage(getBaseLogger(), errorLevel, text, where.file, where.line);
     throw BaseException{text, where, cause};
 }
 

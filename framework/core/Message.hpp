@@ -136,7 +136,7 @@ template <class Exception, class Enumeration, class... Arguments>
 {
     const std::string text = guarded(where, [&] {
         std::string formatted = formatMessage(number, arguments...);
-        logMessage(logger, errorLevel, formatted, where);
+        logMessage(logger, errorLevel, formatted, where.file, where.line);
         return formatted;
     });
     throw Exception(text, where);

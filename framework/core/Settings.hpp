@@ -3,7 +3,8 @@
 #include <framework/core/Api.hpp>
 #include <framework/core/InstructionSet.hpp>
 
-/// The settings of the process, each callable from any thread; a change holds for the runs started after it.
+/// The settings of the process, each callable from any thread; a change holds for what is started after it, strips
+/// included.
 namespace orlix::core::settings
 {
 

@@ -252,9 +252,13 @@ ProcessingResult InputArchive::read(const std::string& key, std::vector<std::byt
     return {};
 }
 
-ProcessingResult InputArchive::read(const std::string& key, Ptr<BaseDynamicObject>& object)
+ProcessingResult InputArchive::readObject(const std::string& key, Ptr<BaseDynamicObject>& object,
+                                          bool (*accepts)(const BaseDynamicObject&))
 {
-    object.reset();
+    constexpr std::size_t deepest = 64; // no processor comes near it
+    if (getDepth() > deepest) {
+        return ProcessingResult::failure(core::formatMessage(eSerializationMessage::eSM_TooDeep, key));
+    }
     if (find(current(), key, &json::is_null) != nullptr) {
         return {};
     }
@@ -266,6 +270,9 @@ ProcessingResult InputArchive::read(const std::string& key, Ptr<BaseDynamicObjec
     Ptr<BaseDynamicObject> created = DynamicObjectFactory::getInstance().createSharedObject(typeName);
     if (!created) {
         return ProcessingResult::failure(core::formatMessage(eSerializationMessage::eSM_UnknownClass, typeName));
+    }
+    if (!accepts(*created)) {
+        return ProcessingResult::failure(core::formatMessage(eSerializationMessage::eSM_WrongClass, key, typeName));
     }
     ProcessingResult result = created->read(*this);
     if (result) {

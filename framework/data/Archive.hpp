@@ -63,6 +63,7 @@ protected:
     ~Archive();
 
     nlohmann::json& current() const;
+    std::size_t getDepth() const { return path_.size(); }
 
     std::unique_ptr<nlohmann::json> root_;
 
@@ -82,6 +83,7 @@ public:
     /// A value that is not finite becomes "NaN", "Infinity" or "-Infinity".
     void write(const std::string& key, double value);
     void write(const std::string& key, const std::string& value);
+    void write(const std::string& key, const char* value) { write(key, std::string{value}); }
     /// As base64.
     void write(const std::string& key, const std::vector<std::byte>& bytes);
     /// A section with the class name and what the object writes; null for no object.
@@ -107,22 +109,14 @@ public:
     core::ProcessingResult read(const std::string& key, double& value) const;
     core::ProcessingResult read(const std::string& key, std::string& value) const;
     core::ProcessingResult read(const std::string& key, std::vector<std::byte>& bytes) const;
-    /// Null where null was written.
-    core::ProcessingResult read(const std::string& key, Ptr<BaseDynamicObject>& object);
-
-    /// As above, for an object of a known class.
+    /// Null where null was written. The object's class is Object or derived from it.
     template <std::derived_from<BaseDynamicObject> Object>
     core::ProcessingResult read(const std::string& key, Ptr<Object>& object)
     {
         Ptr<BaseDynamicObject> any;
-        core::ProcessingResult result = read(key, any);
-        if (!result) {
-            return result;
-        }
+        core::ProcessingResult result = readObject(
+            key, any, [](const BaseDynamicObject& created) { return dynamic_cast<const Object*>(&created) != nullptr; });
         object = boost::dynamic_pointer_cast<Object>(any);
-        if (any && !object) {
-            return core::ProcessingResult::failure("\"" + key + "\" cannot hold a " + any->getClassName());
-        }
         return result;
     }
 
@@ -130,6 +124,8 @@ public:
     std::vector<std::string> getKeys() const;
 
 private:
+    core::ProcessingResult readObject(const std::string& key, Ptr<BaseDynamicObject>& object,
+                                      bool (*accepts)(const BaseDynamicObject&));
     nlohmann::json* child(nlohmann::json& parent, const std::string& name) const override;
 };
 

@@ -11,6 +11,8 @@ enum class eSerializationMessage : unsigned
     eSM_NoArchive = 0,
     eSM_MissingKey = 1,    ///< key, what it should hold
     eSM_UnknownClass = 2,  ///< class name
+    eSM_WrongClass = 3,    ///< key, class name
+    eSM_TooDeep = 4,       ///< key
     eSM_NewerVersion = 25, ///< version in the archive, supported version, class name
 };
 

@@ -116,6 +116,7 @@ Ptr<BaseImage> BaseImage::wrap(void* pixels, eImageBufferType type, const ImageG
 Ptr<BaseImage> BaseImage::wrap(void* pixels, eImageBufferType type, const ImageGeometry& geometry,
                                Ptr<const void> owner)
 {
+    checkedBufferSize(type, geometry); // before the strides, which could not be told otherwise
     return wrap(pixels, type, geometry, ImageStrides::contiguous(geometry, image::getPixelSize(type)),
                 std::move(owner));
 }

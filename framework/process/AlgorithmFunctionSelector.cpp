@@ -31,7 +31,7 @@ const AlgorithmFunctionIdentifier* AlgorithmFunctionSelector::select(const DataT
                                                                      InstructionSetsIdentifier forced) const
 {
     for (auto it = findFirst(dataTypes); it != functions_.end() && it->dataTypes == dataTypes; ++it) {
-        if (forced.empty() || genericOnly_ || it->instructionSets == forced) {
+        if (forced.empty() || genericOnly_ || forced.contains(it->instructionSets)) {
             return &*it;
         }
     }

@@ -59,18 +59,23 @@ ProcessingResult BaseAction::run(eSynchroType type)
     if (type == eSynchroType::eST_Synchronous) {
         return runHere();
     }
-    Ptr<BaseAction> self = shared_from_this();
-    const auto completion = makePtr<Completion>();
-    {
+    try {
+        const auto completion = makePtr<Completion>();
+        executor::submit(priority_, [self = shared_from_this(), completion]() mutable {
+            ProcessingResult result = self->runHere();
+            // The caller may hold the last reference from here on, and drop it as soon as it has the result.
+            self.reset();
+            completion->finish(std::move(result));
+        });
         const std::lock_guard lock{mutex_};
         completion_ = completion;
+    } catch (const boost::bad_weak_ptr&) {
+        running_ = false;
+        return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eNotShared, getClassName()));
+    } catch (...) {
+        running_ = false;
+        throw;
     }
-    executor::submit(priority_, [self = std::move(self), completion]() mutable {
-        ProcessingResult result = self->runHere();
-        // The caller may hold the last reference from here on, and drop it as soon as it has the result.
-        self.reset();
-        completion->finish(std::move(result));
-    });
     return {};
 }
 

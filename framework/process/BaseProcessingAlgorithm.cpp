@@ -51,8 +51,10 @@ ProcessingResult BaseProcessingAlgorithm::mainProcess()
                                                core::toString(forced), toString(types), core::toString(sets)));
     }
 
+    clearDataParserColl(parsers_);
     initDataParserColl(parsers_);
-    ProcessingInfo info{parsers_.front().nbPixels(), parsers_.front().longestRun()};
+    ProcessingInfo info =
+        parsers_.empty() ? getNoParseInfo() : ProcessingInfo{parsers_[0].nbPixels(), parsers_[0].longestRun()};
     for (const image::StripParser& parser : parsers_) {
         if (parser.nbPixels() != info.size) {
             clearDataParserColl(parsers_);

@@ -36,6 +36,9 @@ protected:
     virtual core::ProcessingResult preProcess() { return {}; }
     virtual core::ProcessingResult postProcess() { return {}; }
 
+    /// What a kernel without strips is called with.
+    virtual ProcessingInfo getNoParseInfo() const { return {}; }
+
     const image::StripParser& getParser(std::size_t i) const { return parsers_[i]; }
 
 private:

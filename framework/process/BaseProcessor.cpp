@@ -15,6 +15,7 @@ ProcessingResult BaseProcessor::init(eProcessorRulePolicy policy)
 {
     attributes_.clear();
     rule_ = none();
+    rulePolicy_ = policy;
     return initDerived(attributes_, dispatchPolicy_, rule_, policy);
 }
 
@@ -32,18 +33,22 @@ void BaseProcessor::throwNoSuchAttribute(const char* name, const core::SourceLoc
 
 ProcessingResult BaseProcessor::execute(const RunContext& context)
 {
-    ProcessingResult result;
     try {
-        result = runSteps(context);
+        ProcessingResult result;
+        try {
+            result = runSteps(context);
+        } catch (...) {
+            result = ProcessingResult::failure(
+                core::formatMessage(eProcessorMessage::eException, getObjectName(), core::describeCurrentException()));
+        }
+        if (!result) {
+            cleanOnErrorDerived();
+        }
+        globalCleanDerived();
+        return result;
     } catch (...) {
-        result = ProcessingResult::failure(
-            core::formatMessage(eProcessorMessage::eException, getObjectName(), core::describeCurrentException()));
+        return ProcessingResult::failure("Out of memory"); // short enough to need none
     }
-    if (!result) {
-        cleanOnErrorDerived();
-    }
-    globalCleanDerived();
-    return result;
 }
 
 ProcessingResult BaseProcessor::runSteps(const RunContext& context)
@@ -135,8 +140,8 @@ void BaseProcessor::copy(const BaseDynamicObject& other)
         if (from.getClassName() != getClassName()) {
             throw std::bad_cast{};
         }
-        if (attributes_.empty() && !from.attributes_.empty()) {
-            (void)init(eProcessorRulePolicy::eRP_CheckRules);
+        if (!from.attributes_.empty()) {
+            (void)init(from.rulePolicy_);
         }
         for (std::size_t i = 0; i < from.attributes_.size(); ++i) {
             attributes_[i]->copy(*from.attributes_[i]);
@@ -172,10 +177,16 @@ ProcessingResult BaseProcessor::read(data::InputArchive& archive)
                 return result;
             }
         }
-        // A processor that was never initialised wrote no attributes, and reads none.
-        if (const auto section = archive.openSection("attributes"); section && !archive.getKeys().empty()) {
+        {
+            const auto section = archive.openSection("attributes");
+            if (!section) {
+                return ProcessingResult::failure(core::formatMessage(data::eSerializationMessage::eSM_MissingKey,
+                                                                     "attributes", "a section"));
+            }
+            // A processor that was never initialised wrote no attributes, and reads none.
+            const bool written = !archive.getKeys().empty();
             for (BaseAttribute* const attribute : attributes_) {
-                if (ProcessingResult result = attribute->read(archive); !result) {
+                if (ProcessingResult result = written ? attribute->read(archive) : ProcessingResult{}; !result) {
                     return result;
                 }
             }

@@ -41,7 +41,7 @@ public:
     template <class A>
     void set(typename A::Storage value)
     {
-        find<A>().set(std::move(value));
+        find<A>().init(std::move(value));
     }
     /// Reads an attribute; throws as set() does.
     template <class A>
@@ -88,8 +88,6 @@ protected:
     /// Whether an image without pixels gives a result rather than an error.
     virtual bool acceptsEmptyImages() const { return false; }
 
-    void initCtorCopy() override { (void)init(eProcessorRulePolicy::eRP_CheckRules); }
-
     /// Throws if init has not run.
     void requireInitialized(const core::SourceLocation& where) const
     {
@@ -119,6 +117,7 @@ private:
     AttributeColl attributes_;
     ProcessorDispatchPolicy dispatchPolicy_;
     Rule rule_;
+    eProcessorRulePolicy rulePolicy_ = eProcessorRulePolicy::eRP_CheckRules;
 };
 
 /// Runs a processor in the calling thread. Throws ORLIXBaseProcessingException with the message of a failed result.

@@ -55,8 +55,9 @@ template <class Child, class... Splits>
 class Dispatcher final : public BaseDispatcher
 {
 public:
-    Dispatcher(std::size_t children, std::size_t grain, ePriority priority, Splits... splits)
-        : BaseDispatcher{children, grain, priority}, splits_{std::move(splits)...}
+    Dispatcher(std::size_t children, std::size_t grain, ePriority priority, const ProcessorDispatchPolicy& policy,
+               Splits... splits)
+        : BaseDispatcher{children, grain, priority}, policy_{policy}, splits_{std::move(splits)...}
     {}
 
 private:
@@ -65,6 +66,7 @@ private:
         // One processor serves the whole range, one child at a time.
         const auto child = makePtr<Child>();
         (void)child->init(eProcessorRulePolicy::eRP_CheckRules);
+        child->setDispatchPolicy(policy_);
         for (std::size_t i = begin; i < end && !childContext.cancelled() && !failure; ++i) {
             core::ProcessingResult result;
             try {
@@ -79,23 +81,25 @@ private:
         }
     }
 
+    ProcessorDispatchPolicy policy_;
     std::tuple<Splits...> splits_;
 };
 
-/// Children that are known in advance, one per plan. `childBytes` is the size of one plan's pixels.
+/// Children that are known in advance, one per plan; they take over the policy. `childBytes` is the size of one plan's pixels.
 template <class Child, class... Splits>
 Ptr<ActionProvider> makeStaticDispatcher(ePriority priority, const ProcessorDispatchPolicy& policy,
                                          std::size_t children, std::size_t childBytes, Splits... splits)
 {
     const std::size_t grain = std::max<std::size_t>(1, policy.stripBytes / std::max<std::size_t>(1, childBytes));
-    return makePtr<Dispatcher<Child, Splits...>>(children, grain, priority, std::move(splits)...);
+    return makePtr<Dispatcher<Child, Splits...>>(children, grain, priority, policy, std::move(splits)...);
 }
 
 /// Children that each take one strip.
 template <class Child, class... Splits>
-Ptr<ActionProvider> makeDynamicDispatcher(ePriority priority, std::size_t children, Splits... splits)
+Ptr<ActionProvider> makeDynamicDispatcher(ePriority priority, const ProcessorDispatchPolicy& policy,
+                                          std::size_t children, Splits... splits)
 {
-    return makePtr<Dispatcher<Child, Splits...>>(children, std::size_t{1}, priority, std::move(splits)...);
+    return makePtr<Dispatcher<Child, Splits...>>(children, std::size_t{1}, priority, policy, std::move(splits)...);
 }
 
 } // namespace orlix::imaproc

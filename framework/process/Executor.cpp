@@ -60,11 +60,16 @@ void parallelFor(std::size_t count, std::size_t grain, ePriority priority, Range
 void submit(ePriority priority, std::function<void()> task)
 {
     submitted.add();
-    ThreadPool::getInstance().submit(core::settings::getNbThreads(), priority, [task = std::move(task)]() mutable {
-        task();
-        task = nullptr; // what it holds goes before it counts as gone
+    try {
+        ThreadPool::getInstance().submit(core::settings::getNbThreads(), priority, [task = std::move(task)]() mutable {
+            task();
+            task = nullptr; // what it holds goes before it counts as gone
+            submitted.remove();
+        });
+    } catch (...) {
         submitted.remove();
-    });
+        throw;
+    }
 }
 
 void waitForSubmitted()

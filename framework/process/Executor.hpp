@@ -40,7 +40,7 @@ namespace executor
 /// returns when all have run. One range, or one thread, runs on the calling thread. `body` throws nothing.
 ORLIX_API void parallelFor(std::size_t count, std::size_t grain, ePriority priority, RangeBody body);
 
-/// Runs `task` on another thread and returns at once.
+/// Runs `task`, which throws nothing, on another thread and returns at once.
 ORLIX_API void submit(ePriority priority, std::function<void()> task);
 
 /// Returns when every submitted task has run and is gone.

@@ -132,7 +132,7 @@ protected:
                      this->getDispatchPolicy().stripBytes);
         results_.resize(cut_->size());
         provider =
-            makeDynamicDispatcher<Child>(priority, cut_->size(), DynamicByCreationResultSplit<Child, Output>{results_},
+            makeDynamicDispatcher<Child>(priority, this->getDispatchPolicy(), cut_->size(), DynamicByCreationResultSplit<Child, Output>{results_},
                                          detail::splitByStrip<Child, typename Inputs::Source, typename Inputs::Target>(
                                              this->template attribute<typename Inputs::Source>(), *cut_)...);
         return {};

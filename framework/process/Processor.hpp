@@ -54,6 +54,8 @@ public:
     /// The last attribute is what the processor is run for.
     using Output = std::tuple_element_t<sizeof...(Attributes) - 1, std::tuple<Attributes...>>;
 
+    static_assert(sizeof...(Attributes) <= AttributeColl::static_capacity);
+
     Processor() = default;
     Processor(const Processor&) = delete;
     Processor& operator=(const Processor&) = delete;
@@ -89,7 +91,7 @@ public:
     void set(typename A::Storage value)
     {
         this->requireInitialized(ORLIX_HERE);
-        attribute<A>().set(std::move(value));
+        attribute<A>().init(std::move(value));
     }
     template <class A>
     requires has<A>
@@ -139,15 +141,9 @@ protected:
     bool acceptsEmptyImages() const final
     {
         if constexpr (attr::PlanIndexedAttribute<Output>) {
-            return requires
-            {
-                Output::Element::definedWithoutPixels;
-            };
+            return attr::isDefinedWithoutPixels<typename Output::Element>;
         } else {
-            return requires
-            {
-                Output::Value::definedWithoutPixels;
-            };
+            return attr::isDefinedWithoutPixels<typename Output::Value>;
         }
     }
 

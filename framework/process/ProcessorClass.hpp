@@ -2,12 +2,11 @@
 
 #include <framework/core/Api.hpp>
 #include <framework/core/InstructionSet.hpp>
+#include <framework/core/LazyStatic.hpp>
 #include <framework/data/DynamicObjectFactory.hpp>
 #include <framework/process/AlgorithmFunctionSelector.hpp>
 #include <framework/process/DispatchPolicy.hpp>
 #include <framework/process/ProcessorFactory.hpp>
-
-#include <boost/thread/mutex.hpp>
 
 #include <atomic>
 #include <functional>
@@ -15,29 +14,6 @@
 
 namespace orlix::imaproc
 {
-
-/// A value built on first use, under the process-wide mutex of its kind; afterwards it is read without a lock.
-template <class T>
-class LazyStatic
-{
-public:
-    template <class Build>
-    const T& get(boost::mutex& mutex, Build build)
-    {
-        if (!built_.load(std::memory_order_acquire)) {
-            const boost::mutex::scoped_lock lock{mutex};
-            if (!built_.load(std::memory_order_relaxed)) {
-                value_ = build();
-                built_.store(true, std::memory_order_release);
-            }
-        }
-        return value_;
-    }
-
-private:
-    std::atomic<bool> built_{false};
-    T value_{};
-};
 
 /// The mutexes of the lazily built statics, one per kind, each created on first use.
 ORLIX_API boost::mutex& ToolTipMutex();
@@ -80,9 +56,9 @@ public:
 
 private:
     Identity identity_;
-    LazyStatic<std::string> toolTip_;
-    LazyStatic<unsigned> version_;
-    LazyStatic<ProcessorDispatchPolicy> dispatchPolicy_;
+    core::LazyStatic<std::string> toolTip_;
+    core::LazyStatic<unsigned> version_;
+    core::LazyStatic<ProcessorDispatchPolicy> dispatchPolicy_;
 };
 
 /// A level 3 class has its kernels, and may be forced to an instruction set.

@@ -77,6 +77,10 @@ public:
     SubImageSplit(Ptr<const image::BaseImage> image, const PlanList& plans) : image_{std::move(image)}, plans_{plans} {}
     void assign(Child& child, std::size_t i) const
     {
+        if (!image_) {
+            child.template set<A>(nullptr); // an optional image that is not there
+            return;
+        }
         // An image of one plan is its own sub image.
         const image::ImageGeometry& size = image_->getGeometry();
         const bool whole = size.c == 1 && size.t == 1 && (A::kind == image::ePlanKind::ePK_Volume3d || size.z == 1);
@@ -104,27 +108,37 @@ private:
 template <class Child, class A>
 using DynamicNoSplit = StaticNoSplit<Child, A>;
 
+/// Makes an empty result.
+template <class Result>
+struct DefaultCreation
+{
+    Ptr<Result> operator()() const { return makePtr<Result>(); }
+};
+
 /// A result of its own for every child, which stays in `results` for the merge.
-template <class Child, class A>
+template <class Child, class A, class Creation = DefaultCreation<typename A::Value>>
 class StaticResultSplit
 {
 public:
     using Result = typename A::Value;
 
-    explicit StaticResultSplit(PartialResults<Result>& results) : results_{results} {}
+    explicit StaticResultSplit(PartialResults<Result>& results, Creation create = {})
+        : results_{results}, create_{std::move(create)}
+    {}
     void assign(Child& child, std::size_t i) const
     {
-        results_[i] = makePtr<Result>();
+        results_[i] = create_();
         child.template set<A>(results_[i]);
     }
 
 private:
     PartialResults<Result>& results_;
+    Creation create_;
 };
 
 /// A fresh partial result for every strip.
-template <class Child, class A>
-using DynamicByCreationResultSplit = StaticResultSplit<Child, A>;
+template <class Child, class A, class Creation = DefaultCreation<typename A::Value>>
+using DynamicByCreationResultSplit = StaticResultSplit<Child, A, Creation>;
 
 /// The strips of a sub image.
 template <class Child, class Image, class A>

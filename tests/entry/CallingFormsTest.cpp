@@ -286,7 +286,7 @@ class Parent final : public Slow
 {
     core::ProcessingResult runDerived(const RunContext& context) override
     {
-        return makeDynamicDispatcher<Slow>(ePriority::eP_Normal, 100)->process(context);
+        return makeDynamicDispatcher<Slow>(ePriority::eP_Normal, getDispatchPolicy(), 100)->process(context);
     }
 };
 

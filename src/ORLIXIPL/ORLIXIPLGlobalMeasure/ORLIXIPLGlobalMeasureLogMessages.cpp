@@ -1,5 +1,7 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/ORLIXIPLGlobalMeasureLogMessages.hpp>
 
+#include <framework/core/LazyStatic.hpp>
+
 #include <log4cplus/logger.h>
 
 namespace orlix::imaproc::glbmsr
@@ -14,20 +16,23 @@ constexpr const char* library = core::MessageMap<eORLIXIPLGlobalMeasureMessage>:
 
 const std::string& getORLIXIPLGlobalMeasureLoggerName()
 {
-    static const std::string name = core::getBaseLoggerName() + "." + library;
-    return name;
+    static boost::mutex mutex;
+    static core::LazyStatic<std::string> name;
+    return name.get(mutex, [] { return core::getBaseLoggerName() + "." + library; });
 }
 
 const log4cplus::Logger& getORLIXIPLGlobalMeasureLogger()
 {
-    static const log4cplus::Logger logger = core::getLibraryLogger(library);
-    return logger;
+    static boost::mutex mutex;
+    static core::LazyStatic<log4cplus::Logger> logger;
+    return logger.get(mutex, [] { return core::getLibraryLogger(library); });
 }
 
 core::LogMessageManager& getORLIXIPLGlobalMeasureLogMessageManager()
 {
-    static core::LogMessageManager& manager = core::LogMessageManager::getInstance(library);
-    return manager;
+    static boost::mutex mutex;
+    static core::LazyStatic<core::LogMessageManager*> manager;
+    return *manager.get(mutex, [] { return &core::LogMessageManager::getInstance(library); });
 }
 
 } // namespace orlix::imaproc::glbmsr

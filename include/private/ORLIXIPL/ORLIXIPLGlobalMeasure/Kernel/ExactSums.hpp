@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Pack.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
 
 /// Sums and sums of squares of integer pixels, exact whatever their number. Pixels of either sign are brought to one
 /// canonical type per width by flipping their highest bit: y = x - bias.
@@ -9,8 +10,6 @@ namespace orlix::imaproc::glbmsr
 
 namespace
 {
-
-using Int128 = __int128;
 
 template <class T>
 inline constexpr bool isSigned = T(-1) < T(0);

@@ -5,6 +5,9 @@
 namespace orlix::imaproc::glbmsr
 {
 
+/// Holds any sum of pixels or of their squares.
+__extension__ using Int128 = __int128;
+
 /// Pixels that lie gapless in memory.
 template <class T>
 struct Run

@@ -1,9 +1,9 @@
 // The statistics kernels, once for every pixel type and instruction set.
 //
-// Integers: everything is exact until the end of the run, where sum and sum of squares are rounded to double once; so
+// Integers: everything is exact until the end of the strip, where sum and sum of squares are rounded to double once; so
 // all instruction sets give the same bits.
-// Float: pixel i is added, in double, to lane i mod 16, whatever the width of the registers, and the square of a float
-// is exact in double; so all vector sets give the same bits.
+// Float: pixel i of the strip is added, in double, to lane i mod 16, whatever the width of the registers and the cut into
+// runs, and the square of a float is exact in double; so all vector sets give the same bits.
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/ExactSums.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsKernels.hpp>
@@ -113,8 +113,8 @@ void accumulateIntegers(Run<T> run, Moments& m)
         totals.sumSq -= extra * last * last;
     }
     const Int128 n = run.size;
-    m.sum += double(totals.sum + n * bias<T>);
-    m.sumSq += double(totals.sumSq + 2 * Int128{bias<T>} * totals.sum + n * bias<T> * bias<T>);
+    m.sum += totals.sum + n * bias<T>;
+    m.sumSq += totals.sumSq + 2 * Int128{bias<T>} * totals.sum + n * bias<T> * bias<T>;
 }
 
 /// In the order of the pixels, so that a NaN stays until the next number replaces it.
@@ -126,27 +126,38 @@ ORLIX_KERNEL void widenInOrder(Run<T> run, Moments& m)
     }
 }
 
+/// Pixels that fill no block of lanes, each added to its own.
+ORLIX_KERNEL void accumulateOneByOne(Run<float> run, Moments& m)
+{
+    for (std::size_t i = 0; i < run.size; ++i) {
+        const double x = run.pixels[i];
+        m.laneSums[m.position % Moments::lanes] += x;
+        m.laneSquares[m.position % Moments::lanes] += x * x;
+        ++m.position;
+    }
+    widenInOrder(run, m);
+}
+
+/// Blocks of lanes; the first pixel belongs to lane 0.
 template <Domain::domain D>
-void accumulateFloats(Run<float> run, Moments& m)
+ORLIX_KERNEL void accumulateBlocks(Run<float> run, Moments& m)
 {
     using Doubles = Pack<double, D>;
     using Floats = Pack<float, D>;
     using Half = typename PackOf<float, packBytes<D> / 2>::Type;
-    constexpr std::size_t step = 16;
-    constexpr std::size_t doubles = step / lanes<double, D>;
-    constexpr std::size_t floats = step / lanes<float, D>;
+    constexpr std::size_t doubles = Moments::lanes / lanes<double, D>;
+    constexpr std::size_t floats = Moments::lanes / lanes<float, D>;
 
-    Doubles sum[doubles]{};
-    Doubles sumSq[doubles]{};
+    Doubles sum[doubles];
+    Doubles sumSq[doubles];
+    __builtin_memcpy(sum, m.laneSums, sizeof sum);
+    __builtin_memcpy(sumSq, m.laneSquares, sizeof sumSq);
     Floats lo[floats];
     Floats hi[floats];
     for (std::size_t k = 0; k < floats; ++k) {
-        lo[k] = splat<Floats>(__builtin_inff());
-        hi[k] = -lo[k];
+        lo[k] = hi[k] = load<Floats>(run.pixels + k * lanes<float, D>);
     }
-    const float* pixels = run.pixels;
-    const float* const end = run.pixels + run.size / step * step;
-    for (; pixels != end; pixels += step) {
+    for (const float* pixels = run.pixels; pixels != run.pixels + run.size; pixels += Moments::lanes) {
 #pragma GCC unroll 8
         for (std::size_t k = 0; k < doubles; ++k) {
             const auto x = __builtin_convertvector(load<Half>(pixels + k * lanes<double, D>), Doubles);
@@ -160,37 +171,38 @@ void accumulateFloats(Run<float> run, Moments& m)
             hi[k] = most(hi[k], x);
         }
     }
+    __builtin_memcpy(m.laneSums, sum, sizeof sum);
+    __builtin_memcpy(m.laneSquares, sumSq, sizeof sumSq);
+    m.position += run.size;
 
-    double sums[step];
-    double squares[step];
-    float los[step];
-    float his[step];
-    __builtin_memcpy(sums, sum, sizeof sums);
-    __builtin_memcpy(squares, sumSq, sizeof squares);
+    float los[Moments::lanes];
+    float his[Moments::lanes];
     __builtin_memcpy(los, lo, sizeof los);
     __builtin_memcpy(his, hi, sizeof his);
-    for (std::size_t k = 0; k < run.size % step; ++k) {
-        const float x = end[k];
-        sums[k] += x;
-        squares[k] += double(x) * x;
-        los[k] = los[k] < x ? los[k] : x;
-        his[k] = his[k] > x ? his[k] : x;
+    double total = 0;
+    for (const double lane : m.laneSums) {
+        total += lane;
     }
-    for (std::size_t width = step / 2; width != 0; width /= 2) {
-        for (std::size_t k = 0; k < width; ++k) {
-            sums[k] += sums[k + width];
-            squares[k] += squares[k + width];
-        }
-    }
-    m.sum += sums[0];
-    m.sumSq += squares[0];
-    if (sums[0] != sums[0]) {
+    if (total != total) {
         widenInOrder(run, m); // a NaN, perhaps: lanes would lose track of what came after it
         return;
     }
-    for (std::size_t k = 0; k < step && k < run.size; ++k) {
+    for (std::size_t k = 0; k < Moments::lanes; ++k) {
         widen(m, los[k], his[k]);
     }
+}
+
+template <Domain::domain D>
+void accumulateFloats(Run<float> run, Moments& m)
+{
+    const std::size_t toLane0 = (Moments::lanes - m.position % Moments::lanes) % Moments::lanes;
+    const std::size_t head = toLane0 < run.size ? toLane0 : run.size;
+    const std::size_t blocks = (run.size - head) / Moments::lanes * Moments::lanes;
+    accumulateOneByOne({run.pixels, head}, m);
+    if (blocks != 0) {
+        accumulateBlocks<D>({run.pixels + head, blocks}, m);
+    }
+    accumulateOneByOne({run.pixels + head + blocks, run.size - head - blocks}, m);
 }
 
 /// The generic domain: one pixel after the other.
@@ -200,8 +212,8 @@ void accumulateGeneric(Run<T> run, Moments& m)
     if constexpr (isFloat<T>) {
         for (std::size_t i = 0; i < run.size; ++i) {
             const double x = run.pixels[i];
-            m.sum += x;
-            m.sumSq += x * x;
+            m.laneSums[0] += x;
+            m.laneSquares[0] += x * x;
         }
         widenInOrder(run, m);
     } else {
@@ -224,8 +236,8 @@ void accumulateGeneric(Run<T> run, Moments& m)
             totals.sumSq += Int128(sumSq);
         }
         widen(m, min, max);
-        m.sum += double(totals.sum);
-        m.sumSq += double(totals.sumSq);
+        m.sum += totals.sum;
+        m.sumSq += totals.sumSq;
     }
 }
 

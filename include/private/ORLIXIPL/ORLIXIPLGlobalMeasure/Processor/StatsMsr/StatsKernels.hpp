@@ -6,13 +6,18 @@
 namespace orlix::imaproc::glbmsr
 {
 
-/// What a statistics kernel accumulates over the runs of a strip.
+/// What a statistics kernel accumulates over the runs of a strip. It does not matter how the strip is cut into runs.
 struct Moments
 {
-    double sum;
-    double sumSq;
-    double min;
+    static constexpr std::size_t lanes = 16;
+
+    double min; ///< minimum and maximum start where the caller wants them, the rest at 0
     double max;
+    Int128 sum;   ///< of integer pixels
+    Int128 sumSq;
+    std::size_t position;       ///< float pixels so far
+    double laneSums[lanes];     ///< float pixel i is added to lane i mod 16; the generic kernel uses lane 0 alone
+    double laneSquares[lanes];
 };
 
 template <class T>

@@ -13,6 +13,17 @@
 namespace orlix::imaproc::glbmsr
 {
 
+/// In pairs, then pairs of pairs, ...: an order that does not depend on the instruction set.
+inline double addLanes(double (&lane)[Moments::lanes])
+{
+    for (std::size_t width = Moments::lanes / 2; width != 0; width /= 2) {
+        for (std::size_t k = 0; k < width; ++k) {
+            lane[k] += lane[k + width];
+        }
+    }
+    return lane[0];
+}
+
 template <class Self, class Strip>
 void StatsStrip<Self, Strip>::functionRegistration(AlgorithmFunctionSelector& selector)
 {
@@ -31,15 +42,22 @@ template <class T, core::eInstructionSet::domain D>
 core::ProcessingResult StatsStrip<Self, Strip>::genericProcessFunction(ProcessingInfo info)
 {
     StatsResult& result = this->template value<OutStatsResult>();
-    Moments moments{result.Sum, sumSq_, result.Min, result.Max};
+    Moments moments{};
+    moments.min = result.Min;
+    moments.max = result.Max;
     const auto kernel = kernelOf<T>(statsKernels<D>());
     for (std::size_t i = 0; i < info.nbRuns(); ++i) {
         kernel({this->getParser(0).template run<T>(i, info.rowSize), info.rowSize}, moments);
     }
-    result.Sum = moments.sum;
+    if constexpr (std::is_floating_point_v<T>) {
+        result.Sum = addLanes(moments.laneSums);
+        sumSq_ = addLanes(moments.laneSquares);
+    } else {
+        result.Sum = static_cast<double>(moments.sum);
+        sumSq_ = static_cast<double>(moments.sumSq);
+    }
     result.Min = moments.min;
     result.Max = moments.max;
-    sumSq_ = moments.sumSq;
     return {};
 }
 

@@ -9,9 +9,10 @@
 /// What the statistics measures share. One pass over the pixels gives number, sum, mean, minimum, maximum and standard
 /// deviation; the measures differ in how much of the image one result covers.
 ///
-/// Integer results are the same bits on every instruction set; so are minima and maxima of float images. Sums, means
-/// and standard deviations of float images are the same bits on every vector instruction set; the generic kernel adds
-/// in another order and may differ from them by the rounding of double additions.
+/// Neither threads nor the layout of the pixels in memory change a bit of a result. Integer images give the same bits
+/// on every instruction set, float images on every vector instruction set; there the generic kernel adds in another
+/// order, so that sum, mean and standard deviation may differ by the rounding of double additions, and a minimum or
+/// maximum of zero by its sign.
 namespace orlix::imaproc::glbmsr
 {
 
