@@ -73,9 +73,11 @@ void statistics(benchmark::State& state)
     const auto measure = [&] { benchmark::DoNotOptimize(statsMsr(image)); };
 #ifdef ORLIX_BENCH_OPENCV
     cv::setNumThreads(static_cast<int>(threads != 0 ? threads : core::settings::getNbThreads()));
-    compare(state, image->getRow(0), size, measure, [&] { runPeer(*image); }, peerType(image->getType()) >= 0);
+    compare(
+        state, image->getRow(0), size, measure, [&] { runPeer(*image); }, peerType(image->getType()) >= 0);
 #else
-    compare(state, image->getRow(0), size, measure, [] {}, false);
+    compare(
+        state, image->getRow(0), size, measure, [] {}, false);
 #endif
     core::settings::setNbThreads(0);
 }
@@ -100,8 +102,8 @@ void manyPlans(benchmark::State& state)
         benchmark::DoNotOptimize(multiSlice_statsMsr2d(image));
     }
     core::settings::setNbThreads(0);
-    state.counters["per_plan"] = benchmark::Counter(10000, benchmark::Counter::kIsIterationInvariantRate |
-                                                               benchmark::Counter::kInvert);
+    state.counters["per_plan"] =
+        benchmark::Counter(10000, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 /// Buffer sizes that fit the L2 cache, the L3 cache and neither; one thread and all.

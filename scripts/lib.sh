@@ -31,11 +31,21 @@ missing_packages() {
     done
 }
 
-# Installs what is missing. A stamp of the list spares later calls even the question.
+# Takes a lock until the shell ends or unlock is called; says so when another call keeps it for long.
+lock() {
+    exec 9>"$1"
+    flock -w 1 9 || {
+        say "waiting for another call that is installing or building"
+        flock 9
+    }
+}
+unlock() { exec 9>&-; }
+
+# Installs what is missing of a list. A stamp that is newer than the list spares later calls even the question.
 need_packages() {
-    local list=$1 stamp
-    stamp=$build/.packages-$(basename "$list" .txt)-$(cksum <"$list" | cut -d' ' -f1)
-    [ -e "$stamp" ] && return
+    local list=$root/scripts/packages-$1.txt stamp=$build/.packages-$1
+    [ "$stamp" -nt "$list" ] && return
+    lock "$build/.lock"
     local missing
     missing=$(missing_packages "$list" | tr '\n' ' ')
     if [ -n "$missing" ]; then
@@ -46,6 +56,7 @@ need_packages() {
             $sudo bash -c "export DEBIAN_FRONTEND=noninteractive; apt-get update && apt-get install -y --no-install-recommends $missing"
     fi
     touch "$stamp"
+    unlock
 }
 
 # Builds targets of a preset: only what is stale, and one call at a time.
@@ -53,11 +64,10 @@ build_preset() {
     local preset=$1 dir=$build/$1
     shift
     mkdir -p "$dir"
-    exec 9>"$dir/.lock"
-    flock 9
+    lock "$dir/.lock"
     if [ ! -e "$dir/build.ninja" ]; then
         quietly "configuring $preset" "$dir/configure.log" cmake --preset "$preset" -S "$root"
     fi
     quietly "building $preset, which takes some minutes from clean" "$dir/build.log" ninja -C "$dir" "$@"
-    exec 9>&-
+    unlock
 }

@@ -137,8 +137,11 @@ Axes fromImageJ(const PageFacts& facts)
 /// Enters the pages of one TiffData element.
 void placePages(const PageFacts& facts, const pugi::xml_node& data, const std::vector<Level>& levels, Axes& axes)
 {
-    const std::string file = data.child("UUID").attribute("FileName").as_string(facts.fileName.c_str());
-    if (file != facts.fileName) {
+    const pugi::xml_node uuid = data.child("UUID");
+    const std::string file = uuid.attribute("FileName").as_string(facts.fileName.c_str());
+    // A file that was renamed still has its own identifier.
+    const std::string own = data.root().child("OME").attribute("UUID").as_string();
+    if (file != facts.fileName && (own.empty() || own != uuid.text().as_string())) {
         refuseOme(facts, "place planes in another file, " + file);
     }
     const bool onePage = !data.attribute("IFD").empty();
@@ -173,7 +176,11 @@ Axes fromOme(const PageFacts& facts)
     if (!document.load_string(facts.description.c_str())) {
         refuseOme(facts, "are no XML");
     }
-    const pugi::xml_node pixels = document.child("OME").child("Image").child("Pixels");
+    const pugi::xml_node first = document.child("OME").child("Image");
+    if (first.next_sibling("Image")) {
+        refuseOme(facts, "describe several images");
+    }
+    const pugi::xml_node pixels = first.child("Pixels");
     const std::string order = pixels.attribute("DimensionOrder").as_string();
     if (order.size() != 5 || order.rfind("XY", 0) != 0) {
         refuseOme(facts, "lack a DimensionOrder");

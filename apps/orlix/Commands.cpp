@@ -230,6 +230,21 @@ void refuseUnknown(int argc, const char* const* argv)
     }
 }
 
+/// Runs a verb; whatever goes wrong in a measure names the file, and the instruction set where one is forced.
+Report runNamed(const Verb& verb, const Options& options)
+{
+    try {
+        return verb.run(options);
+    } catch (const FileError&) {
+        throw;
+    } catch (const UsageError&) {
+        throw;
+    } catch (...) {
+        const std::string forced = options.isa.empty() ? "" : " (--isa " + options.isa + ")";
+        throw FileError{options.image + ": " + core::describeCurrentException() + forced};
+    }
+}
+
 std::string run(int argc, const char* const* argv)
 {
     refuseUnknown(argc, argv);
@@ -254,7 +269,7 @@ std::string run(int argc, const char* const* argv)
     const Verb& verb =
         *std::find_if(std::begin(verbs), std::end(verbs), [&](const Verb& v) { return v.name == chosen; });
     applySettings(options);
-    Report report = verb.run(options);
+    Report report = runNamed(verb, options);
     if (options.json) {
         return printJson(report);
     }

@@ -164,6 +164,9 @@ private:
         if (std::filesystem::is_directory(status)) {
             fail(std::strerror(EISDIR));
         }
+        if (!std::filesystem::is_regular_file(status)) {
+            fail("it is no regular file");
+        }
         if (!std::ifstream{path_, std::ios::binary}) {
             fail(std::strerror(errno));
         }
@@ -194,13 +197,14 @@ private:
         return page;
     }
 
-    /// Lists the directories that hold pages of full resolution; all must be alike.
-    void listPages(std::string& description)
+    /// Lists the directories that hold pages of full resolution; all must be alike. A file that has nothing but
+    /// reduced pages or masks is taken as it is.
+    void listPages(std::string& description, std::uint32_t passedOver = FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)
     {
         for (tdir_t directory = 0;; ++directory) {
             std::uint32_t kind = 0;
             TIFFGetFieldDefaulted(tiff_.get(), TIFFTAG_SUBFILETYPE, &kind);
-            if (directory == 0 || (kind & FILETYPE_REDUCEDIMAGE) == 0) {
+            if ((kind & passedOver) == 0) {
                 const Page page = describePage();
                 if (directories_.empty()) {
                     page_ = page;
@@ -225,6 +229,10 @@ private:
                             " cannot be read: the file is cut short or "
                             "damaged");
             }
+        }
+        if (directories_.empty()) {
+            TIFFSetDirectory(tiff_.get(), 0);
+            listPages(description, 0);
         }
         if (page_.x == 0 || page_.y == 0 || page_.samples == 0) {
             fail("it states a size of 0");
@@ -269,7 +277,17 @@ private:
         TIFFGetFieldDefaulted(tiff_.get(), TIFFTAG_COMPRESSION, &compression);
         hidden_ = directories_.size() == 1 && images > 1 && compression == COMPRESSION_NONE && page_.samples == 1 &&
                   page_.bits >= 8 && TIFFIsTiled(tiff_.get()) == 0;
-        return hidden_ ? images : directories_.size();
+        if (!hidden_) {
+            return directories_.size();
+        }
+        const std::size_t size = std::size_t{page_.x} * page_.y * page_.bits / 8;
+        const std::size_t offset = TIFFGetStrileOffset(tiff_.get(), 0);
+        const std::size_t available = std::filesystem::file_size(path_);
+        if (offset > available || (available - offset) / size < images) {
+            fail("it states " + std::to_string(images) + " ImageJ images, but holds pixels for " +
+                 std::to_string(offset > available ? 0 : (available - offset) / size) + ": the file is cut short");
+        }
+        return images;
     }
 
     void readRaw(std::size_t page, const Target& target)
@@ -354,10 +372,16 @@ private:
         if (width == 0 || height == 0 || bytes <= 0 || rowBytes < packedBytes(width, samples)) {
             failReading("page " + std::to_string(page) + " has tiles that do not fit its size");
         }
-        for (std::uint32_t y = 0; y < geometry_.y; y += height) {
-            for (std::uint32_t x = 0; x < geometry_.x; x += width) {
+        constexpr tmsize_t largestTile = tmsize_t{1} << 30;
+        if (bytes > largestTile) {
+            fail("page " + std::to_string(page) + " has tiles of " + std::to_string(bytes) +
+                 " bytes: convert it to tiles of at most 1 GiB");
+        }
+        for (std::size_t y = 0; y < geometry_.y; y += height) {
+            for (std::size_t x = 0; x < geometry_.x; x += width) {
                 std::byte* const buffer = scratch(static_cast<std::size_t>(bytes));
-                if (TIFFReadTile(tiff_.get(), buffer, x, y, 0, static_cast<std::uint16_t>(sample)) != bytes) {
+                if (TIFFReadTile(tiff_.get(), buffer, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), 0,
+                                 static_cast<std::uint16_t>(sample)) != bytes) {
                     failPixels(page);
                 }
                 const std::size_t columns = std::min<std::size_t>(width, geometry_.x - x);
@@ -403,10 +427,11 @@ private:
 
     std::byte* scratch(std::size_t bytes)
     {
-        if (scratch_.size() < bytes) {
-            scratch_.resize(bytes);
+        if (scratchSize_ < bytes) {
+            scratch_ = std::make_unique_for_overwrite<std::byte[]>(bytes); // touched only where pixels come
+            scratchSize_ = bytes;
         }
-        return scratch_.data();
+        return scratch_.get();
     }
 
     std::string path_;
@@ -418,7 +443,8 @@ private:
     eImageBufferType type_ = eImageBufferType::eIBT_UInt8;
     Axes axes_;
     image::ImageGeometry geometry_;
-    std::vector<std::byte> scratch_;
+    std::unique_ptr<std::byte[]> scratch_;
+    std::size_t scratchSize_ = 0;
 };
 
 TiffFile::TiffFile(const std::string& path, const std::string& pages) : reader_{std::make_unique<Reader>(path, pages)}

@@ -114,8 +114,9 @@ public:
     core::ProcessingResult read(const std::string& key, Ptr<Object>& object)
     {
         Ptr<BaseDynamicObject> any;
-        core::ProcessingResult result = readObject(
-            key, any, [](const BaseDynamicObject& created) { return dynamic_cast<const Object*>(&created) != nullptr; });
+        core::ProcessingResult result = readObject(key, any, [](const BaseDynamicObject& created) {
+            return dynamic_cast<const Object*>(&created) != nullptr;
+        });
         object = boost::dynamic_pointer_cast<Object>(any);
         return result;
     }

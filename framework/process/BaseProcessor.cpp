@@ -180,8 +180,8 @@ ProcessingResult BaseProcessor::read(data::InputArchive& archive)
         {
             const auto section = archive.openSection("attributes");
             if (!section) {
-                return ProcessingResult::failure(core::formatMessage(data::eSerializationMessage::eSM_MissingKey,
-                                                                     "attributes", "a section"));
+                return ProcessingResult::failure(
+                    core::formatMessage(data::eSerializationMessage::eSM_MissingKey, "attributes", "a section"));
             }
             // A processor that was never initialised wrote no attributes, and reads none.
             const bool written = !archive.getKeys().empty();

@@ -85,7 +85,8 @@ private:
     std::tuple<Splits...> splits_;
 };
 
-/// Children that are known in advance, one per plan; they take over the policy. `childBytes` is the size of one plan's pixels.
+/// Children that are known in advance, one per plan; they take over the policy. `childBytes` is the size of one plan's
+/// pixels.
 template <class Child, class... Splits>
 Ptr<ActionProvider> makeStaticDispatcher(ePriority priority, const ProcessorDispatchPolicy& policy,
                                          std::size_t children, std::size_t childBytes, Splits... splits)

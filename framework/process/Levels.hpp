@@ -131,10 +131,10 @@ protected:
         cut_.emplace(Strip::getNbElements(image), Strip::getElementPixels(image) * image.getPixelSize(),
                      this->getDispatchPolicy().stripBytes);
         results_.resize(cut_->size());
-        provider =
-            makeDynamicDispatcher<Child>(priority, this->getDispatchPolicy(), cut_->size(), DynamicByCreationResultSplit<Child, Output>{results_},
-                                         detail::splitByStrip<Child, typename Inputs::Source, typename Inputs::Target>(
-                                             this->template attribute<typename Inputs::Source>(), *cut_)...);
+        provider = makeDynamicDispatcher<Child>(
+            priority, this->getDispatchPolicy(), cut_->size(), DynamicByCreationResultSplit<Child, Output>{results_},
+            detail::splitByStrip<Child, typename Inputs::Source, typename Inputs::Target>(
+                this->template attribute<typename Inputs::Source>(), *cut_)...);
         return {};
     }
 

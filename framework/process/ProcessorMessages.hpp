@@ -21,7 +21,7 @@ enum class eProcessorMessage : unsigned
     eAlreadyRunning = 10,     ///< processor
     eException = 11,          ///< processor, text of the exception
     eRunWithoutInit = 12,     ///< processor
-    eNotShared = 14,     ///< processor
+    eNotShared = 14,          ///< processor
     eUnequalStrips = 13,      ///< processor
     eUninitialisedAccess = 33 ///< processor
 };

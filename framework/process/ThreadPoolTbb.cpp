@@ -53,9 +53,8 @@ tbb::task_arena& getArena(unsigned threads, ePriority priority, Caller caller)
 ThreadPool& ThreadPool::getInstance()
 {
     // oneTBB keeps one worker less than there are processors, counting on the caller; nobody helps an asynchronous run.
-    static const tbb::global_control oneMore{
-        tbb::global_control::max_allowed_parallelism,
-        static_cast<std::size_t>(tbb::info::default_concurrency()) + 1};
+    static const tbb::global_control oneMore{tbb::global_control::max_allowed_parallelism,
+                                             static_cast<std::size_t>(tbb::info::default_concurrency()) + 1};
     static ThreadPool pool;
     return pool;
 }

@@ -316,7 +316,7 @@ TEST_F(CommandTest, ReadsAStackBehindOnePage)
                                         .bits = 16,
                                         .rowsPerStrip = height,
                                         .description = "ImageJ=1.53\nimages=3\nslices=3\n"});
-        EXPECT_NE(run({"stats", file}).error.find("image 1 are missing"), std::string::npos);
+        EXPECT_NE(run({"stats", file}).error.find("states 3 ImageJ images, but holds pixels for 1"), std::string::npos);
 
         // The same file with its pixels at the end, three times over.
         std::string bytes = readBytes(file);
@@ -432,6 +432,7 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         {{"stats", writeBytes("text.tif", "hello, world")}, 1, "text.tif: it is no TIFF file"},
         {{"stats", writeBytes("empty.tif", "")}, 1, "empty.tif: it is no TIFF file"},
         {{"stats", cut}, 1, "cut.tif"},
+        {{"stats", good, "--isa", "avx"}, 1, "--isa avx"},
         {{"stats", odd}, 1, "odd.tif: 64-bit float pixels are not supported: convert the image to float32"},
         {{"stats", imagej}, 1, "ij.tif states 6 ImageJ images, but has 4 pages"},
         {{"stats", ome}, 1, "ome.tif: its OME axes want 2 pages, where there are 1"},
@@ -461,7 +462,9 @@ TEST_F(CommandTest, SurvivesDamagedFiles)
         std::string bytes = whole;
         bytes[generator() % bytes.size()] = static_cast<char>(generator());
         const Outcome outcome = run({"stats", writeBytes("turned.tif", bytes)});
+        EXPECT_TRUE(outcome.status == 0 || outcome.status == 1);
         EXPECT_EQ(outcome.status == 0, outcome.error.empty());
+        EXPECT_NE(outcome.status == 0, outcome.output.empty());
     }
 }
 

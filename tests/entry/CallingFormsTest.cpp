@@ -9,6 +9,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <set>
 #include <thread>
 
 namespace orlix::test
@@ -137,6 +138,35 @@ TEST(CallingForms, ASuppliedCollectionHasTheImagesPlans)
     EXPECT_EQ(run({{0, 0, 0}, {2, 0, 0}}, eProcessorRulePolicy::eRP_NoRules), "191.000000");
     EXPECT_NE(run({{0, 0, 0}, {3, 0, 0}}, eProcessorRulePolicy::eRP_NoRules).find("no plan (3, 0, 0)"),
               std::string::npos);
+}
+
+// The plans of a 3d measure are the volumes.
+TEST(CallingForms, ASuppliedCollectionHasTheImagesVolumes)
+{
+    for (const unsigned channels : {2u, 3u}) {
+        auto collection = makePtr<PlanIndexedStatsResult>();
+        for (unsigned c = 0; c < channels; ++c) {
+            collection->insert({0, c, 0}, makePtr<StatsResult>());
+        }
+        auto processor = makePtr<StatsMsr3dLvl1>();
+        ASSERT_TRUE(processor->init(eProcessorRulePolicy::eRP_CheckRules));
+        processor->set<InImg3d>(makeRamp({4, 4, 3, 2}));
+        processor->set<OutPIStatsResult>(collection);
+        EXPECT_EQ(static_cast<bool>(processor->run(eSynchroType::eST_Synchronous)), channels == 2);
+    }
+}
+
+// A strip that its image does not have is refused before a pixel is read.
+TEST(Processor, RefusesAStripOutsideTheImage)
+{
+    const auto strip = makePtr<StatsMsr2dLvl3>();
+    ASSERT_TRUE(strip->init(eProcessorRulePolicy::eRP_CheckRules));
+    constexpr auto far = std::numeric_limits<std::size_t>::max();
+    for (const auto& [first, count] : {std::pair<std::size_t, std::size_t>{0, 5}, {4, 1}, {5, 0}, {far, 2}, {1, far}}) {
+        strip->set<InYStrip2d>({makeRamp({4, 4}), first, count});
+        EXPECT_NE(strip->run(eSynchroType::eST_Synchronous).getMessage().find("but the image has 4 rows"),
+                  std::string::npos);
+    }
 }
 
 TEST(Processor, IsLookedUpByNameAndUsedThroughItsBase)
@@ -281,6 +311,22 @@ private:
 };
 Gate* Slow::gate = nullptr;
 
+/// Takes an image; its run throws.
+class Throwing final : public Slow
+{
+public:
+    core::ProcessingResult initDerived(AttributeColl& attributes, ProcessorDispatchPolicy&, Rule&,
+                                       eProcessorRulePolicy) override
+    {
+        attributes.push_back(&input_);
+        return {};
+    }
+    core::ProcessingResult runDerived(const RunContext&) override { throw std::runtime_error{"thrown inside"}; }
+
+private:
+    InImg input_;
+};
+
 /// Runs 100 slow children.
 class Parent final : public Slow
 {
@@ -292,12 +338,55 @@ class Parent final : public Slow
 
 } // namespace
 
+// What a run throws is its result; an image without pixels does not even reach it.
+TEST(Processor, TurnsExceptionsIntoResults)
+{
+    Throwing processor;
+    ASSERT_TRUE(processor.init(eProcessorRulePolicy::eRP_CheckRules));
+    BaseProcessor& base = processor;
+    base.set<InImg>(makeRamp({2, 2}));
+    EXPECT_EQ(base.run(eSynchroType::eST_Synchronous).getMessage(), "Slow: thrown inside");
+    base.set<InImg>(makeRamp({2, 2, 0}));
+    EXPECT_EQ(base.run(eSynchroType::eST_Synchronous).getMessage(),
+              "Slow: InImg is empty (2 x 2 x 0 x 1 x 1 (x, y, z, c, t)): an image with pixels is needed");
+    EXPECT_FALSE(base.isRunning());
+}
+
+// One thread is the caller's own; any number runs every range once.
+TEST(Executor, KeepsToTheSetting)
+{
+    for (const unsigned threads : {1u, 2u, 5u}) {
+        const Threads setting{threads};
+        std::mutex mutex;
+        std::multiset<std::size_t> met;
+        std::set<std::thread::id> ids;
+        const auto body = [&](std::size_t begin, std::size_t end) {
+            const std::lock_guard lock{mutex};
+            ids.insert(std::this_thread::get_id());
+            for (std::size_t i = begin; i < end; ++i) {
+                met.insert(i);
+            }
+        };
+        executor::parallelFor(1000, 7, ePriority::eP_High, RangeBody{body});
+        EXPECT_EQ(met.size(), 1000u);
+        EXPECT_EQ(std::set<std::size_t>(met.begin(), met.end()).size(), 1000u);
+        EXPECT_LE(ids.size(), threads);
+        EXPECT_TRUE(threads != 1 || *ids.begin() == std::this_thread::get_id());
+    }
+}
+
 // A cancelled run ends before its next strip, and fails.
 TEST(Processor, IsCancelledBetweenStrips)
 {
     Gate gate;
     Slow::gate = &gate;
     auto parent = makePtr<Parent>();
+    Parent alone;
+    ASSERT_TRUE(alone.init(eProcessorRulePolicy::eRP_CheckRules)); // nothing keeps it alive, so it cannot be left alone
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(alone.run(eSynchroType::eST_Asynchronous).getMessage(),
+                  "Slow runs asynchronously only where a shared pointer holds it");
+    }
     ASSERT_TRUE(parent->init(eProcessorRulePolicy::eRP_CheckRules));
     ASSERT_TRUE(parent->run(eSynchroType::eST_Asynchronous));
     gate.waitForOne();
@@ -308,6 +397,7 @@ TEST(Processor, IsCancelledBetweenStrips)
     EXPECT_EQ(parent->wait().getMessage(), "The run was cancelled");
     EXPECT_LE(gate.passed(), static_cast<int>(core::settings::getNbThreads()));
     EXPECT_LT(parent->getProgress(), 1);
+    EXPECT_NEAR(parent->getProgress(), gate.passed() / 100.0, 1e-12);
 
     ASSERT_TRUE(parent->run(eSynchroType::eST_Synchronous)); // and it can run again
     EXPECT_EQ(parent->getProgress(), 1);

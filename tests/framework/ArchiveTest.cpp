@@ -1,5 +1,6 @@
 #include <support/TestImages.hpp>
 
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2dLvl1.hpp>
 #include <framework/attribute/ImageAttributes.hpp>
 #include <framework/attribute/StatsResult.hpp>
 #include <framework/data/Archive.hpp>
@@ -162,7 +163,9 @@ TEST(Archive, DamageIsNamed)
         {"\"x\": 2", "\"y\": 2", "no \"x\" that is a whole number"},
         {"AQAC", "A*AC", "no \"pixels\" that is a text in base64"},
         {"image::BaseImage", "image::Nothing", "class orlix::image::Nothing, which is not known"},
-        {"orlix::image::BaseImage", "orlix::imaproc::attr::StatsResult", "\"NbPixels\""},
+        {"orlix::image::BaseImage", "orlix::imaproc::attr::StatsResult",
+         "\"InImg\" in the archive cannot hold an object of the class orlix::imaproc::attr::StatsResult"},
+        {"\"attributes\": {", "\"else\": {", "no \"attributes\" that is a section"},
         {"\"OutPIStatsResult\": null", "\"OutPIStatsResult\": 5", "\"OutPIStatsResult\""},
         {"\"version\": 1", "\"version\": -1", "\"version\""},
     };
@@ -174,6 +177,51 @@ TEST(Archive, DamageIsNamed)
         EXPECT_EQ(back, nullptr);
         EXPECT_NE(result.getMessage().find(each.message), std::string::npos) << result.getMessage();
     }
+}
+
+// An archive of objects in objects, deeper than any processor's, ends in an error and not in the stack's end.
+TEST(Archive, DepthIsBounded)
+{
+    const std::string head = "{\"class\":\"orlix::imaproc::attr::PlanIndexedStatsResult\",\"size\":1,\"0\":{\"z\":0,"
+                             "\"c\":0,\"t\":0,\"element\":";
+    std::string text = "{\"p\":";
+    for (int i = 0; i < 20000; ++i) {
+        text += head;
+    }
+    text += "null" + std::string(40000, '}') + "}";
+    InputArchive in{text};
+    Ptr<attr::PlanIndexedStatsResult> back;
+    EXPECT_FALSE(in.read("p", back));
+    EXPECT_EQ(back, nullptr);
+}
+
+// A copy or an archive carries the outputs of a run, but the next run makes its own; a supplied output stays.
+TEST(Processor, CopiesMeasureAnew)
+{
+    const auto original = makeProcessor("StatsMsr2dLvl1");
+    original->set<attr::InImg>(makeImage<short>({2, 2}, {1, 2, 3, 4}));
+    executeSyncRun(original);
+    OutputArchive out;
+    ASSERT_TRUE(out.write("p", original.get()));
+    InputArchive in{out.str()};
+    Ptr<BaseProcessor> read;
+    ASSERT_TRUE(in.read("p", read));
+    const auto copy = boost::dynamic_pointer_cast<BaseProcessor>(original->duplicateShared());
+    for (const auto& processor : {copy, read}) {
+        processor->set<attr::InImg>(makeImage<short>({2, 2, 2}, randomValues<short>(8)));
+        executeSyncRun(processor);
+        EXPECT_EQ(processor->getStorage<attr::OutPIStatsResult>()->size(), 2u);
+    }
+    EXPECT_EQ(original->getStorage<attr::OutPIStatsResult>()->size(), 1u);
+
+    const auto free = makePtr<glbmsr::StatsMsr2dLvl1>(); // its copy has no rules, either
+    ASSERT_TRUE(free->init(eProcessorRulePolicy::eRP_NoRules));
+    auto plans = makePtr<attr::PlanIndexedStatsResult>();
+    plans->insert({1, 0, 0}, makePtr<attr::StatsResult>());
+    free->set<attr::OutPIStatsResult>(plans);
+    free->set<attr::InImg>(makeImage<short>({2, 2, 2}, randomValues<short>(8)));
+    const auto freeCopy = boost::dynamic_pointer_cast<BaseProcessor>(free->duplicateShared());
+    EXPECT_TRUE(freeCopy->run(eSynchroType::eST_Synchronous));
 }
 
 TEST(PlanIndexedColl, KeepsTheOrderOfPlans)
@@ -189,6 +237,9 @@ TEST(PlanIndexedColl, KeepsTheOrderOfPlans)
     EXPECT_EQ(collection.getPlan(2), (image::PlanIndex{0, 1, 0}));
     EXPECT_EQ(collection.getPlan(3), (image::PlanIndex{0, 0, 1}));
     EXPECT_EQ(collection.getStorage({1, 1, 1}), nullptr);
+    attr::BasePlanIndexedColl& base = collection;
+    EXPECT_THROW(base.insert({0, 0, 0}, nullptr), core::BaseException);
+    EXPECT_THROW(base.insert({0, 0, 0}, makePtr<attr::PlanIndexedStatsResult>()), core::BaseException);
 }
 
 } // namespace orlix::test

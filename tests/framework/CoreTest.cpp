@@ -1,6 +1,7 @@
 #include <support/TestImages.hpp>
 
 #include <framework/core/Message.hpp>
+#include <framework/process/AlgorithmFunctionSelector.hpp>
 #include <framework/process/BaseProcessingException.hpp>
 #include <framework/process/ProcessorMessages.hpp>
 #include <framework/process/Rule.hpp>
@@ -149,6 +150,28 @@ TEST(Rule, CombinesLikeLogic)
         EXPECT_EQ(result.getMessage(), each.message);
         EXPECT_EQ(static_cast<bool>(result), each.message.empty());
     }
+}
+
+// The best kernel of the forced sets; a class that has generic kernels alone takes no notice.
+TEST(AlgorithmFunctionSelector, TakesTheMostEfficientThatIsForced)
+{
+    using Set = core::eInstructionSet;
+    using image::eImageBufferType;
+    const auto types = [](eImageBufferType type) {
+        return image::DataTypeIdentifierColl{image::ImageBufferTypeIdentifier{type}};
+    };
+    const auto bytes = types(eImageBufferType::eIBT_UInt8);
+    AlgorithmFunctionSelector selector;
+    selector.registerFunction({bytes, Set::eIS_Generic, 1, nullptr});
+    ASSERT_NE(selector.select(bytes, Set::eIS_AVX2), nullptr);
+    EXPECT_EQ(selector.select(types(eImageBufferType::eIBT_Int8), {}), nullptr);
+    selector.registerFunction({bytes, Set::eIS_AVX2, 3, nullptr});
+    selector.registerFunction({bytes, Set::eIS_SSE2, 2, nullptr});
+    EXPECT_EQ(selector.select(bytes, {})->efficiency, 3u);
+    EXPECT_EQ(selector.select(bytes, Set::eIS_SSE2)->efficiency, 2u);
+    EXPECT_EQ(selector.select(bytes, core::InstructionSetsIdentifier{Set::eIS_SSE2} | Set::eIS_Generic)->efficiency,
+              2u);
+    EXPECT_EQ(selector.select(bytes, Set::eIS_AVX), nullptr);
 }
 
 // A set is asked for by every kernel; what has AVX-512 has all that is below it.

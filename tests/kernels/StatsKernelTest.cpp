@@ -51,6 +51,8 @@ void expectReference(const StatsResult& result, const std::vector<T>& values)
         const auto sumSq = static_cast<double>(expected.sumSq);
         EXPECT_EQ(result.Sum, static_cast<double>(expected.sum));
         const double deviation = std::sqrt(sumSq / n - result.Mean * result.Mean);
+        // Not clamped: NaN where rounding makes the variance negative.
+        EXPECT_EQ(std::isnan(result.StdDev), std::isnan(deviation));
         EXPECT_TRUE(result.StdDev == deviation || std::isnan(deviation)) << result.StdDev << " " << deviation;
     } else {
         EXPECT_NEAR(result.Sum, static_cast<double>(expected.sum), 1e-15 * n * static_cast<double>(expected.sumAbs));
@@ -108,6 +110,18 @@ TYPED_TEST(StatsKernel, ExtremesAroundTheBlocks)
                     expectReference(runKernel(set, values), values);
                 }
             }
+        }
+    }
+}
+
+// The variance of five pixels of 3000000001 rounds below zero: 45000000030000000005 / 5 in double, less the square of
+// the mean in double.
+TEST(StatsKernelInteger, ARoundedVarianceBelowZeroIsNaN)
+{
+    const std::vector<unsigned int> values(5, 3000000001u);
+    for (const auto set : allSets) {
+        if (hasKernel<unsigned int>(set)) {
+            EXPECT_TRUE(std::isnan(runKernel(set, values).StdDev)) << core::getName(set);
         }
     }
 }

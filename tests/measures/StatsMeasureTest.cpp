@@ -92,6 +92,22 @@ TYPED_TEST(StatsMeasure, CoversImagePlansAndVolumes)
     }
 }
 
+// However the rows lie in memory, the bits are the same.
+TYPED_TEST(StatsMeasure, DoesNotDependOnTheLayout)
+{
+    using T = TypeParam;
+    const ImageGeometry shape{45, 37, 5};
+    const auto values = randomValues<T>(shape.nbPixels(), 9);
+    for (const auto set : allSets) {
+        if (core::isAvailable(set) && (set != core::eInstructionSet::eIS_AVX || std::is_same_v<T, float>)) {
+            const ForcedSet forced{set};
+            const auto gapless = statsMsr3d(makeStrided(shape, values, false, false, false));
+            EXPECT_TRUE(sameBits(*statsMsr3d(makeStrided(shape, values, true, false, false)), *gapless));
+            EXPECT_TRUE(sameBits(*statsMsr3d(makeStrided(shape, values, true, true, true)), *gapless));
+        }
+    }
+}
+
 // Large enough for many strips, plans and slabs: the same bits for any number of threads and from run to run.
 TYPED_TEST(StatsMeasure, DoesNotDependOnThreads)
 {
@@ -130,6 +146,8 @@ TEST(StatsMeasureValues, OfKnownImages)
     // A constant image has a deviation of 0, or NaN where rounding makes the variance negative.
     const auto constant = statsMsr(makeImage<float>({37, 3}, std::vector<float>(111, 0.1f)));
     EXPECT_TRUE(constant->StdDev < 1e-8 || std::isnan(constant->StdDev)) << constant->StdDev;
+    const auto negative = statsMsr(makeImage<unsigned int>({5, 1}, std::vector<unsigned int>(5, 3000000001u)));
+    EXPECT_TRUE(std::isnan(negative->StdDev)); // a merge does not clamp, either
 }
 
 // Without pixels the mean is NaN and the limits stay where they start.

@@ -1,6 +1,7 @@
 // Loads and unloads the measure library: its classes come and go with it, a first question may come from many threads
 // at once, and dlclose really unloads. This program is not linked to the library.
 
+#include <framework/attribute/ImageAttributes.hpp>
 #include <framework/data/DynamicObjectFactory.hpp>
 #include <framework/process/BaseProcessor.hpp>
 #include <framework/process/ProcessorFactory.hpp>
@@ -64,12 +65,12 @@ TEST(Library, LoadsAndUnloads)
         EXPECT_EQ(answers[0], "Level 1 algorithm: measure of common statistics indicators in an image (mean, max, "
                               "etc.) for each 2d plan");
 
-        // A running processor holds the library: unloading waits for it.
-        const auto processor = ProcessorFactory::getInstance().createProcessor("orlix::imaproc::glbmsr::StatsMsrLvl2");
+        // A run that nobody waits for still uses the library's code: unloading waits for it.
+        auto processor = ProcessorFactory::getInstance().createProcessor("orlix::imaproc::glbmsr::StatsMsrLvl1");
         (void)processor->init(eProcessorRulePolicy::eRP_CheckRules);
-        (void)processor->run(eSynchroType::eST_Asynchronous);
-        (void)processor->wait();
-        const_cast<Ptr<BaseProcessor>&>(processor).reset();
+        processor->set<attr::InImg>(image::BaseImage::create(image::eImageBufferType::eIBT_Float32, {4096, 4096}));
+        ASSERT_TRUE(processor->run(eSynchroType::eST_Asynchronous));
+        processor.reset();
 
         EXPECT_EQ(dlclose(library), 0);
         EXPECT_FALSE(isMapped(name));

@@ -115,6 +115,19 @@ ORLIX_KERNEL Pack<std::uint64_t, D> squareLow(P a)
     }
 }
 
+/// As many floats as there are lanes for doubles. (A compiler's own vector conversion goes through memory.)
+template <Domain::domain D>
+ORLIX_KERNEL Pack<double, D> loadAsDoubles(const float* pixels)
+{
+    if constexpr (D == Domain::eIS_SSE2) {
+        return (Pack<double, D>)_mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64((const __m128i*)pixels)));
+    } else if constexpr (D == Domain::eIS_AVX512) {
+        return (Pack<double, D>)_mm512_cvtps_pd(_mm256_loadu_ps(pixels));
+    } else {
+        return (Pack<double, D>)_mm256_cvtps_pd(_mm_loadu_ps(pixels));
+    }
+}
+
 /// sum + x * x where the product is exact, so that fusing the two changes nothing.
 template <Domain::domain D, class P>
 ORLIX_KERNEL P addSquare(P sum, P x)

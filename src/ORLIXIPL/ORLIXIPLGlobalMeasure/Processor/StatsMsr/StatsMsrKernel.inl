@@ -2,8 +2,8 @@
 //
 // Integers: everything is exact until the end of the strip, where sum and sum of squares are rounded to double once; so
 // all instruction sets give the same bits.
-// Float: pixel i of the strip is added, in double, to lane i mod 16, whatever the width of the registers and the cut into
-// runs, and the square of a float is exact in double; so all vector sets give the same bits.
+// Float: pixel i of the strip is added, in double, to lane i mod 16, whatever the width of the registers and the cut
+// into runs, and the square of a float is exact in double; so all vector sets give the same bits.
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/ExactSums.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsKernels.hpp>
@@ -144,14 +144,15 @@ ORLIX_KERNEL void accumulateBlocks(Run<float> run, Moments& m)
 {
     using Doubles = Pack<double, D>;
     using Floats = Pack<float, D>;
-    using Half = typename PackOf<float, packBytes<D> / 2>::Type;
     constexpr std::size_t doubles = Moments::lanes / lanes<double, D>;
     constexpr std::size_t floats = Moments::lanes / lanes<float, D>;
 
     Doubles sum[doubles];
     Doubles sumSq[doubles];
-    __builtin_memcpy(sum, m.laneSums, sizeof sum);
-    __builtin_memcpy(sumSq, m.laneSquares, sizeof sumSq);
+    for (std::size_t k = 0; k < doubles; ++k) {
+        sum[k] = load<Doubles>(m.laneSums + k * lanes<double, D>);
+        sumSq[k] = load<Doubles>(m.laneSquares + k * lanes<double, D>);
+    }
     Floats lo[floats];
     Floats hi[floats];
     for (std::size_t k = 0; k < floats; ++k) {
@@ -160,7 +161,7 @@ ORLIX_KERNEL void accumulateBlocks(Run<float> run, Moments& m)
     for (const float* pixels = run.pixels; pixels != run.pixels + run.size; pixels += Moments::lanes) {
 #pragma GCC unroll 8
         for (std::size_t k = 0; k < doubles; ++k) {
-            const auto x = __builtin_convertvector(load<Half>(pixels + k * lanes<double, D>), Doubles);
+            const Doubles x = loadAsDoubles<D>(pixels + k * lanes<double, D>);
             sum[k] += x;
             sumSq[k] = addSquare<D>(sumSq[k], x);
         }

@@ -13,10 +13,10 @@ struct Moments
 
     double min; ///< minimum and maximum start where the caller wants them, the rest at 0
     double max;
-    Int128 sum;   ///< of integer pixels
+    Int128 sum; ///< of integer pixels
     Int128 sumSq;
-    std::size_t position;       ///< float pixels so far
-    double laneSums[lanes];     ///< float pixel i is added to lane i mod 16; the generic kernel uses lane 0 alone
+    std::size_t position;   ///< float pixels so far
+    double laneSums[lanes]; ///< float pixel i is added to lane i mod 16; the generic kernel uses lane 0 alone
     double laneSquares[lanes];
 };
 
