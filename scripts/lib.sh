@@ -59,6 +59,13 @@ need_packages() {
     unlock
 }
 
+# Whether nothing that goes into a preset has changed since it was last built with these targets.
+is_fresh() {
+    local stamp=$build/$1/.built-$2
+    [ -e "$stamp" ] && [ -z "$(cd "$root" && find framework include src apps tests cmake CMakeLists.txt CMakePresets.json \
+        -newer "$stamp" -print -quit)" ]
+}
+
 # Builds targets of a preset: only what is stale, and one call at a time.
 build_preset() {
     local preset=$1 dir=$build/$1
@@ -68,6 +75,8 @@ build_preset() {
     if [ ! -e "$dir/build.ninja" ]; then
         quietly "configuring $preset" "$dir/configure.log" cmake --preset "$preset" -S "$root"
     fi
+    touch "$dir/.building"
     quietly "building $preset, which takes some minutes from clean" "$dir/build.log" ninja -C "$dir" "$@"
+    mv "$dir/.building" "$dir/.built-$1"
     unlock
 }
