@@ -41,7 +41,7 @@ private:
 
 /// A collection of Element. Self has `static constexpr const char* typeName`.
 template <class Self, class ElementType>
-class PlanIndexedColl : public BasePlanIndexedColl
+class PlanIndexedColl : public data::DynamicObject<Self, BasePlanIndexedColl>
 {
 public:
     using Element = ElementType;
@@ -55,15 +55,6 @@ public:
     {
         return boost::static_pointer_cast<Element>(BasePlanIndexedColl::getElement(i));
     }
-
-    static const std::string& getTypeName()
-    {
-        static const std::string name = Self::typeName;
-        return name;
-    }
-    const std::string& getClassName() const final { return getTypeName(); }
-    std::unique_ptr<BaseDynamicObject> createNew() const final { return std::make_unique<Self>(); }
-    Ptr<BaseDynamicObject> createShared() const final { return makePtr<Self>(); }
 
 private:
     bool accepts(const data::BaseDataItem& element) const final

@@ -2,7 +2,7 @@
 
 #include <framework/core/Message.hpp>
 #include <framework/data/Archive.hpp>
-#include <framework/data/BaseDynamicObject.hpp>
+#include <framework/data/DynamicObject.hpp>
 
 #include <string>
 #include <tuple>
@@ -30,19 +30,9 @@ Field(const char*, Value Record::*) -> Field<Record, Value>;
 /// A record of plain fields. Self has `static constexpr const char* typeName`, the qualified class name, and `static
 /// auto fields()`, a tuple of Field in the order of declaration; copying and archives follow from them.
 template <class Self>
-class DataItem : public BaseDataItem
+class DataItem : public DynamicObject<Self, BaseDataItem>
 {
 public:
-    static const std::string& getTypeName()
-    {
-        static const std::string name = Self::typeName;
-        return name;
-    }
-
-    const std::string& getClassName() const final { return getTypeName(); }
-    std::unique_ptr<BaseDynamicObject> createNew() const final { return std::make_unique<Self>(); }
-    Ptr<BaseDynamicObject> createShared() const final { return makePtr<Self>(); }
-
     void copy(const BaseDynamicObject& other) final
     {
         core::guarded(ORLIX_HERE, [&] { self() = dynamic_cast<const Self&>(other); });

@@ -150,22 +150,6 @@ Ptr<const BaseImage> BaseImage::getSubImage(const PlanIndex& plan, ePlanKind kin
     return image;
 }
 
-const std::string& BaseImage::getTypeName()
-{
-    static const std::string name = "orlix::image::BaseImage";
-    return name;
-}
-
-std::unique_ptr<data::BaseDynamicObject> BaseImage::createNew() const
-{
-    return std::make_unique<BaseImage>();
-}
-
-Ptr<data::BaseDynamicObject> BaseImage::createShared() const
-{
-    return makePtr<BaseImage>();
-}
-
 void BaseImage::copy(const BaseDynamicObject& other)
 {
     core::guarded(ORLIX_HERE, [&] { *this = dynamic_cast<const BaseImage&>(other); });
@@ -197,10 +181,10 @@ ProcessingResult BaseImage::write(data::OutputArchive& archive) const
 
 ProcessingResult BaseImage::read(data::InputArchive& archive)
 {
-    std::string typeName;
+    std::string pixelType;
     ImageGeometry geometry;
     std::vector<std::byte> pixels;
-    ProcessingResult result = archive.read("type", typeName);
+    ProcessingResult result = archive.read("type", pixelType);
     for (auto [key, side] : {std::pair{"x", &geometry.x}, std::pair{"y", &geometry.y}, std::pair{"z", &geometry.z},
                              std::pair{"c", &geometry.c}, std::pair{"t", &geometry.t}}) {
         if (result) {
@@ -213,9 +197,9 @@ ProcessingResult BaseImage::read(data::InputArchive& archive)
     if (!result) {
         return result;
     }
-    const auto type = findImageBufferType(typeName);
+    const auto type = findImageBufferType(pixelType);
     if (!type) {
-        return ProcessingResult::failure(core::formatMessage(eImageMessage::eIM_UnknownType, typeName));
+        return ProcessingResult::failure(core::formatMessage(eImageMessage::eIM_UnknownType, pixelType));
     }
     const auto bytes = bufferSize(*type, geometry);
     if (!bytes) {
@@ -233,7 +217,7 @@ ProcessingResult BaseImage::read(data::InputArchive& archive)
 
 namespace
 {
-const data::DynamicClassRegistration<BaseImage> registration{BaseImage::getTypeName()};
+const data::DynamicClassRegistration<BaseImage> registration{BaseImage::typeName};
 }
 
 } // namespace orlix::image

@@ -3,7 +3,7 @@
 #include <framework/core/Api.hpp>
 #include <framework/core/Exception.hpp>
 #include <framework/core/Ptr.hpp>
-#include <framework/data/BaseDynamicObject.hpp>
+#include <framework/data/DynamicObject.hpp>
 #include <framework/image/Geometry.hpp>
 #include <framework/image/PixelType.hpp>
 
@@ -21,9 +21,11 @@ public:
 
 /// An image: pixels of one type on x, y, z, c and t, in a buffer of its own or in a caller's. A plan or a volume of an
 /// image is again an image; it looks at the same pixels and keeps their buffer alive.
-class ORLIX_API BaseImage final : public data::BaseDynamicObject
+class ORLIX_API BaseImage final : public data::DynamicObject<BaseImage, data::BaseDynamicObject>
 {
 public:
+    static constexpr const char* typeName = "orlix::image::BaseImage";
+
     /// An empty image, to be read from an archive.
     BaseImage() = default;
 
@@ -61,10 +63,6 @@ public:
     /// that the image does not have throws ImageException.
     Ptr<const BaseImage> getSubImage(const PlanIndex& plan, ePlanKind kind) const;
 
-    static const std::string& getTypeName();
-    const std::string& getClassName() const override { return getTypeName(); }
-    std::unique_ptr<BaseDynamicObject> createNew() const override;
-    Ptr<BaseDynamicObject> createShared() const override;
     /// Shares the other image's pixels.
     void copy(const BaseDynamicObject& other) override;
     /// Type, geometry and the pixels in base64.

@@ -41,7 +41,7 @@ private:
     std::size_t tasks_ = 0;
 };
 
-Submitted submitted;
+Submitted& submitted = *new Submitted; // libraries that unload at the program's end wait for it
 
 } // namespace
 

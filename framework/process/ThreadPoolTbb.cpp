@@ -25,12 +25,12 @@ enum class Caller
     leaves
 };
 
-/// An arena bounds the threads of the work inside it, whatever else the host program does with oneTBB. Arenas stay: a
-/// run may still be inside when the setting changes.
+/// An arena bounds the threads of the work inside it, whatever else the host program does with oneTBB. Arenas stay,
+/// even at the program's end: a run may still be inside when the setting changes or when main has returned.
 tbb::task_arena& getArena(unsigned threads, ePriority priority, Caller caller)
 {
     static std::mutex mutex;
-    static std::map<std::tuple<int, ePriority, Caller>, tbb::task_arena> arenas;
+    static auto& arenas = *new std::map<std::tuple<int, ePriority, Caller>, tbb::task_arena>;
     const auto tbbPriority = [&] {
         switch (priority) {
         case ePriority::eP_Low:
@@ -53,8 +53,9 @@ tbb::task_arena& getArena(unsigned threads, ePriority priority, Caller caller)
 ThreadPool& ThreadPool::getInstance()
 {
     // oneTBB keeps one worker less than there are processors, counting on the caller; nobody helps an asynchronous run.
-    static const tbb::global_control oneMore{tbb::global_control::max_allowed_parallelism,
-                                             static_cast<std::size_t>(tbb::info::default_concurrency()) + 1};
+    static const auto* const oneMore = new tbb::global_control{
+        tbb::global_control::max_allowed_parallelism, static_cast<std::size_t>(tbb::info::default_concurrency()) + 1};
+    (void)oneMore; // for as long as the process lives
     static ThreadPool pool;
     return pool;
 }

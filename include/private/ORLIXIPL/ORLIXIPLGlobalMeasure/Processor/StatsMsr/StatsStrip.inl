@@ -29,7 +29,7 @@ void StatsStrip<Self, Strip>::functionRegistration(AlgorithmFunctionSelector& se
 {
     const auto registerDomain = [&]<core::eInstructionSet::domain D>(DomainConstant<D>) {
         image::forEachPixelType([&]<class T>(std::type_identity<T>) {
-            if (kernelOf<T>(statsKernels<D>()) != nullptr) {
+            if (kernelOf<T>(getStatsKernels(D)) != nullptr) {
                 Algorithm<Self, Strip, OutStatsResult>::template registerKernel<T, D>(selector);
             }
         });
@@ -45,7 +45,7 @@ core::ProcessingResult StatsStrip<Self, Strip>::genericProcessFunction(Processin
     Moments moments{};
     moments.min = result.Min;
     moments.max = result.Max;
-    const auto kernel = kernelOf<T>(statsKernels<D>());
+    const auto kernel = kernelOf<T>(getStatsKernels(D));
     for (std::size_t i = 0; i < info.nbRuns(); ++i) {
         kernel({this->getParser(0).template run<T>(i, info.rowSize), info.rowSize}, moments);
     }

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <framework/data/BaseDynamicObject.hpp>
+
+#include <memory>
+#include <string>
+
+namespace orlix::data
+{
+
+/// The name and the creation of a dynamic class. Self has `static constexpr const char* typeName`, its qualified name.
+template <class Self, class Base>
+class DynamicObject : public Base
+{
+public:
+    static const std::string& getTypeName()
+    {
+        static const std::string name = Self::typeName;
+        return name;
+    }
+
+    const std::string& getClassName() const final { return getTypeName(); }
+    std::unique_ptr<BaseDynamicObject> createNew() const final { return std::make_unique<Self>(); }
+    Ptr<BaseDynamicObject> createShared() const final { return makePtr<Self>(); }
+};
+
+} // namespace orlix::data
