@@ -3,6 +3,8 @@
 #include <framework/process/Dispatcher.hpp>
 #include <framework/process/Processor.hpp>
 
+#include <optional>
+
 /// The three shapes that most processors have: a level 1 that keeps the results of its plans apart, a level 1 that
 /// merges them, and a level 2 that cuts its plan into strips. A measure derives from them and says which attribute of
 /// its own becomes which attribute of the level below.

@@ -3,6 +3,7 @@
 #include <framework/core/Settings.hpp>
 #include <framework/image/BaseImage.hpp>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <functional>
@@ -27,7 +28,7 @@ template <class T>
 Ptr<BaseImage> makeImage(const ImageGeometry& geometry, const std::vector<T>& values)
 {
     auto image = BaseImage::create(image::imageBufferTypeOf<T>, geometry);
-    std::memcpy(image->getRow(0), values.data(), values.size() * sizeof(T));
+    std::copy(values.begin(), values.end(), reinterpret_cast<T*>(image->getRow(0)));
     return image;
 }
 
