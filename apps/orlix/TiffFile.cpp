@@ -30,15 +30,13 @@ struct TiffCloser
 };
 
 /// Keeps the first error text that libtiff gives; it prints nothing itself.
-int keepError(TIFF*, void* text, const char* module, const char* format, va_list arguments)
+int keepError(TIFF*, void* text, const char*, const char* format, va_list arguments)
 {
     std::string& kept = *static_cast<std::string*>(text);
     if (kept.empty()) {
         std::array<char, 512> line{};
         std::vsnprintf(line.data(), line.size(), format, arguments);
         kept = line.data();
-        // libtiff puts the path or its own function before a colon; the message needs neither.
-        (void)module;
     }
     return 1;
 }

@@ -73,7 +73,7 @@ protected:
     {
         const Collection& collection = this->template value<typename Output::Source>();
         const image::BaseImage& image = this->template value<Image>();
-        plans_.emplace(collection, Image::kind);
+        plans_.emplace(collection);
         provider = makeStaticDispatcher<Child>(
             priority, this->getDispatchPolicy(), plans_->size(), detail::planBytes(image, Image::kind),
             PlanIndexedSplit<Child, Collection, typename Output::Target>{collection},

@@ -17,20 +17,18 @@ namespace orlix::imaproc
 class PlanList
 {
 public:
-    PlanList(const image::ImageGeometry& geometry, image::ePlanKind kind) : range_{geometry, kind}, kind_{kind} {}
-    PlanList(const attr::BasePlanIndexedColl& collection, image::ePlanKind kind)
-        : range_{{}, kind}, kind_{kind}, collection_{&collection}
+    PlanList(const image::ImageGeometry& geometry, image::ePlanKind kind) : range_{geometry, kind} {}
+    explicit PlanList(const attr::BasePlanIndexedColl& collection)
+        : range_{{}, image::ePlanKind::ePK_Plan2d}, collection_{&collection}
     {}
     std::size_t size() const { return collection_ != nullptr ? collection_->size() : range_.size(); }
     image::PlanIndex operator[](std::size_t i) const
     {
         return collection_ != nullptr ? collection_->getPlan(i) : range_[i];
     }
-    image::ePlanKind getKind() const { return kind_; }
 
 private:
     image::PlanRange range_;
-    image::ePlanKind kind_;
     const attr::BasePlanIndexedColl* collection_ = nullptr;
 };
 

@@ -1,3 +1,4 @@
+#include <support/PixelTypes.hpp>
 #include <support/ReferenceStats.hpp>
 #include <support/TestImages.hpp>
 
@@ -67,7 +68,6 @@ template <class T>
 class StatsKernel : public testing::Test
 {
 };
-using PixelTypes = testing::Types<unsigned char, signed char, unsigned short, short, unsigned int, int, float>;
 TYPED_TEST_SUITE(StatsKernel, PixelTypes);
 
 // From nothing to three of the widest registers and one more, at offsets that no register is aligned to.

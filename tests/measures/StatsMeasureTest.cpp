@@ -1,3 +1,4 @@
+#include <support/PixelTypes.hpp>
 #include <support/ReferenceStats.hpp>
 #include <support/TestImages.hpp>
 
@@ -53,7 +54,6 @@ template <class T>
 class StatsMeasure : public testing::Test
 {
 };
-using PixelTypes = testing::Types<unsigned char, signed char, unsigned short, short, unsigned int, int, float>;
 TYPED_TEST_SUITE(StatsMeasure, PixelTypes);
 
 // One result per image, plan and volume, for shapes with one of everything and many of everything, however the pixels

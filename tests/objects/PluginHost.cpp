@@ -1,27 +1,11 @@
 // Loads and unloads the plugin again and again, and the measure library with it; the program itself is linked to
 // nothing of this project. In the end it leaves a run behind.
 
+#include <support/Maps.hpp>
+
 #include <dlfcn.h>
 
 #include <cstdio>
-#include <fstream>
-#include <string>
-
-namespace
-{
-
-bool isMapped(const std::string& name)
-{
-    std::ifstream maps{"/proc/self/maps"};
-    for (std::string line; std::getline(maps, line);) {
-        if (line.find(name) != std::string::npos) {
-            return true;
-        }
-    }
-    return false;
-}
-
-} // namespace
 
 int main()
 {
@@ -35,7 +19,7 @@ int main()
         if (measure == nullptr || measure() != 0 || (round < 19 && dlclose(plugin) != 0)) {
             return 1;
         }
-        if (round < 19 && isMapped("libORLIXIPLGlobalMeasure")) {
+        if (round < 19 && orlix::test::isMapped("libORLIXIPLGlobalMeasure")) {
             std::fprintf(stderr, "the measure library stays loaded\n");
             return 1;
         }

@@ -1,6 +1,8 @@
 // Loads and unloads the measure library: its classes come and go with it, a first question may come from many threads
 // at once, and dlclose really unloads. This program is not linked to the library.
 
+#include <support/Maps.hpp>
+
 #include <framework/attribute/ImageAttributes.hpp>
 #include <framework/data/DynamicObjectFactory.hpp>
 #include <framework/process/BaseProcessor.hpp>
@@ -10,7 +12,6 @@
 
 #include <dlfcn.h>
 
-#include <fstream>
 #include <set>
 #include <string>
 #include <thread>
@@ -20,22 +21,6 @@ namespace orlix::test
 {
 
 using namespace imaproc;
-
-namespace
-{
-
-bool isMapped(const std::string& name)
-{
-    std::ifstream maps{"/proc/self/maps"};
-    for (std::string line; std::getline(maps, line);) {
-        if (line.find(name) != std::string::npos) {
-            return true;
-        }
-    }
-    return false;
-}
-
-} // namespace
 
 TEST(Library, LoadsAndUnloads)
 {

@@ -17,24 +17,17 @@ namespace
 template <class T>
 inline constexpr bool isFloat = T(0.5) != T(0);
 
-/// Holds a sum of squares of 2^20 pixels.
-template <class T>
-struct SquareOf
+/// Holds a sum of squares of 2^20 pixels of `Size` bytes.
+template <std::size_t Size>
+struct SquaresOf
 {
     using Type = std::uint64_t;
 };
 template <>
-struct SquareOf<unsigned int>
+struct SquaresOf<4>
 {
-    using Type = unsigned __int128;
+    using Type = Int128;
 };
-template <>
-struct SquareOf<int>
-{
-    using Type = unsigned __int128;
-};
-template <class T>
-using Square = typename SquareOf<T>::Type;
 
 ORLIX_KERNEL void widen(Moments& m, double lo, double hi)
 {
@@ -225,7 +218,7 @@ void accumulateGeneric(Run<T> run, Moments& m)
         for (std::size_t i = 0; i < run.size;) {
             const std::size_t end = run.size - i < block ? run.size : i + block;
             std::int64_t sum = 0;
-            Square<T> sumSq = 0;
+            typename SquaresOf<sizeof(T)>::Type sumSq = 0;
             for (; i < end; ++i) {
                 const std::int64_t x = run.pixels[i];
                 sum += x;
@@ -234,7 +227,7 @@ void accumulateGeneric(Run<T> run, Moments& m)
                 max = max > run.pixels[i] ? max : run.pixels[i];
             }
             totals.sum += sum;
-            totals.sumSq += Int128(sumSq);
+            totals.sumSq += sumSq;
         }
         widen(m, min, max);
         m.sum += totals.sum;
