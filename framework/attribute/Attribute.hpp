@@ -20,6 +20,7 @@ enum class eAttributeRole
 {
     eAR_Input,         ///< In...: mandatory
     eAR_OptionalInput, ///< InOpt...: unset means the measure's own default
+    eAR_InputOutput,   ///< InOut...: given by the caller, and written into
     eAR_Output         ///< Out..., OutPI...
 };
 
@@ -127,6 +128,26 @@ class ObjectOutput : public ObjectAttribute<Self, Record, eAttributeRole::eAR_Ou
 {
 };
 
+/// A record that the caller may leave out.
+template <class Self, class Record>
+class OptionalInput : public ObjectAttribute<Self, const Record, eAttributeRole::eAR_OptionalInput>
+{
+};
+
+/// A record that the caller gives and the processor fills.
+template <class Self, class Record>
+class ObjectInputOutput : public ObjectAttribute<Self, Record, eAttributeRole::eAR_InputOutput>
+{
+};
+
+/// A collection with one element for every plan that has one of its own.
+template <class Self, class Collection>
+class PlanIndexedOptionalInput : public ObjectAttribute<Self, const Collection, eAttributeRole::eAR_OptionalInput>
+{
+public:
+    using Element = typename Collection::Element;
+};
+
 /// A collection with one element per plan of the input.
 template <class Self, class Collection>
 class PlanIndexedOutput : public ObjectAttribute<Self, Collection, eAttributeRole::eAR_Output>
@@ -222,6 +243,14 @@ public:
     }
 };
 
+/// The strip of a mask. Kernels read it as bytes, whatever its type, and are not chosen by it.
+template <class Self, class StripType>
+class MaskStripInput : public StripInput<Self, StripType, image::maskTypes>
+{
+public:
+    static constexpr bool isMask = true;
+};
+
 /// Whether a record has a meaning for an image without pixels, and says so.
 template <class Record>
 inline constexpr bool isDefinedWithoutPixels = false;
@@ -238,6 +267,12 @@ template <class A>
 concept StripAttribute = requires
 {
     typename A::Strip;
+};
+
+template <class A>
+concept MaskAttribute = requires
+{
+    A::isMask;
 };
 
 template <class A>

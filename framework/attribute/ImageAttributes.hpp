@@ -30,6 +30,57 @@ public:
     static constexpr const char* name = "InSubImg3d";
 };
 
+/// A mask of the image's size; a pixel counts where its byte is not 0.
+class ORLIX_API InMaskImg final
+    : public ImageInput<InMaskImg, image::ePlanKind::ePK_Plan2d, eExtent::eE_AllPlans, image::maskTypes>
+{
+public:
+    static constexpr const char* name = "InMaskImg";
+};
+
+class ORLIX_API InSubMaskImg2d final
+    : public ImageInput<InSubMaskImg2d, image::ePlanKind::ePK_Plan2d, eExtent::eE_OnePlan, image::maskTypes>
+{
+public:
+    static constexpr const char* name = "InSubMaskImg2d";
+};
+
+class ORLIX_API InSubMaskImg3d final
+    : public ImageInput<InSubMaskImg3d, image::ePlanKind::ePK_Volume3d, eExtent::eE_OnePlan, image::maskTypes>
+{
+public:
+    static constexpr const char* name = "InSubMaskImg3d";
+};
+
+/// An image whose pixels are the numbers of objects, 0 being the background.
+class ORLIX_API InLabelImg final
+    : public ImageInput<InLabelImg, image::ePlanKind::ePK_Plan2d, eExtent::eE_AllPlans, image::labelTypes>
+{
+public:
+    static constexpr const char* name = "InLabelImg";
+};
+
+class ORLIX_API InLabelImg3d final
+    : public ImageInput<InLabelImg3d, image::ePlanKind::ePK_Volume3d, eExtent::eE_AllPlans, image::labelTypes>
+{
+public:
+    static constexpr const char* name = "InLabelImg3d";
+};
+
+class ORLIX_API InSubLabelImg2d final
+    : public ImageInput<InSubLabelImg2d, image::ePlanKind::ePK_Plan2d, eExtent::eE_OnePlan, image::labelTypes>
+{
+public:
+    static constexpr const char* name = "InSubLabelImg2d";
+};
+
+class ORLIX_API InSubLabelImg3d final
+    : public ImageInput<InSubLabelImg3d, image::ePlanKind::ePK_Volume3d, eExtent::eE_OnePlan, image::labelTypes>
+{
+public:
+    static constexpr const char* name = "InSubLabelImg3d";
+};
+
 class ORLIX_API InYStrip2d final : public StripInput<InYStrip2d, image::YStrip2d>
 {
 public:
@@ -40,6 +91,18 @@ class ORLIX_API InZStrip3d final : public StripInput<InZStrip3d, image::ZStrip3d
 {
 public:
     static constexpr const char* name = "InZStrip3d";
+};
+
+class ORLIX_API InMaskYStrip2d final : public MaskStripInput<InMaskYStrip2d, image::YStrip2d>
+{
+public:
+    static constexpr const char* name = "InMaskYStrip2d";
+};
+
+class ORLIX_API InMaskZStrip3d final : public MaskStripInput<InMaskZStrip3d, image::ZStrip3d>
+{
+public:
+    static constexpr const char* name = "InMaskZStrip3d";
 };
 
 } // namespace orlix::imaproc::attr

@@ -13,6 +13,9 @@ namespace
 std::atomic<unsigned> nbThreads{0};
 std::atomic<InstructionSetsIdentifier> forcedSets{InstructionSetsIdentifier{}};
 
+constexpr std::size_t defaultMemoryLimit = std::size_t{2} << 30;
+std::atomic<std::size_t> memoryLimit{defaultMemoryLimit};
+
 } // namespace
 
 void setNbThreads(unsigned threads)
@@ -35,6 +38,16 @@ void forceInstructionSets(InstructionSetsIdentifier sets)
 InstructionSetsIdentifier getForcedInstructionSets()
 {
     return forcedSets.load(std::memory_order_relaxed);
+}
+
+void setMemoryLimit(std::size_t bytes)
+{
+    memoryLimit = bytes != 0 ? bytes : defaultMemoryLimit;
+}
+
+std::size_t getMemoryLimit()
+{
+    return memoryLimit.load(std::memory_order_relaxed);
 }
 
 } // namespace orlix::core::settings

@@ -3,6 +3,8 @@
 #include <framework/core/Api.hpp>
 #include <framework/core/InstructionSet.hpp>
 
+#include <cstddef>
+
 /// The settings of the process, each callable from any thread; a change holds for what is started after it, strips
 /// included.
 namespace orlix::core::settings
@@ -18,5 +20,10 @@ ORLIX_API unsigned getNbThreads();
 /// kernels alone. An empty identifier releases it.
 ORLIX_API void forceInstructionSets(InstructionSetsIdentifier sets);
 ORLIX_API InstructionSetsIdentifier getForcedInstructionSets();
+
+/// The bytes that the partial results of one measure, such as histograms of many classes, may take together; 0 stands
+/// for the default of 2 GiB. What needs more fails before it allocates.
+ORLIX_API void setMemoryLimit(std::size_t bytes);
+ORLIX_API std::size_t getMemoryLimit();
 
 } // namespace orlix::core::settings

@@ -10,6 +10,7 @@
 #include <log4cplus/logger.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -45,6 +46,29 @@ std::vector<std::byte> decode(std::string text)
         byte = static_cast<std::byte>(*decoder++);
     }
     return bytes;
+}
+
+json toJson(double value)
+{
+    if (std::isfinite(value)) {
+        return value;
+    }
+    return std::isnan(value) ? "NaN" : value > 0 ? "Infinity" : "-Infinity";
+}
+
+bool fromJson(const json& text, double& value)
+{
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    if (text.is_number()) {
+        value = text.get<double>();
+    } else if (text == "NaN") {
+        value = std::numeric_limits<double>::quiet_NaN();
+    } else if (text == "Infinity" || text == "-Infinity") {
+        value = text == "Infinity" ? infinity : -infinity;
+    } else {
+        return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -110,16 +134,25 @@ void OutputArchive::write(const std::string& key, std::uint64_t value)
 
 void OutputArchive::write(const std::string& key, double value)
 {
-    if (std::isfinite(value)) {
-        current()[key] = value;
-    } else {
-        current()[key] = std::isnan(value) ? "NaN" : value > 0 ? "Infinity" : "-Infinity";
-    }
+    current()[key] = toJson(value);
 }
 
 void OutputArchive::write(const std::string& key, const std::string& value)
 {
     current()[key] = value;
+}
+
+void OutputArchive::write(const std::string& key, const std::vector<std::uint64_t>& values)
+{
+    current()[key] = values;
+}
+
+void OutputArchive::write(const std::string& key, const std::vector<double>& values)
+{
+    json& list = current()[key] = json::array();
+    for (const double value : values) {
+        list.push_back(toJson(value));
+    }
 }
 
 void OutputArchive::write(const std::string& key, const std::vector<std::byte>& bytes)
@@ -211,20 +244,8 @@ ProcessingResult InputArchive::read(const std::string& key, unsigned& value) con
 
 ProcessingResult InputArchive::read(const std::string& key, double& value) const
 {
-    if (const json* const number = find(current(), key, &json::is_number)) {
-        value = number->get<double>();
-        return {};
-    }
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    const json* const text = find(current(), key, &json::is_string);
-    if (text != nullptr && *text == "NaN") {
-        value = std::numeric_limits<double>::quiet_NaN();
-    } else if (text != nullptr && (*text == "Infinity" || *text == "-Infinity")) {
-        value = *text == "Infinity" ? infinity : -infinity;
-    } else {
-        return missing(key, "a number");
-    }
-    return {};
+    const auto found = current().find(key);
+    return found != current().end() && fromJson(*found, value) ? ProcessingResult{} : missing(key, "a number");
 }
 
 ProcessingResult InputArchive::read(const std::string& key, std::string& value) const
@@ -250,6 +271,29 @@ ProcessingResult InputArchive::read(const std::string& key, std::vector<std::byt
         return missing(key, "a text in base64");
     }
     return {};
+}
+
+ProcessingResult InputArchive::read(const std::string& key, std::vector<std::uint64_t>& values) const
+{
+    const json* const list = find(current(), key, &json::is_array);
+    if (list == nullptr ||
+        !std::all_of(list->begin(), list->end(), [](const json& each) { return each.is_number_unsigned(); })) {
+        return missing(key, "a list of whole numbers");
+    }
+    values = list->get<std::vector<std::uint64_t>>();
+    return {};
+}
+
+ProcessingResult InputArchive::read(const std::string& key, std::vector<double>& values) const
+{
+    const json* const list = find(current(), key, &json::is_array);
+    values.assign(list != nullptr ? list->size() : 0, 0);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (!fromJson((*list)[i], values[i])) {
+            return missing(key, "a list of numbers");
+        }
+    }
+    return list != nullptr ? ProcessingResult{} : missing(key, "a list of numbers");
 }
 
 ProcessingResult InputArchive::readObject(const std::string& key, Ptr<BaseDynamicObject>& object,

@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace orlix::data
@@ -80,10 +81,17 @@ class ORLIX_API OutputArchive final : public Archive
 public:
     void write(const std::string& key, bool value);
     void write(const std::string& key, std::uint64_t value);
+    void write(const std::string& key, unsigned value) { write(key, std::uint64_t{value}); }
     /// A value that is not finite becomes "NaN", "Infinity" or "-Infinity".
     void write(const std::string& key, double value);
     void write(const std::string& key, const std::string& value);
     void write(const std::string& key, const char* value) { write(key, std::string{value}); }
+    void write(const std::string& key, const std::vector<std::uint64_t>& values);
+    void write(const std::string& key, const std::vector<double>& values);
+    /// As its number.
+    template <class Enum>
+    requires std::is_enum_v<Enum>
+    void write(const std::string& key, Enum value) { write(key, static_cast<unsigned>(value)); }
     /// As base64.
     void write(const std::string& key, const std::vector<std::byte>& bytes);
     /// A section with the class name and what the object writes; null for no object.
@@ -109,6 +117,16 @@ public:
     core::ProcessingResult read(const std::string& key, double& value) const;
     core::ProcessingResult read(const std::string& key, std::string& value) const;
     core::ProcessingResult read(const std::string& key, std::vector<std::byte>& bytes) const;
+    core::ProcessingResult read(const std::string& key, std::vector<std::uint64_t>& values) const;
+    core::ProcessingResult read(const std::string& key, std::vector<double>& values) const;
+    template <class Enum>
+    requires std::is_enum_v<Enum> core::ProcessingResult read(const std::string& key, Enum& value) const
+    {
+        unsigned number = 0;
+        core::ProcessingResult result = read(key, number);
+        value = static_cast<Enum>(number);
+        return result;
+    }
     /// Null where null was written. The object's class is Object or derived from it.
     template <std::derived_from<BaseDynamicObject> Object>
     core::ProcessingResult read(const std::string& key, Ptr<Object>& object)

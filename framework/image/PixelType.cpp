@@ -1,5 +1,7 @@
 #include <framework/image/PixelType.hpp>
 
+#include <framework/core/NumericLimits.hpp>
+
 namespace orlix::image
 {
 
@@ -14,6 +16,17 @@ constexpr std::array<const char*, nbImageBufferTypes> names{"uint8",  "int8",  "
 const char* getName(eImageBufferType type)
 {
     return names[static_cast<std::size_t>(type)];
+}
+
+ValueRange getValueRange(eImageBufferType type)
+{
+    ValueRange range{0, 1}; // binary
+    forEachPixelType([&]<class T>(std::type_identity<T>) {
+        if (type == imageBufferTypeOf<T>) {
+            range = {core::NumericLimits<T>::s_min, core::NumericLimits<T>::s_max};
+        }
+    });
+    return range;
 }
 
 std::optional<eImageBufferType> findImageBufferType(std::string_view name)

@@ -37,6 +37,14 @@ constexpr std::size_t getPixelSize(eImageBufferType type)
     return sizes[static_cast<std::size_t>(type)];
 }
 
+/// The lowest and the highest value of a pixel type.
+struct ValueRange
+{
+    double lowest;
+    double highest;
+};
+ORLIX_API ValueRange getValueRange(eImageBufferType type);
+
 /// The seven types that kernels are written for.
 template <class T>
 inline constexpr eImageBufferType imageBufferTypeOf = [] {
@@ -74,6 +82,15 @@ inline constexpr PixelTypes numericTypes{eImageBufferType::eIBT_UInt8,  eImageBu
                                          eImageBufferType::eIBT_UInt16, eImageBufferType::eIBT_Int16,
                                          eImageBufferType::eIBT_UInt32, eImageBufferType::eIBT_Int32,
                                          eImageBufferType::eIBT_Float32};
+
+/// All integer types: what labels are stored in.
+inline constexpr PixelTypes labelTypes{eImageBufferType::eIBT_UInt8,  eImageBufferType::eIBT_Int8,
+                                       eImageBufferType::eIBT_UInt16, eImageBufferType::eIBT_Int16,
+                                       eImageBufferType::eIBT_UInt32, eImageBufferType::eIBT_Int32};
+
+/// The types of one byte: what masks are stored in.
+inline constexpr PixelTypes maskTypes{eImageBufferType::eIBT_UInt8, eImageBufferType::eIBT_Int8,
+                                      eImageBufferType::eIBT_Binary};
 
 /// Calls `visit` with a std::type_identity of each of the seven kernel types, in the order of eImageBufferType.
 template <class Visitor>

@@ -74,6 +74,10 @@ public:
     explicit StripParser(const PixelBox& box);
 
     std::size_t nbPixels() const { return box_.x * box_.y * box_.z; }
+    bool hasShapeOf(const StripParser& other) const
+    {
+        return box_.x == other.box_.x && box_.y == other.box_.y && box_.z == other.box_.z;
+    }
     /// The length of the longest runs: a row, a plane or everything.
     std::size_t longestRun() const { return longestRun_; }
 

@@ -56,7 +56,7 @@ ProcessingResult BaseProcessingAlgorithm::mainProcess()
     ProcessingInfo info =
         parsers_.empty() ? getNoParseInfo() : ProcessingInfo{parsers_[0].nbPixels(), parsers_[0].longestRun()};
     for (const image::StripParser& parser : parsers_) {
-        if (parser.nbPixels() != info.size) {
+        if (!parser.hasShapeOf(parsers_[0])) {
             clearDataParserColl(parsers_);
             return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eUnequalStrips, getObjectName()));
         }

@@ -89,7 +89,8 @@ ProcessingResult BaseProcessor::checkInputs() const
 {
     for (const BaseAttribute* const attribute : attributes_) {
         if (!attribute->isSet()) {
-            if (attribute->getRole() == eAttributeRole::eAR_Input) {
+            if (attribute->getRole() == eAttributeRole::eAR_Input ||
+                attribute->getRole() == eAttributeRole::eAR_InputOutput) {
                 return ProcessingResult::failure(
                     core::formatMessage(eProcessorMessage::eUnsetInput, getObjectName(), attribute->getName()));
             }
@@ -238,10 +239,35 @@ ProcessingResult BaseAsync1Processor::runDerived(const RunContext& context)
     return result ? postProcess() : result;
 }
 
-ProcessingResult BaseAsync1Processor::retrieveProvider(ePriority priority, std::size_t, std::size_t,
+namespace
+{
+
+/// Another processor as the only action of a stage.
+class SingleActionProvider final : public ActionProvider
+{
+public:
+    explicit SingleActionProvider(Ptr<BaseProcessor> processor) : processor_{std::move(processor)} {}
+    ProcessingResult process(const RunContext& context) override { return processor_->execute(context); }
+
+private:
+    Ptr<BaseProcessor> processor_;
+};
+
+} // namespace
+
+Ptr<ActionProvider> makeSingleActionProvider(Ptr<BaseProcessor> processor)
+{
+    return processor ? makePtr<SingleActionProvider>(std::move(processor)) : nullptr;
+}
+
+ProcessingResult BaseAsync1Processor::retrieveProvider(ePriority priority, std::size_t index, std::size_t count,
                                                        Ptr<ActionProvider>& provider)
 {
-    return retrieveProvider(priority, provider);
+    if (index + 1 == count) {
+        return retrieveProvider(priority, provider);
+    }
+    provider = makeSingleActionProvider(makeStage(index));
+    return {};
 }
 
 } // namespace orlix::imaproc

@@ -123,7 +123,11 @@ private:
 /// Runs a processor in the calling thread. Throws ORLIXBaseProcessingException with the message of a failed result.
 ORLIX_API void executeSyncRun(const Ptr<BaseProcessor>& processor);
 
-/// A processor whose work is done by processors below it, in one stage or in a chain of stages.
+/// Runs this processor alone; null for none.
+ORLIX_API Ptr<ActionProvider> makeSingleActionProvider(Ptr<BaseProcessor> processor);
+
+/// A processor whose work is done by processors below it: in one stage, or in a chain of stages that begins with runs of
+/// whole other processors.
 class ORLIX_API BaseAsync1Processor : public BaseProcessor
 {
 public:
@@ -135,12 +139,14 @@ protected:
 
     /// The number of stages.
     virtual std::size_t retrieveSequenceInfo() const { return 1; }
+    /// The processor, with its inputs set, that stage `index` before the last one runs; null skips the stage.
+    virtual Ptr<BaseProcessor> makeStage(std::size_t index) { return (void)index, nullptr; }
     /// The provider of stage `index` of `count`; a null provider skips the stage.
     virtual core::ProcessingResult retrieveProvider(ePriority priority, std::size_t index, std::size_t count,
                                                     Ptr<ActionProvider>& provider);
     virtual core::ProcessingResult preProcess() { return {}; }
     virtual core::ProcessingResult postProcess() { return {}; }
-    /// The provider of a processor of one stage.
+    /// The provider of the only or last stage.
     virtual core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) = 0;
 };
 

@@ -50,6 +50,13 @@ private:
     ePriority priority_;
 };
 
+/// A split that takes back what it gave to a child that succeeded.
+template <class Split, class Child>
+concept CollectingSplit = requires(const Split& split, Child& child)
+{
+    split.collect(child);
+};
+
 /// A dispatcher of Child processors, each of which gets its share of the parent's values from the splits.
 template <class Child, class... Splits>
 class Dispatcher final : public BaseDispatcher
@@ -72,12 +79,23 @@ private:
             try {
                 std::apply([&](const Splits&... split) { (split.assign(*child, i), ...); }, splits_);
                 result = child->execute(childContext);
+                if (result) {
+                    std::apply([&](const Splits&... split) { (collect(split, *child), ...); }, splits_);
+                }
             } catch (...) {
                 result = core::ProcessingResult::failure(core::describeCurrentException());
             }
             if (!result) {
                 failure.report(i, std::move(result));
             }
+        }
+    }
+
+    template <class Split>
+    static void collect(const Split& split, Child& child)
+    {
+        if constexpr (CollectingSplit<Split, Child>) {
+            split.collect(child);
         }
     }
 

@@ -3,11 +3,15 @@
 #include <framework/process/Dispatcher.hpp>
 #include <framework/process/Processor.hpp>
 
+#include <algorithm>
 #include <optional>
+#include <type_traits>
+#include <utility>
+#include <vector>
 
 /// The three shapes that most processors have: a level 1 that keeps the results of its plans apart, a level 1 that
 /// merges them, and a level 2 that cuts its plan into strips. A measure derives from them and says which attribute of
-/// its own becomes which attribute of the level below.
+/// its own becomes which attribute of the level below. All images that a level takes have the same size.
 namespace orlix::imaproc
 {
 
@@ -19,14 +23,67 @@ struct Pass
     using Target = To;
 };
 
+/// An attribute that the processor keeps to itself.
+template <class Attribute>
+using Keep = Pass<Attribute, void>;
+
+/// Merges by adding up, in any order: for results whose addition is exact.
+struct AddUp
+{
+};
+
 namespace detail
 {
+
+/// The results of a processor's children until they are one: in the order of the children, for Merge to merge.
+template <class Output, class Merge>
+class PartialResults
+{
+    using Result = typename Output::Source::Value;
+
+public:
+    void begin(const typename Output::Source&, std::size_t children) { results_.resize(children); }
+    template <class Child>
+    auto split()
+    {
+        return StaticResultSplit<Child, typename Output::Target>{results_};
+    }
+    core::ProcessingResult merge(Result& merged) { return Merge::merge(results_, merged); }
+    void clear() { results_.clear(); }
+
+private:
+    std::vector<Ptr<Result>> results_;
+};
+
+/// The same for results that add up at once.
+template <class Output>
+class PartialResults<Output, AddUp>
+{
+    using Result = typename Output::Source::Value;
+
+public:
+    void begin(const typename Output::Source& output, std::size_t children) { total_.begin(output.get(), children); }
+    template <class Child>
+    auto split()
+    {
+        return DynamicByCopyResultSplit<Child, typename Output::Target>{total_};
+    }
+    core::ProcessingResult merge(Result&) { return {}; }
+    void clear() { total_.end(); }
+
+private:
+    RunningTotal<Result> total_;
+};
 
 template <class Child, class From, class To>
 auto splitByPlan(const From& attribute, const PlanList& plans)
 {
-    if constexpr (attr::ImageAttribute<From>) {
+    if constexpr (std::is_void_v<To>) {
+        return NoSplit{};
+    } else if constexpr (attr::ImageAttribute<From>) {
         return SubImageSplit<Child, To>{attribute.get(), plans};
+    } else if constexpr (attr::PlanIndexedAttribute<From>) {
+        return PlanIndexedInputSplit<Child, typename From::Value, To>{attribute.get(), plans};
     } else {
         return StaticNoSplit<Child, To>{attribute.get()};
     }
@@ -35,7 +92,9 @@ auto splitByPlan(const From& attribute, const PlanList& plans)
 template <class Child, class From, class To>
 auto splitByStrip(const From& attribute, const StripCut& cut)
 {
-    if constexpr (attr::ImageAttribute<From>) {
+    if constexpr (std::is_void_v<To>) {
+        return NoSplit{};
+    } else if constexpr (attr::ImageAttribute<From>) {
         return ImageStripSplit<Child, const image::BaseImage, To>{attribute.get(), cut};
     } else {
         return DynamicNoSplit<Child, To>{attribute.get()};
@@ -54,6 +113,23 @@ struct FirstOf
     using Type = First;
 };
 
+template <class First, class Other>
+Rule matchSizeOfImage(const First& first, const Other& other)
+{
+    if constexpr (attr::ImageAttribute<Other>) {
+        return matchSize(first, other);
+    } else {
+        return none();
+    }
+}
+
+/// Every further image has the size of the first.
+template <class First, class... Others>
+Rule matchSizes([[maybe_unused]] const First& first, const Others&... others)
+{
+    return (none() && ... && matchSizeOfImage(first, others));
+}
+
 } // namespace detail
 
 /// Level 1: one child per plan of the first image, whose result is the plan's element of the output collection.
@@ -66,7 +142,8 @@ class PlanIndexedLvl1 : public Processor<Self, BaseAsync1Processor, typename Inp
 protected:
     Rule makeRule() const override
     {
-        return matchImagePlans(this->template attribute<typename Output::Source>(), this->template attribute<Image>());
+        return matchImagePlans(this->template attribute<typename Output::Source>(), this->template attribute<Image>()) &&
+               detail::matchSizes(this->template attribute<typename Inputs::Source>()...);
     }
 
     core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override
@@ -88,7 +165,7 @@ private:
 
 /// Level 1: one child per plan of the first image; Merge makes one result of theirs.
 template <class Self, class Child, class Output, class Merge, class... Inputs>
-class MergedLvl1 : public Processor<Self, BaseAsync1Processor, typename Inputs::Source..., Output>
+class MergedLvl1 : public Processor<Self, BaseAsync1Processor, typename Inputs::Source..., typename Output::Source>
 {
     using Image = typename detail::FirstOf<typename Inputs::Source...>::Type;
 
@@ -96,29 +173,37 @@ public:
     void clearIntermediateData() override { results_.clear(); }
 
 protected:
+    Rule makeRule() const override
+    {
+        return detail::matchSizes(this->template attribute<typename Inputs::Source>()...);
+    }
+
     core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override
     {
         const image::BaseImage& image = this->template value<Image>();
         plans_.emplace(image.getGeometry(), Image::kind);
-        results_.resize(plans_->size());
+        results_.begin(this->template attribute<typename Output::Source>(), plans_->size());
         provider = makeStaticDispatcher<Child>(
             priority, this->getDispatchPolicy(), plans_->size(), detail::planBytes(image, Image::kind),
-            StaticResultSplit<Child, Output>{results_},
+            results_.template split<Child>(),
             detail::splitByPlan<Child, typename Inputs::Source, typename Inputs::Target>(
                 this->template attribute<typename Inputs::Source>(), *plans_)...);
         return {};
     }
 
-    core::ProcessingResult postProcess() override { return Merge::merge(results_, this->template value<Output>()); }
+    core::ProcessingResult postProcess() override
+    {
+        return results_.merge(this->template value<typename Output::Source>());
+    }
 
 private:
     std::optional<PlanList> plans_;
-    PartialResults<typename Output::Value> results_;
+    detail::PartialResults<Output, Merge> results_;
 };
 
 /// Level 2: one child per strip of the first image; Merge makes one result of theirs.
 template <class Self, class Child, class Output, class Merge, class... Inputs>
-class StripsLvl2 : public Processor<Self, BaseAsync1Processor, typename Inputs::Source..., Output>
+class StripsLvl2 : public Processor<Self, BaseAsync1Processor, typename Inputs::Source..., typename Output::Source>
 {
     using Image = typename detail::FirstOf<typename Inputs::Source...>::Type;
     using Strip = typename detail::FirstOf<typename Inputs::Target...>::Type::Strip;
@@ -127,24 +212,36 @@ public:
     void clearIntermediateData() override { results_.clear(); }
 
 protected:
+    Rule makeRule() const override
+    {
+        return detail::matchSizes(this->template attribute<typename Inputs::Source>()...);
+    }
+
+    /// Strips of fewer pixels are not worth their results; it depends on the image and the parameters alone.
+    virtual std::size_t getMinStripPixels() const { return 0; }
+
     core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override
     {
         const image::BaseImage& image = this->template value<Image>();
-        cut_.emplace(Strip::getNbElements(image), Strip::getElementPixels(image) * image.getPixelSize(),
-                     this->getDispatchPolicy().stripBytes);
-        results_.resize(cut_->size());
+        cut_.emplace(
+            Strip::getNbElements(image), Strip::getElementPixels(image) * image.getPixelSize(),
+            std::max(this->getDispatchPolicy().stripBytes, this->getMinStripPixels() * image.getPixelSize()));
+        results_.begin(this->template attribute<typename Output::Source>(), cut_->size());
         provider = makeDynamicDispatcher<Child>(
-            priority, this->getDispatchPolicy(), cut_->size(), DynamicByCreationResultSplit<Child, Output>{results_},
+            priority, this->getDispatchPolicy(), cut_->size(), results_.template split<Child>(),
             detail::splitByStrip<Child, typename Inputs::Source, typename Inputs::Target>(
                 this->template attribute<typename Inputs::Source>(), *cut_)...);
         return {};
     }
 
-    core::ProcessingResult postProcess() override { return Merge::merge(results_, this->template value<Output>()); }
+    core::ProcessingResult postProcess() override
+    {
+        return results_.merge(this->template value<typename Output::Source>());
+    }
 
 private:
     std::optional<StripCut> cut_;
-    PartialResults<typename Output::Value> results_;
+    detail::PartialResults<Output, Merge> results_;
 };
 
 } // namespace orlix::imaproc

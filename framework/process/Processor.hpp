@@ -196,6 +196,24 @@ public:
     core::InstructionSetsIdentifier getForcedInstructionSets() const final { return retrieveForcedInstructionSets(); }
 
 protected:
+    /// Enters Self's kernels of every domain that this machine has, for those pixel types of which
+    /// `exists(std::type_identity<T>, domain)`.
+    template <class Exists>
+    static void registerKernels(AlgorithmFunctionSelector& selector, Exists exists)
+    {
+        const auto registerDomains = [&]<core::eInstructionSet::domain... Sets>() {
+            (image::forEachPixelType([&]<class T>(std::type_identity<T> type) {
+                 if (core::isAvailable(Sets) && exists(type, Sets)) {
+                     registerKernel<T, Sets>(selector);
+                 }
+             }),
+             ...);
+        };
+        using Domain = core::eInstructionSet;
+        registerDomains.template operator()<Domain::eIS_Generic, Domain::eIS_SSE2, Domain::eIS_AVX, Domain::eIS_AVX2,
+                                            Domain::eIS_AVX512>();
+    }
+
     /// Enters Self's `genericProcessFunction<T, Set>` for one pixel type.
     template <class T, core::eInstructionSet::domain Set>
     static void registerKernel(AlgorithmFunctionSelector& selector)
@@ -211,12 +229,16 @@ protected:
 
     void getDataTypeIdColl(image::DataTypeIdentifierColl& dataTypes) const override
     {
-        forEachStrip(
-            [&](const auto& strip) { dataTypes.add(image::ImageBufferTypeIdentifier{strip.image->getType()}); });
+        forEachStrip([&]<class A>(const A& attribute) {
+            if constexpr (!attr::MaskAttribute<A>) {
+                dataTypes.add(image::ImageBufferTypeIdentifier{attribute.get().image->getType()});
+            }
+        });
     }
     void initDataParserColl(StripParserColl& parsers) const override
     {
-        forEachStrip([&](const auto& strip) { parsers.push_back(image::StripParser{strip.getBox()}); });
+        forEachStrip(
+            [&](const auto& attribute) { parsers.push_back(image::StripParser{attribute.get().getBox()}); });
     }
 
 private:
@@ -226,7 +248,7 @@ private:
         this->forEachAttribute([&](const auto& attribute) {
             if constexpr (attr::StripAttribute<std::remove_cvref_t<decltype(attribute)>>) {
                 if (attribute.isSet()) {
-                    visit(attribute.get());
+                    visit(attribute);
                 }
             }
         });

@@ -22,6 +22,7 @@ std::span<const Message> MessageMap<imaproc::eProcessorMessage>::texts()
         {12, "%1% was run before it was initialised: call init first"},
         {13, "%1%: the strips of its inputs differ in size"},
         {14, "%1% runs asynchronously only where a shared pointer holds it"},
+        {15, "%1% has %2% pixels, but %3% has %4%: both need the same size"},
         {33, "%1% is not initialised: call init before its attributes are set or read"},
     };
     return table;

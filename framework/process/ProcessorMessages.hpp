@@ -21,8 +21,9 @@ enum class eProcessorMessage : unsigned
     eAlreadyRunning = 10,     ///< processor
     eException = 11,          ///< processor, text of the exception
     eRunWithoutInit = 12,     ///< processor
-    eNotShared = 14,          ///< processor
     eUnequalStrips = 13,      ///< processor
+    eNotShared = 14,          ///< processor
+    eUnequalSizes = 15,       ///< attribute, geometry, attribute, geometry
     eUninitialisedAccess = 33 ///< processor
 };
 

@@ -9,6 +9,9 @@ using core::ProcessingResult;
 
 Rule operator&&(Rule first, Rule second)
 {
+    if (!first.check_ || !second.check_) {
+        return first.check_ ? first : second;
+    }
     return Rule{[first = std::move(first), second = std::move(second)] {
         ProcessingResult result = first.check();
         return result ? second.check() : result;
@@ -52,6 +55,20 @@ ProcessingResult checkImagePlans(const attr::BaseAttribute& output, const attr::
     return same ? ProcessingResult{}
                 : ProcessingResult::failure(core::formatMessage(eProcessorMessage::eWrongPlans, output.getName(),
                                                                 collection->size(), input.getName(), plans.size()));
+}
+
+Rule matchSize(const attr::BaseAttribute& first, const attr::BaseAttribute& second)
+{
+    return Rule{[&first, &second]() -> ProcessingResult {
+        const image::BaseImage* const one = first.getImage();
+        const image::BaseImage* const other = second.getImage();
+        if (one == nullptr || other == nullptr || one->getGeometry() == other->getGeometry()) {
+            return {};
+        }
+        return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eUnequalSizes, second.getName(),
+                                                             toString(other->getGeometry()), first.getName(),
+                                                             toString(one->getGeometry())));
+    }};
 }
 
 } // namespace orlix::imaproc

@@ -49,4 +49,7 @@ Rule matchImagePlans(const Output& output, const Input& input)
     return Rule{[&output, &input] { return checkImagePlans(output, output.get().get(), input, Input::kind); }};
 }
 
+/// Both images have the same size; satisfied where one is not set. The attributes outlive the rule.
+ORLIX_API Rule matchSize(const attr::BaseAttribute& first, const attr::BaseAttribute& second);
+
 } // namespace orlix::imaproc

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <mutex>
 #include <span>
 #include <vector>
 
@@ -51,9 +52,6 @@ private:
     std::size_t size_;
 };
 
-/// Partial results in the order of their strips or plans. Where one was never made, the pointer is null.
-template <class Result>
-using PartialResults = std::vector<Ptr<Result>>;
 
 /// The element of a plan-indexed output for the child's plan.
 template <class Child, class Collection, class A>
@@ -65,6 +63,24 @@ public:
 
 private:
     const Collection& collection_;
+};
+
+/// The element of a plan-indexed input for the child's plan; null where it has none.
+template <class Child, class Collection, class A>
+class PlanIndexedInputSplit
+{
+public:
+    PlanIndexedInputSplit(Ptr<const Collection> collection, const PlanList& plans)
+        : collection_{std::move(collection)}, plans_{plans}
+    {}
+    void assign(Child& child, std::size_t i) const
+    {
+        child.template set<A>(collection_ ? collection_->getStorage(plans_[i]) : nullptr);
+    }
+
+private:
+    Ptr<const Collection> collection_;
+    const PlanList& plans_;
 };
 
 /// One plan of an image, as a sub image.
@@ -91,6 +107,14 @@ private:
     const PlanList& plans_;
 };
 
+/// Nothing for any child.
+struct NoSplit
+{
+    template <class Child>
+    void assign(Child&, std::size_t) const
+    {}
+};
+
 /// The same value for every child.
 template <class Child, class A>
 class StaticNoSplit
@@ -106,37 +130,87 @@ private:
 template <class Child, class A>
 using DynamicNoSplit = StaticNoSplit<Child, A>;
 
-/// Makes an empty result.
-template <class Result>
-struct DefaultCreation
-{
-    Ptr<Result> operator()() const { return makePtr<Result>(); }
-};
-
-/// A result of its own for every child, which stays in `results` for the merge.
-template <class Child, class A, class Creation = DefaultCreation<typename A::Value>>
+/// A fresh result for every child, which stays in `results` for the merge, in the order of the children.
+template <class Child, class A>
 class StaticResultSplit
 {
 public:
-    using Result = typename A::Value;
-
-    explicit StaticResultSplit(PartialResults<Result>& results, Creation create = {})
-        : results_{results}, create_{std::move(create)}
-    {}
+    explicit StaticResultSplit(std::vector<Ptr<typename A::Value>>& results) : results_{results} {}
     void assign(Child& child, std::size_t i) const
     {
-        results_[i] = create_();
+        results_[i] = makePtr<typename A::Value>();
         child.template set<A>(results_[i]);
     }
 
 private:
-    PartialResults<Result>& results_;
-    Creation create_;
+    std::vector<Ptr<typename A::Value>>& results_;
 };
 
-/// A fresh partial result for every strip.
-template <class Child, class A, class Creation = DefaultCreation<typename A::Value>>
-using DynamicByCreationResultSplit = StaticResultSplit<Child, A, Creation>;
+template <class Child, class A>
+using DynamicByCreationResultSplit = StaticResultSplit<Child, A>;
+
+/// Adds up results whose addition is exact, so that their order does not matter: counts. No more copies are alive at
+/// once than children run. Result has clear(), which keeps its form, and operator+=; children clear what they are given.
+template <class Result>
+class RunningTotal
+{
+public:
+    /// `total`, whose form the copies take, begins at zero.
+    void begin(Ptr<Result> total, std::size_t children)
+    {
+        total_ = std::move(total);
+        children_ = children;
+        total_->clear();
+    }
+    void end()
+    {
+        total_.reset();
+        idle_.clear();
+    }
+
+    /// A copy; the total itself where there is one child alone.
+    Ptr<Result> take()
+    {
+        if (children_ == 1) {
+            return total_;
+        }
+        const std::lock_guard lock{mutex_};
+        if (idle_.empty()) {
+            return makePtr<Result>(*total_);
+        }
+        Ptr<Result> part = std::move(idle_.back());
+        idle_.pop_back();
+        return part;
+    }
+    void give(const Ptr<Result>& part)
+    {
+        if (part == total_) {
+            return;
+        }
+        const std::lock_guard lock{mutex_};
+        *total_ += *part;
+        idle_.push_back(part);
+    }
+
+private:
+    std::mutex mutex_;
+    Ptr<Result> total_;
+    std::size_t children_ = 0;
+    std::vector<Ptr<Result>> idle_;
+};
+
+/// A copy of the parent's result for every child, added to it when the child has ended.
+template <class Child, class A>
+class DynamicByCopyResultSplit
+{
+public:
+    explicit DynamicByCopyResultSplit(RunningTotal<typename A::Value>& total) : total_{total} {}
+    void assign(Child& child, std::size_t) const { child.template set<A>(total_.take()); }
+    void collect(Child& child) const { total_.give(child.template getStorage<A>()); }
+
+private:
+    RunningTotal<typename A::Value>& total_;
+};
 
 /// The strips of a sub image.
 template <class Child, class Image, class A>

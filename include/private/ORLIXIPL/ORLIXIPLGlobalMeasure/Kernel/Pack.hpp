@@ -115,6 +115,81 @@ ORLIX_KERNEL Pack<std::uint64_t, D> squareLow(P a)
     }
 }
 
+/// A signed integer of so many bytes.
+template <std::size_t Size>
+struct SignedOf;
+template <>
+struct SignedOf<1>
+{
+    using Type = signed char;
+};
+template <>
+struct SignedOf<2>
+{
+    using Type = std::int16_t;
+};
+template <>
+struct SignedOf<4>
+{
+    using Type = std::int32_t;
+};
+
+/// What a comparison of pixels of type T gives: all ones where it holds, else 0.
+template <class T, Domain::domain D>
+using Selection = Pack<typename SignedOf<sizeof(T)>::Type, D>;
+
+/// Which of the next pixels of type T count: those whose mask byte is not 0.
+template <class T, Domain::domain D>
+ORLIX_KERNEL Selection<T, D> loadSelection(const std::uint8_t* mask)
+{
+    using S = Selection<T, D>;
+    if constexpr (sizeof(T) == 1) {
+        return load<S>(mask) != 0;
+    } else if constexpr (D == Domain::eIS_SSE2) {
+        if constexpr (sizeof(T) == 2) {
+            const __m128i bytes = _mm_loadl_epi64((const __m128i*)mask);
+            return (S)_mm_unpacklo_epi8(bytes, _mm_setzero_si128()) != 0;
+        } else {
+            std::int32_t four;
+            __builtin_memcpy(&four, mask, sizeof four);
+            const __m128i words = _mm_unpacklo_epi8(_mm_cvtsi32_si128(four), _mm_setzero_si128());
+            return (S)_mm_unpacklo_epi16(words, _mm_setzero_si128()) != 0;
+        }
+    } else if constexpr (D == Domain::eIS_AVX512) {
+        if constexpr (sizeof(T) == 2) {
+            return (S)_mm512_cvtepu8_epi16(_mm256_loadu_si256((const __m256i*)mask)) != 0;
+        } else {
+            return (S)_mm512_cvtepu8_epi32(_mm_loadu_si128((const __m128i*)mask)) != 0;
+        }
+    } else {
+        if constexpr (sizeof(T) == 2) {
+            return (S)_mm256_cvtepu8_epi16(_mm_loadu_si128((const __m128i*)mask)) != 0;
+        } else {
+            return (S)_mm256_cvtepu8_epi32(_mm_loadl_epi64((const __m128i*)mask)) != 0;
+        }
+    }
+}
+
+/// The selected lanes; 0 elsewhere.
+template <class P, class S>
+ORLIX_KERNEL P keep(S selection, P x)
+{
+    return (P)(selection & (S)x);
+}
+
+/// The lower or upper half of a pack of floats as doubles.
+template <Domain::domain D, bool Upper>
+ORLIX_KERNEL Pack<double, D> toDoubles(Pack<float, D> x)
+{
+    if constexpr (D == Domain::eIS_SSE2) {
+        return (Pack<double, D>)_mm_cvtps_pd(Upper ? _mm_movehl_ps((__m128)x, (__m128)x) : (__m128)x);
+    } else if constexpr (D == Domain::eIS_AVX512) {
+        return (Pack<double, D>)_mm512_cvtps_pd(_mm512_extractf32x8_ps((__m512)x, Upper));
+    } else {
+        return (Pack<double, D>)_mm256_cvtps_pd(_mm256_extractf128_ps((__m256)x, Upper));
+    }
+}
+
 /// As many floats as there are lanes for doubles. (A compiler's own vector conversion goes through memory.)
 template <Domain::domain D>
 ORLIX_KERNEL Pack<double, D> loadAsDoubles(const float* pixels)

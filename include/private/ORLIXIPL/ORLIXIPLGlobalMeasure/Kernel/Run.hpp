@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -12,8 +13,58 @@ __extension__ using Int128 = __int128;
 template <class T>
 struct Run
 {
+    using Pixel = T;
+    static constexpr bool isMasked = false;
+
     const T* pixels;
     std::size_t size;
 };
+
+/// Pixels of which those count whose mask byte is not 0.
+template <class T>
+struct MaskedRun
+{
+    using Pixel = T;
+    static constexpr bool isMasked = true;
+
+    const T* pixels;
+    std::size_t size;
+    const std::uint8_t* mask;
+};
+
+namespace
+{
+
+/// The mask from pixel i on; null where there is none.
+template <class T>
+[[gnu::always_inline]] inline const std::uint8_t* maskAt(const Run<T>&, std::size_t)
+{
+    return nullptr;
+}
+template <class T>
+[[gnu::always_inline]] inline const std::uint8_t* maskAt(const MaskedRun<T>& run, std::size_t i)
+{
+    return run.mask + i;
+}
+
+/// Whether pixel i counts.
+template <class R>
+[[gnu::always_inline]] inline bool counts(const R& run, std::size_t i)
+{
+    return !R::isMasked || *maskAt(run, i) != 0;
+}
+
+template <class T>
+[[gnu::always_inline]] inline Run<T> part(const Run<T>& run, std::size_t first, std::size_t size)
+{
+    return {run.pixels + first, size};
+}
+template <class T>
+[[gnu::always_inline]] inline MaskedRun<T> part(const MaskedRun<T>& run, std::size_t first, std::size_t size)
+{
+    return {run.pixels + first, size, run.mask + first};
+}
+
+} // namespace
 
 } // namespace orlix::imaproc::glbmsr

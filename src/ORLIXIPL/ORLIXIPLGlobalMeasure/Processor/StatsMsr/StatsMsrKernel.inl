@@ -1,9 +1,10 @@
-// The statistics kernels, once for every pixel type and instruction set.
+// The statistics kernels, once for every pixel type and instruction set, and for runs with a mask and without.
 //
 // Integers: everything is exact until the end of the strip, where sum and sum of squares are rounded to double once; so
 // all instruction sets give the same bits.
 // Float: pixel i of the strip is added, in double, to lane i mod 16, whatever the width of the registers and the cut
 // into runs, and the square of a float is exact in double; so all vector sets give the same bits.
+// Masks: a pixel that does not count adds 0 to its lane, and the neutral value takes its place in the extremes.
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/ExactSums.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsKernels.hpp>
@@ -35,9 +36,55 @@ ORLIX_KERNEL void widen(Moments& m, double lo, double hi)
     m.max = m.max > hi ? m.max : hi;
 }
 
-template <class T, Domain::domain D>
-void accumulateIntegers(Run<T> run, Moments& m)
+template <class T>
+inline constexpr T lowestOf = isSigned<T> ? T(T(1) << (8 * sizeof(T) - 1)) : T(0);
+template <class T>
+inline constexpr T highestOf = T(~lowestOf<T>);
+
+template <std::size_t Size>
+struct CountLaneOf
 {
+    using Type = std::uint32_t;
+};
+template <>
+struct CountLaneOf<1>
+{
+    using Type = std::uint64_t; // sums of eight bytes
+};
+template <>
+struct CountLaneOf<2>
+{
+    using Type = std::uint16_t;
+};
+
+/// Counts the selected lanes; up to 2^14 packs of 16 bits, 2^32 of others.
+template <class T, Domain::domain D>
+struct SelectionCount
+{
+    using Lane = typename CountLaneOf<sizeof(T)>::Type;
+    Pack<Lane, D> count{};
+
+    ORLIX_KERNEL void add(Selection<T, D> selection)
+    {
+        if constexpr (sizeof(T) == 1) {
+            count += addBytes<D>(selection & 1);
+        } else {
+            count -= (decltype(count))selection;
+        }
+    }
+    ORLIX_KERNEL std::uint64_t flush()
+    {
+        const auto sum = addLanes<Lane, std::uint64_t>(count);
+        count = Pack<Lane, D>{};
+        return sum;
+    }
+
+};
+
+template <Domain::domain D, class R>
+void accumulateIntegers(R run, Moments& m)
+{
+    using T = typename R::Pixel;
     using Y = Canonical<T>;
     using YPack = Pack<Y, D>;
     using Sums = ExactSums<Y, D>;
@@ -46,45 +93,72 @@ void accumulateIntegers(Run<T> run, Moments& m)
     const std::size_t rest = run.size % step;
 
     // The last pixels, filled up with copies of the very last: they do no harm to the extremes, and the sums are known.
+    // Under a mask they do not count.
     T filled[step];
+    std::uint8_t filledMask[step] = {};
     if (rest != 0) {
         const T last = run.pixels[run.size - 1];
         for (T& x : filled) {
             x = last;
         }
         __builtin_memcpy(filled, run.pixels + whole * step, rest * sizeof(T));
+        if constexpr (R::isMasked) {
+            __builtin_memcpy(filledMask, run.mask + whole * step, rest);
+        }
     }
 
     // Two of everything, so that one can wait for its registers while the other works.
     Totals totals;
+    std::uint64_t selected = 0;
     Sums sums[2];
+    SelectionCount<T, D> counts[2];
     YPack lo[2];
     YPack hi[2];
-    lo[0] = lo[1] = hi[0] = hi[1] = loadCanonical<T, D>(whole != 0 ? run.pixels : filled);
-    const auto take = [&](int half, const T* pixels) __attribute__((always_inline))
+    if constexpr (R::isMasked) {
+        lo[0] = lo[1] = splat<YPack>(highestOf<Y>);
+        hi[0] = hi[1] = splat<YPack>(lowestOf<Y>);
+    } else {
+        lo[0] = lo[1] = hi[0] = hi[1] = loadCanonical<T, D>(whole != 0 ? run.pixels : filled);
+    }
+    const auto take = [&](int half, const T* pixels, const std::uint8_t* mask) __attribute__((always_inline))
     {
         const YPack y = loadCanonical<T, D>(pixels);
-        sums[half].add(y);
-        lo[half] = least(lo[half], y);
-        hi[half] = most(hi[half], y);
+        if constexpr (R::isMasked) {
+            const auto selection = loadSelection<T, D>(mask);
+            counts[half].add(selection);
+            sums[half].add(keep(selection, y));
+            lo[half] = least(lo[half], selection ? y : splat<YPack>(highestOf<Y>));
+            hi[half] = most(hi[half], selection ? y : splat<YPack>(lowestOf<Y>));
+        } else {
+            sums[half].add(y);
+            lo[half] = least(lo[half], y);
+            hi[half] = most(hi[half], y);
+        }
     };
     std::size_t i = 0;
     do {
         const std::size_t end = whole - i < Sums::block ? whole : i + Sums::block;
         for (; i + 2 <= end; i += 2) {
-            take(0, run.pixels + i * step);
-            take(1, run.pixels + (i + 1) * step);
+            take(0, run.pixels + i * step, maskAt(run, i * step));
+            take(1, run.pixels + (i + 1) * step, maskAt(run, (i + 1) * step));
         }
         for (; i < end; ++i) {
-            take(0, run.pixels + i * step);
+            take(0, run.pixels + i * step, maskAt(run, i * step));
         }
         if (end == whole && rest != 0) {
-            take(1, filled);
+            take(1, filled, filledMask);
         }
-        sums[0].flush(totals);
-        sums[1].flush(totals);
+        for (int half = 0; half < 2; ++half) {
+            sums[half].flush(totals);
+            if constexpr (R::isMasked) {
+                selected += counts[half].flush();
+            }
+        }
     } while (i < whole);
 
+    if (R::isMasked && selected == 0) {
+        return;
+    }
     Y los[step];
     Y his[step];
     const YPack least01 = least(lo[0], lo[1]);
@@ -99,46 +173,53 @@ void accumulateIntegers(Run<T> run, Moments& m)
     }
     widen(m, double(std::int64_t{min} + bias<T>), double(std::int64_t{max} + bias<T>));
 
-    if (rest != 0) {
+    if (!R::isMasked && rest != 0) {
         const Int128 extra = step - rest;
         const Int128 last = Int128(run.pixels[run.size - 1]) - bias<T>;
         totals.sum -= extra * last;
         totals.sumSq -= extra * last * last;
     }
-    const Int128 n = run.size;
+    const Int128 n = R::isMasked ? selected : run.size;
+    m.selected += selected;
     m.sum += totals.sum + n * bias<T>;
     m.sumSq += totals.sumSq + 2 * Int128{bias<T>} * totals.sum + n * bias<T> * bias<T>;
 }
 
 /// In the order of the pixels, so that a NaN stays until the next number replaces it.
-template <class T>
-ORLIX_KERNEL void widenInOrder(Run<T> run, Moments& m)
+template <class R>
+ORLIX_KERNEL void widenInOrder(R run, Moments& m)
 {
     for (std::size_t i = 0; i < run.size; ++i) {
-        widen(m, run.pixels[i], run.pixels[i]);
+        if (counts(run, i)) {
+            widen(m, run.pixels[i], run.pixels[i]);
+        }
     }
 }
 
 /// Pixels that fill no block of lanes, each added to its own.
-ORLIX_KERNEL void accumulateOneByOne(Run<float> run, Moments& m)
+template <class R>
+ORLIX_KERNEL void accumulateOneByOne(R run, Moments& m)
 {
-    for (std::size_t i = 0; i < run.size; ++i) {
-        const double x = run.pixels[i];
-        m.laneSums[m.position % Moments::lanes] += x;
-        m.laneSquares[m.position % Moments::lanes] += x * x;
-        ++m.position;
+    for (std::size_t i = 0; i < run.size; ++i, ++m.position) {
+        if (counts(run, i)) {
+            const double x = run.pixels[i];
+            m.laneSums[m.position % Moments::lanes] += x;
+            m.laneSquares[m.position % Moments::lanes] += x * x;
+            m.selected += R::isMasked;
+        }
     }
     widenInOrder(run, m);
 }
 
 /// Blocks of lanes; the first pixel belongs to lane 0.
-template <Domain::domain D>
-ORLIX_KERNEL void accumulateBlocks(Run<float> run, Moments& m)
+template <Domain::domain D, class R>
+ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
 {
     using Doubles = Pack<double, D>;
     using Floats = Pack<float, D>;
     constexpr std::size_t doubles = Moments::lanes / lanes<double, D>;
     constexpr std::size_t floats = Moments::lanes / lanes<float, D>;
+    constexpr float infinity = __builtin_inff();
 
     Doubles sum[doubles];
     Doubles sumSq[doubles];
@@ -146,28 +227,54 @@ ORLIX_KERNEL void accumulateBlocks(Run<float> run, Moments& m)
         sum[k] = load<Doubles>(m.laneSums + k * lanes<double, D>);
         sumSq[k] = load<Doubles>(m.laneSquares + k * lanes<double, D>);
     }
+    const auto add = [&](std::size_t k, Doubles x) __attribute__((always_inline))
+    {
+        sum[k] += x;
+        sumSq[k] = addSquare<D>(sumSq[k], x);
+    };
     Floats lo[floats];
     Floats hi[floats];
+    SelectionCount<float, D> count;
     for (std::size_t k = 0; k < floats; ++k) {
-        lo[k] = hi[k] = load<Floats>(run.pixels + k * lanes<float, D>);
+        lo[k] = R::isMasked ? splat<Floats>(infinity) : load<Floats>(run.pixels + k * lanes<float, D>);
+        hi[k] = R::isMasked ? splat<Floats>(-infinity) : lo[k];
     }
-    for (const float* pixels = run.pixels; pixels != run.pixels + run.size; pixels += Moments::lanes) {
-#pragma GCC unroll 8
-        for (std::size_t k = 0; k < doubles; ++k) {
-            const Doubles x = loadAsDoubles<D>(pixels + k * lanes<double, D>);
-            sum[k] += x;
-            sumSq[k] = addSquare<D>(sumSq[k], x);
-        }
+    for (std::size_t i = 0; i < run.size; i += Moments::lanes) {
+        const float* const pixels = run.pixels + i;
+        if constexpr (R::isMasked) {
 #pragma GCC unroll 4
-        for (std::size_t k = 0; k < floats; ++k) {
-            const Floats x = load<Floats>(pixels + k * lanes<float, D>);
-            lo[k] = least(lo[k], x);
-            hi[k] = most(hi[k], x);
+            for (std::size_t k = 0; k < floats; ++k) {
+                const Floats x = load<Floats>(pixels + k * lanes<float, D>);
+                const auto selection = loadSelection<float, D>(run.mask + i + k * lanes<float, D>);
+                count.add(selection);
+                add(2 * k, toDoubles<D, false>(keep(selection, x)));
+                add(2 * k + 1, toDoubles<D, true>(keep(selection, x)));
+                lo[k] = least(lo[k], selection ? x : splat<Floats>(infinity));
+                hi[k] = most(hi[k], selection ? x : splat<Floats>(-infinity));
+            }
+        } else {
+#pragma GCC unroll 8
+            for (std::size_t k = 0; k < doubles; ++k) {
+                add(k, loadAsDoubles<D>(pixels + k * lanes<double, D>));
+            }
+#pragma GCC unroll 4
+            for (std::size_t k = 0; k < floats; ++k) {
+                const Floats x = load<Floats>(pixels + k * lanes<float, D>);
+                lo[k] = least(lo[k], x);
+                hi[k] = most(hi[k], x);
+            }
         }
     }
     __builtin_memcpy(m.laneSums, sum, sizeof sum);
     __builtin_memcpy(m.laneSquares, sumSq, sizeof sumSq);
     m.position += run.size;
+    if constexpr (R::isMasked) {
+        const std::uint64_t selected = count.flush();
+        m.selected += selected;
+        if (selected == 0) {
+            return;
+        }
+    }
 
     float los[Moments::lanes];
     float his[Moments::lanes];
@@ -186,75 +293,107 @@ ORLIX_KERNEL void accumulateBlocks(Run<float> run, Moments& m)
     }
 }
 
-template <Domain::domain D>
-void accumulateFloats(Run<float> run, Moments& m)
+template <Domain::domain D, class R>
+void accumulateFloats(R run, Moments& m)
 {
     const std::size_t toLane0 = (Moments::lanes - m.position % Moments::lanes) % Moments::lanes;
     const std::size_t head = toLane0 < run.size ? toLane0 : run.size;
     const std::size_t blocks = (run.size - head) / Moments::lanes * Moments::lanes;
-    accumulateOneByOne({run.pixels, head}, m);
+    accumulateOneByOne(part(run, 0, head), m);
     if (blocks != 0) {
-        accumulateBlocks<D>({run.pixels + head, blocks}, m);
+        accumulateBlocks<D>(part(run, head, blocks), m);
     }
-    accumulateOneByOne({run.pixels + head + blocks, run.size - head - blocks}, m);
+    accumulateOneByOne(part(run, head + blocks, run.size - head - blocks), m);
 }
 
 /// The generic domain: one pixel after the other.
-template <class T>
-void accumulateGeneric(Run<T> run, Moments& m)
+template <class R>
+void accumulateGeneric(R run, Moments& m)
 {
+    using T = typename R::Pixel;
+    std::uint64_t selected = 0;
     if constexpr (isFloat<T>) {
         for (std::size_t i = 0; i < run.size; ++i) {
-            const double x = run.pixels[i];
-            m.laneSums[0] += x;
-            m.laneSquares[0] += x * x;
+            if (counts(run, i)) {
+                const double x = run.pixels[i];
+                m.laneSums[0] += x;
+                m.laneSquares[0] += x * x;
+                ++selected;
+            }
         }
         widenInOrder(run, m);
     } else {
         constexpr std::size_t block = std::size_t{1} << 20; // of squares below 2^32, which fit 64 bits
         Totals totals;
-        T min = run.pixels[0];
-        T max = min;
+        T min = highestOf<T>;
+        T max = lowestOf<T>;
         for (std::size_t i = 0; i < run.size;) {
             const std::size_t end = run.size - i < block ? run.size : i + block;
             std::int64_t sum = 0;
             typename SquaresOf<sizeof(T)>::Type sumSq = 0;
             for (; i < end; ++i) {
-                const std::int64_t x = run.pixels[i];
-                sum += x;
-                sumSq += std::uint64_t(x) * std::uint64_t(x); // right for negative pixels, too
-                min = min < run.pixels[i] ? min : run.pixels[i];
-                max = max > run.pixels[i] ? max : run.pixels[i];
+                if (counts(run, i)) {
+                    const std::int64_t x = run.pixels[i];
+                    sum += x;
+                    sumSq += std::uint64_t(x) * std::uint64_t(x); // right for negative pixels, too
+                    min = min < run.pixels[i] ? min : run.pixels[i];
+                    max = max > run.pixels[i] ? max : run.pixels[i];
+                    ++selected;
+                }
             }
             totals.sum += sum;
             totals.sumSq += sumSq;
         }
-        widen(m, min, max);
+        if (selected != 0) {
+            widen(m, min, max);
+        }
         m.sum += totals.sum;
         m.sumSq += totals.sumSq;
     }
+    m.selected += R::isMasked ? selected : 0;
 }
 
-template <class T, Domain::domain D>
-void accumulate(Run<T> run, Moments& m)
+template <class R, Domain::domain D>
+void accumulate(R run, Moments& m)
 {
     if (run.size == 0) {
         return;
     }
     if constexpr (D == Domain::eIS_Generic) {
         accumulateGeneric(run, m);
-    } else if constexpr (isFloat<T>) {
+    } else if constexpr (isFloat<typename R::Pixel>) {
         accumulateFloats<D>(run, m);
     } else {
-        accumulateIntegers<T, D>(run, m);
+        accumulateIntegers<D>(run, m);
     }
 }
 
-template <Domain::domain D>
-constexpr StatsKernels everyType{{&accumulate<unsigned char, D>},  {&accumulate<signed char, D>},
-                                 {&accumulate<unsigned short, D>}, {&accumulate<short, D>},
-                                 {&accumulate<unsigned int, D>},   {&accumulate<int, D>},
-                                 {&accumulate<float, D>}};
+/// The kernels of a domain; R is Run or MaskedRun, Kernels the table of its kernels.
+template <template <class> class R, class Kernels, Domain::domain D>
+constexpr Kernels everyType{{&accumulate<R<unsigned char>, D>},  {&accumulate<R<signed char>, D>},
+                            {&accumulate<R<unsigned short>, D>}, {&accumulate<R<short>, D>},
+                            {&accumulate<R<unsigned int>, D>},   {&accumulate<R<int>, D>},
+                            {&accumulate<R<float>, D>}};
+
+/// What VNNI is good for.
+template <template <class> class R, class Kernels>
+constexpr Kernels smallIntegers{{&accumulate<R<unsigned char>, Domain::eIS_AVX512>},
+                                {&accumulate<R<signed char>, Domain::eIS_AVX512>},
+                                {&accumulate<R<unsigned short>, Domain::eIS_AVX512>},
+                                {&accumulate<R<short>, Domain::eIS_AVX512>},
+                                {nullptr},
+                                {nullptr},
+                                {nullptr}};
+
+/// What IFMA is good for.
+template <template <class> class R, class Kernels>
+constexpr Kernels largeIntegers{{nullptr},
+                                {nullptr},
+                                {nullptr},
+                                {nullptr},
+                                {&accumulate<R<unsigned int>, Domain::eIS_AVX512>},
+                                {&accumulate<R<int>, Domain::eIS_AVX512>},
+                                {nullptr}};
 
 } // namespace
 

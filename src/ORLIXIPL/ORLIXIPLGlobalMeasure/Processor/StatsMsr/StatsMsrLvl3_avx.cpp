@@ -4,6 +4,6 @@ namespace orlix::imaproc::glbmsr
 {
 
 extern const StatsKernels statsKernels_avx{
-    {nullptr}, {nullptr}, {nullptr}, {nullptr}, {nullptr}, {nullptr}, {&accumulate<float, Domain::eIS_AVX>}};
+    {nullptr}, {nullptr}, {nullptr}, {nullptr}, {nullptr}, {nullptr}, {&accumulate<Run<float>, Domain::eIS_AVX>}};
 
 } // namespace orlix::imaproc::glbmsr

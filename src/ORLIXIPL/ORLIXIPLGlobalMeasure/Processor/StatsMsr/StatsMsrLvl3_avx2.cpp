@@ -3,6 +3,6 @@
 namespace orlix::imaproc::glbmsr
 {
 
-extern const StatsKernels statsKernels_avx2 = everyType<Domain::eIS_AVX2>;
+extern const StatsKernels statsKernels_avx2 = everyType<Run, StatsKernels, Domain::eIS_AVX2>;
 
 } // namespace orlix::imaproc::glbmsr

@@ -3,6 +3,6 @@
 namespace orlix::imaproc::glbmsr
 {
 
-extern const StatsKernels statsKernels_avx512 = everyType<Domain::eIS_AVX512>;
+extern const StatsKernels statsKernels_avx512 = everyType<Run, StatsKernels, Domain::eIS_AVX512>;
 
 } // namespace orlix::imaproc::glbmsr

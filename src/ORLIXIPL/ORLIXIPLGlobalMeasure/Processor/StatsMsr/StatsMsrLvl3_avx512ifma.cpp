@@ -3,12 +3,6 @@
 namespace orlix::imaproc::glbmsr
 {
 
-extern const StatsKernels statsKernels_avx512ifma{{nullptr},
-                                                  {nullptr},
-                                                  {nullptr},
-                                                  {nullptr},
-                                                  {&accumulate<unsigned int, Domain::eIS_AVX512>},
-                                                  {&accumulate<int, Domain::eIS_AVX512>},
-                                                  {nullptr}};
+extern const StatsKernels statsKernels_avx512ifma = largeIntegers<Run, StatsKernels>;
 
 } // namespace orlix::imaproc::glbmsr

@@ -3,12 +3,6 @@
 namespace orlix::imaproc::glbmsr
 {
 
-extern const StatsKernels statsKernels_avx512vnni{{&accumulate<unsigned char, Domain::eIS_AVX512>},
-                                                  {&accumulate<signed char, Domain::eIS_AVX512>},
-                                                  {&accumulate<unsigned short, Domain::eIS_AVX512>},
-                                                  {&accumulate<short, Domain::eIS_AVX512>},
-                                                  {nullptr},
-                                                  {nullptr},
-                                                  {nullptr}};
+extern const StatsKernels statsKernels_avx512vnni = smallIntegers<Run, StatsKernels>;
 
 } // namespace orlix::imaproc::glbmsr

@@ -3,6 +3,6 @@
 namespace orlix::imaproc::glbmsr
 {
 
-extern const StatsKernels statsKernels_generic = everyType<Domain::eIS_Generic>;
+extern const StatsKernels statsKernels_generic = everyType<Run, StatsKernels, Domain::eIS_Generic>;
 
 } // namespace orlix::imaproc::glbmsr

@@ -7,7 +7,7 @@ namespace orlix::imaproc::glbmsr
 
 /// The statistics of one 2d plan.
 class StatsMsrLvl2 final
-    : public StripsLvl2<StatsMsrLvl2, StatsMsrLvl3, OutStatsResult, StatsMerge, Pass<InSubImg2d, InYStrip2d>>
+    : public StripsLvl2<StatsMsrLvl2, StatsMsrLvl3, Pass<OutStatsResult>, StatsMerge, Pass<InSubImg2d, InYStrip2d>>
 {
 public:
     StatsMsrLvl2();

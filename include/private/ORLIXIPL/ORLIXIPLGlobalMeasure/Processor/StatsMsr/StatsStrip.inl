@@ -24,30 +24,40 @@ inline double addLanes(double (&lane)[Moments::lanes])
     return lane[0];
 }
 
-template <class Self, class Strip>
-void StatsStrip<Self, Strip>::functionRegistration(AlgorithmFunctionSelector& selector)
+template <class Self, class Strip, class... Mask>
+const auto& StatsStrip<Self, Strip, Mask...>::getKernels()
 {
-    const auto registerDomain = [&]<core::eInstructionSet::domain D>(DomainConstant<D>) {
-        image::forEachPixelType([&]<class T>(std::type_identity<T>) {
-            if (kernelOf<T>(getStatsKernels(D)) != nullptr) {
-                Algorithm<Self, Strip, OutStatsResult>::template registerKernel<T, D>(selector);
-            }
-        });
-    };
-    forEachAvailableDomain(registerDomain);
+    if constexpr (isMasked) {
+        return getStatsMaskKernels();
+    } else {
+        return getStatsKernels();
+    }
 }
 
-template <class Self, class Strip>
+template <class Self, class Strip, class... Mask>
+void StatsStrip<Self, Strip, Mask...>::functionRegistration(AlgorithmFunctionSelector& selector)
+{
+    StatsStrip::registerKernels(selector, []<class T>(std::type_identity<T>, core::eInstructionSet::domain domain) {
+        return kernelOf<T>(getKernels().of(domain)) != nullptr;
+    });
+}
+
+template <class Self, class Strip, class... Mask>
 template <class T, core::eInstructionSet::domain D>
-core::ProcessingResult StatsStrip<Self, Strip>::genericProcessFunction(ProcessingInfo info)
+core::ProcessingResult StatsStrip<Self, Strip, Mask...>::genericProcessFunction(ProcessingInfo info)
 {
     StatsResult& result = this->template value<OutStatsResult>();
     Moments moments{};
     moments.min = result.Min;
     moments.max = result.Max;
-    const auto kernel = kernelOf<T>(getStatsKernels(D));
+    const auto kernel = kernelOf<T>(getKernels().of(D));
     for (std::size_t i = 0; i < info.nbRuns(); ++i) {
-        kernel({this->getParser(0).template run<T>(i, info.rowSize), info.rowSize}, moments);
+        const T* const pixels = this->getParser(0).template run<T>(i, info.rowSize);
+        if constexpr (isMasked) {
+            kernel({pixels, info.rowSize, this->getParser(1).template run<std::uint8_t>(i, info.rowSize)}, moments);
+        } else {
+            kernel({pixels, info.rowSize}, moments);
+        }
     }
     if constexpr (std::is_floating_point_v<T>) {
         result.Sum = addLanes(moments.laneSums);
@@ -56,16 +66,17 @@ core::ProcessingResult StatsStrip<Self, Strip>::genericProcessFunction(Processin
         result.Sum = static_cast<double>(moments.sum);
         sumSq_ = static_cast<double>(moments.sumSq);
     }
+    result.NbPixels = isMasked ? moments.selected : info.size;
     result.Min = moments.min;
     result.Max = moments.max;
     return {};
 }
 
-template <class Self, class Strip>
-core::ProcessingResult StatsStrip<Self, Strip>::preProcess()
+template <class Self, class Strip, class... Mask>
+core::ProcessingResult StatsStrip<Self, Strip, Mask...>::preProcess()
 {
     StatsResult& result = this->template value<OutStatsResult>();
-    result.NbPixels = this->template attribute<Strip>().get().nbPixels();
+    result.NbPixels = 0;
     result.Sum = 0;
     result.Mean = 0;
     result.Min = core::NumericLimits<double>::s_max;
@@ -74,10 +85,16 @@ core::ProcessingResult StatsStrip<Self, Strip>::preProcess()
     return {};
 }
 
-template <class Self, class Strip>
-core::ProcessingResult StatsStrip<Self, Strip>::postProcess()
+template <class Self, class Strip, class... Mask>
+core::ProcessingResult StatsStrip<Self, Strip, Mask...>::postProcess()
 {
     StatsResult& result = this->template value<OutStatsResult>();
+    if (isMasked && result.NbPixels == 0) {
+        // On purpose: 0 in a strip, though a merge of nothing gives NaN.
+        result.Mean = 0;
+        result.StdDev = 0;
+        return {};
+    }
     const auto n = static_cast<double>(result.NbPixels);
     result.Mean = result.Sum / n;
     // On purpose: no clamp. Rounding may make the difference negative, and the deviation NaN.

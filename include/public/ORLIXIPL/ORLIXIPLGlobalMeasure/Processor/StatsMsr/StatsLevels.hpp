@@ -6,20 +6,25 @@
 
 #include <span>
 
-/// What the statistics measures share. One pass over the pixels gives number, sum, mean, minimum, maximum and standard
-/// deviation; the measures differ in how much of the image one result covers.
+/// What the statistics measures share, with a mask and without. One pass over the pixels gives number, sum, mean,
+/// minimum, maximum and standard deviation; the measures differ in how much of the image one result covers.
 ///
 /// Neither threads nor the layout of the pixels in memory change a bit of a result. Integer images give the same bits
 /// on every instruction set, float images on every vector instruction set; there the generic kernel adds in another
 /// order, so that sum, mean and standard deviation may differ by the rounding of double additions, and a minimum or
-/// maximum of zero by its sign.
+/// maximum of zero by its sign. A mask that is set everywhere changes no bit.
 namespace orlix::imaproc::glbmsr
 {
 
 using attr::InImg;
 using attr::InImg3d;
+using attr::InMaskImg;
+using attr::InMaskYStrip2d;
+using attr::InMaskZStrip3d;
 using attr::InSubImg2d;
 using attr::InSubImg3d;
+using attr::InSubMaskImg2d;
+using attr::InSubMaskImg3d;
 using attr::InYStrip2d;
 using attr::InZStrip3d;
 using attr::OutPIStatsResult;
@@ -33,10 +38,13 @@ struct StatsMerge
     ORLIX_API static core::ProcessingResult merge(std::span<const Ptr<StatsResult>> parts, StatsResult& merged);
 };
 
-/// One strip: the kernel and what is made of its sums. Strip is the strip attribute.
-template <class Self, class Strip>
-class StatsStrip : public Algorithm<Self, Strip, OutStatsResult>
+/// One strip: the kernel and what is made of its sums. Strip is the strip attribute, Mask that of the mask's strip or
+/// nothing.
+template <class Self, class Strip, class... Mask>
+class StatsStrip : public Algorithm<Self, Strip, Mask..., OutStatsResult>
 {
+    static constexpr bool isMasked = sizeof...(Mask) != 0;
+
 public:
     /// Enters the kernels that this machine can run.
     static void functionRegistration(AlgorithmFunctionSelector& selector);
@@ -49,6 +57,8 @@ protected:
     core::ProcessingResult postProcess() override;
 
 private:
+    static const auto& getKernels();
+
     double sumSq_ = 0;
 };
 

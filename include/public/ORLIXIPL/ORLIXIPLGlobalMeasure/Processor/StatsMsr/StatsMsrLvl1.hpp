@@ -9,7 +9,7 @@ class StatsMsrLvl2;
 
 /// The statistics of a whole image: all its plans merged into one result.
 class ORLIX_API StatsMsrLvl1 final
-    : public MergedLvl1<StatsMsrLvl1, StatsMsrLvl2, OutStatsResult, StatsMerge, Pass<InImg, InSubImg2d>>
+    : public MergedLvl1<StatsMsrLvl1, StatsMsrLvl2, Pass<OutStatsResult>, StatsMerge, Pass<InImg, InSubImg2d>>
 {
 public:
     StatsMsrLvl1();

@@ -7,7 +7,7 @@ namespace orlix::imaproc::glbmsr
 
 /// The statistics of one 2d plan.
 class ORLIX_API StatsMsr2dLvl2 final
-    : public StripsLvl2<StatsMsr2dLvl2, StatsMsr2dLvl3, OutStatsResult, StatsMerge, Pass<InSubImg2d, InYStrip2d>>
+    : public StripsLvl2<StatsMsr2dLvl2, StatsMsr2dLvl3, Pass<OutStatsResult>, StatsMerge, Pass<InSubImg2d, InYStrip2d>>
 {
 public:
     StatsMsr2dLvl2();

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <framework/attribute/Attribute.hpp>
+#include <framework/attribute/PlanIndexedColl.hpp>
+
+#include <cstdint>
+#include <vector>
+
+namespace orlix::imaproc::attr
+{
+
+/// Where the range of a histogram comes from.
+enum class eMinMaxDefinition : unsigned
+{
+    eMMD_ImgMinMax = 0,        ///< minimum and maximum of what is measured; so is any value that is not named here
+    eMMD_UserDefinedMinMax = 1 ///< Min and Max of the parameters, where they fit the pixel type; else those of the image
+};
+
+/// How a histogram is to be cut into classes.
+class ORLIX_API HistoMsrParams final : public data::DataItem<HistoMsrParams>
+{
+public:
+    static constexpr const char* typeName = "orlix::imaproc::attr::HistoMsrParams";
+
+    double Min = 0;              ///< lower bound of the range, where the user defines it
+    double Max = 0;              ///< upper bound, itself in the last class
+    double BinWidth = 0;         ///< class width, where UseBinWidth is true; at least 1 for integer images
+    std::uint32_t NbClasses = 0; ///< wanted number of classes, where UseBinWidth is false
+    eMinMaxDefinition MinMaxDefinition = eMinMaxDefinition::eMMD_ImgMinMax;
+    bool UseBinWidth = false;
+
+    static constexpr auto fields()
+    {
+        return std::tuple{data::Field{"Min", &HistoMsrParams::Min},
+                          data::Field{"Max", &HistoMsrParams::Max},
+                          data::Field{"BinWidth", &HistoMsrParams::BinWidth},
+                          data::Field{"NbClasses", &HistoMsrParams::NbClasses},
+                          data::Field{"MinMaxDefinition", &HistoMsrParams::MinMaxDefinition},
+                          data::Field{"UseBinWidth", &HistoMsrParams::UseBinWidth}};
+    }
+};
+
+/// Classes of this width over the range of the image.
+ORLIX_API Ptr<HistoMsrParams> createHistoMsrParamsWithBinWidth(double binWidth);
+/// Classes of this width from min to max.
+ORLIX_API Ptr<HistoMsrParams> createHistoMsrParamsWithBinWidth(double min, double max, double binWidth);
+
+/// Parameters for some plans of an image.
+class ORLIX_API PlanIndexedHistoMsrParams final : public PlanIndexedColl<PlanIndexedHistoMsrParams, HistoMsrParams>
+{
+public:
+    static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedHistoMsrParams";
+};
+
+/// The number of pixels in classes of equal width: class i covers [Min + i BinWidth, Min + (i + 1) BinWidth), and Max
+/// itself is in the last class. While it is built, Frequencies has a guard class at its end.
+class ORLIX_API HistogramData final : public data::DataItem<HistogramData>
+{
+public:
+    static constexpr const char* typeName = "orlix::imaproc::attr::HistogramData";
+
+    double Min = 0;
+    double Max = 0;
+    double BinWidth = 0;
+    std::vector<std::uint64_t> Frequencies;
+
+    std::size_t getNbClasses() const { return Frequencies.size(); }
+
+    /// Sets all frequencies to 0.
+    void clear();
+    /// Adds the frequencies of a histogram of the same classes.
+    HistogramData& operator+=(const HistogramData& other);
+
+    static constexpr auto fields()
+    {
+        return std::tuple{data::Field{"Min", &HistogramData::Min}, data::Field{"Max", &HistogramData::Max},
+                          data::Field{"BinWidth", &HistogramData::BinWidth},
+                          data::Field{"Frequencies", &HistogramData::Frequencies}};
+    }
+};
+
+class ORLIX_API PlanIndexedHistogramData final : public PlanIndexedColl<PlanIndexedHistogramData, HistogramData>
+{
+public:
+    static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedHistogramData";
+};
+
+class ORLIX_API InOptHistoMsrParams final : public OptionalInput<InOptHistoMsrParams, HistoMsrParams>
+{
+public:
+    static constexpr const char* name = "InOptHistoMsrParams";
+};
+
+class ORLIX_API InOptPIHistoMsrParams final
+    : public PlanIndexedOptionalInput<InOptPIHistoMsrParams, PlanIndexedHistoMsrParams>
+{
+public:
+    static constexpr const char* name = "InOptPIHistoMsrParams";
+};
+
+/// A histogram that comes with its classes, guard class included, and leaves with their frequencies.
+class ORLIX_API InOutHistogram final : public ObjectInputOutput<InOutHistogram, HistogramData>
+{
+public:
+    static constexpr const char* name = "InOutHistogram";
+};
+
+class ORLIX_API OutHistogram final : public ObjectOutput<OutHistogram, HistogramData>
+{
+public:
+    static constexpr const char* name = "OutHistogram";
+};
+
+class ORLIX_API OutPIHistogram final : public PlanIndexedOutput<OutPIHistogram, PlanIndexedHistogramData>
+{
+public:
+    static constexpr const char* name = "OutPIHistogram";
+};
+
+} // namespace orlix::imaproc::attr

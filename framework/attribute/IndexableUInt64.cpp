@@ -1,0 +1,14 @@
+#include <framework/attribute/IndexableUInt64.hpp>
+
+#include <framework/data/DynamicObjectFactory.hpp>
+
+namespace orlix::imaproc::attr
+{
+
+namespace
+{
+const data::DynamicClassRegistration<IndexableUInt64> element{IndexableUInt64::typeName};
+const data::DynamicClassRegistration<PlanIndexedIndexableUInt64> collection{PlanIndexedIndexableUInt64::typeName};
+} // namespace
+
+} // namespace orlix::imaproc::attr
