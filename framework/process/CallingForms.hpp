@@ -5,44 +5,51 @@
 namespace orlix::imaproc
 {
 
-/// The calling forms of a measure with level 1 class Lvl1, whose parameters are Inputs in their order. The entry
+/// The calling forms of a measure with level 1 class Lvl1; Inputs are the attributes of their parameters. The entry
 /// functions are one line each over them; they catch nothing.
-template <class Lvl1, class... Inputs>
+template <class Lvl1>
 class CallingForms
 {
     using Output = typename Lvl1::Output;
 
 public:
     /// The result of the whole image, or of plan (0, 0, 0) where there is one result per plan.
+    template <class... Inputs>
     static auto single(const typename Inputs::Storage&... inputs)
     {
         if constexpr (attr::PlanIndexedAttribute<Output>) {
             // The processor writes into this very object.
             auto result = makePtr<typename Output::Element>();
-            executeSyncRun(makeForFirstPlan(result, inputs...));
+            executeSyncRun(makeForFirstPlan<Inputs...>(result, inputs...));
             return result;
         } else {
-            return everyPlan(inputs...);
+            return everyPlan<Inputs...>(inputs...);
         }
     }
 
+    template <class... Inputs>
     static Ptr<Lvl1> singleAsync(const typename Inputs::Storage&... inputs)
     {
         if constexpr (attr::PlanIndexedAttribute<Output>) {
-            return start(makeForFirstPlan(makePtr<typename Output::Element>(), inputs...));
+            return start(makeForFirstPlan<Inputs...>(makePtr<typename Output::Element>(), inputs...));
         } else {
-            return start(make(inputs...));
+            return start(make<Inputs...>(inputs...));
         }
     }
 
+    template <class... Inputs>
     static typename Output::Storage everyPlan(const typename Inputs::Storage&... inputs)
     {
-        const Ptr<Lvl1> processor = make(inputs...);
+        const Ptr<Lvl1> processor = make<Inputs...>(inputs...);
         executeSyncRun(processor);
         return processor->template getStorage<Output>();
     }
 
-    static Ptr<Lvl1> everyPlanAsync(const typename Inputs::Storage&... inputs) { return start(make(inputs...)); }
+    template <class... Inputs>
+    static Ptr<Lvl1> everyPlanAsync(const typename Inputs::Storage&... inputs)
+    {
+        return start(make<Inputs...>(inputs...));
+    }
 
     /// The output of a processor that has ended, null if it failed; neither getter waits.
     static auto output(const Ptr<Lvl1>& processor)
@@ -60,6 +67,7 @@ public:
     }
 
 private:
+    template <class... Inputs>
     static Ptr<Lvl1> make(const typename Inputs::Storage&... inputs)
     {
         auto processor = makePtr<Lvl1>();
@@ -68,12 +76,12 @@ private:
         return processor;
     }
 
-    template <class Element>
+    template <class... Inputs, class Element>
     static Ptr<Lvl1> makeForFirstPlan(const Ptr<Element>& result, const typename Inputs::Storage&... inputs)
     {
         auto collection = makePtr<typename Output::Value>();
         collection->insert({0, 0, 0}, result);
-        auto processor = make(inputs...);
+        auto processor = make<Inputs...>(inputs...);
         processor->template set<Output>(collection);
         return processor;
     }

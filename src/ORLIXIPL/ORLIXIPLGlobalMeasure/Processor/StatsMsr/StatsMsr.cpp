@@ -7,16 +7,16 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<StatsMsrLvl1, InImg>;
+using Forms = CallingForms<StatsMsrLvl1>;
 
 Ptr<StatsResult> statsMsr(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::single(image);
+    return Forms::single<InImg>(image);
 }
 
 Ptr<StatsMsrLvl1> statsMsr_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::singleAsync(image);
+    return Forms::singleAsync<InImg>(image);
 }
 
 Ptr<StatsResult> getAsyncProcessorOutput(const Ptr<StatsMsrLvl1>& processor)

@@ -5,26 +5,26 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<StatsMsr2dLvl1, InImg>;
+using Forms = CallingForms<StatsMsr2dLvl1>;
 
 Ptr<StatsResult> statsMsr2d(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::single(image);
+    return Forms::single<InImg>(image);
 }
 
 Ptr<StatsMsr2dLvl1> statsMsr2d_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::singleAsync(image);
+    return Forms::singleAsync<InImg>(image);
 }
 
 Ptr<PlanIndexedStatsResult> multiSlice_statsMsr2d(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::everyPlan(image);
+    return Forms::everyPlan<InImg>(image);
 }
 
 Ptr<StatsMsr2dLvl1> multiSlice_statsMsr2d_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::everyPlanAsync(image);
+    return Forms::everyPlanAsync<InImg>(image);
 }
 
 Ptr<StatsResult> getAsyncProcessorOutput(const Ptr<StatsMsr2dLvl1>& processor)

@@ -5,26 +5,26 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<StatsMsr3dLvl1, InImg3d>;
+using Forms = CallingForms<StatsMsr3dLvl1>;
 
 Ptr<StatsResult> statsMsr3d(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::single(image);
+    return Forms::single<InImg3d>(image);
 }
 
 Ptr<StatsMsr3dLvl1> statsMsr3d_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::singleAsync(image);
+    return Forms::singleAsync<InImg3d>(image);
 }
 
 Ptr<PlanIndexedStatsResult> multiSlice_statsMsr3d(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::everyPlan(image);
+    return Forms::everyPlan<InImg3d>(image);
 }
 
 Ptr<StatsMsr3dLvl1> multiSlice_statsMsr3d_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::everyPlanAsync(image);
+    return Forms::everyPlanAsync<InImg3d>(image);
 }
 
 Ptr<StatsResult> getAsyncProcessorOutput(const Ptr<StatsMsr3dLvl1>& processor)

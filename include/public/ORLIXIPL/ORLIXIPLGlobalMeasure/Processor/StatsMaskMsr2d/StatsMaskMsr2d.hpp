@@ -1,0 +1,24 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMaskMsr2d/StatsMaskMsr2dLvl1.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// The statistics of statsMsr2d over the pixels whose mask byte is not 0: one result per 2d plan (z, c, t). The mask is
+/// uint8, int8 or binary and has the size of the image; where it is empty, mean and deviation are NaN. The synchronous
+/// forms throw ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0, 0) alone.
+ORLIX_API Ptr<StatsResult> statsMaskMsr2d(const Ptr<const image::BaseImage>& image,
+                                          const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<StatsMaskMsr2dLvl1> statsMaskMsr2d_async(const Ptr<const image::BaseImage>& image,
+                                                       const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<PlanIndexedStatsResult> multiSlice_statsMaskMsr2d(const Ptr<const image::BaseImage>& image,
+                                                                const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<StatsMaskMsr2dLvl1> multiSlice_statsMaskMsr2d_async(const Ptr<const image::BaseImage>& image,
+                                                                  const Ptr<const image::BaseImage>& mask);
+
+/// What a run has written so far; wait for it first.
+ORLIX_API Ptr<StatsResult> getAsyncProcessorOutput(const Ptr<StatsMaskMsr2dLvl1>& processor);
+ORLIX_API Ptr<PlanIndexedStatsResult> getAsyncProcessorMultiSliceOutput(const Ptr<StatsMaskMsr2dLvl1>& processor);
+
+} // namespace orlix::imaproc::glbmsr
