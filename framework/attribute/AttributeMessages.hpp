@@ -14,6 +14,13 @@ enum class eAttributeMessage : unsigned
     eAM_NoStrip = 3,        ///< attribute
     eAM_NoElement = 4,      ///< number of the element, class of the collection
     eAM_WrongElement = 5,   ///< class of the collection, class of the element
+    eAM_WrongBinWidth = 6,  ///< attribute, width
+    eAM_NoClasses = 7,      ///< attribute
+    eAM_WrongRange = 8,     ///< attribute, Min, Max, pixel type, lowest, highest
+    eAM_NarrowClasses = 9,  ///< attribute, width, least width
+    eAM_NoFiniteRange = 10, ///< Min, Max
+    eAM_NarrowRange = 11,   ///< Min, Max, width
+    eAM_ManyClasses = 12,   ///< number of classes, megabytes, limit in megabytes
 };
 
 } // namespace orlix::imaproc::attr

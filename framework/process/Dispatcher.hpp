@@ -104,12 +104,17 @@ private:
 };
 
 /// Children that are known in advance, one per plan; they take over the policy. `childBytes` is the size of one plan's
-/// pixels.
+/// pixels; no more than `maxParallel` children run at once.
 template <class Child, class... Splits>
 Ptr<ActionProvider> makeStaticDispatcher(ePriority priority, const ProcessorDispatchPolicy& policy,
-                                         std::size_t children, std::size_t childBytes, Splits... splits)
+                                         std::size_t children, std::size_t childBytes, std::size_t maxParallel,
+                                         Splits... splits)
 {
-    const std::size_t grain = std::max<std::size_t>(1, policy.stripBytes / std::max<std::size_t>(1, childBytes));
+    // Ranges of half a grain occur, too.
+    const std::size_t grain = std::max({std::size_t{1}, policy.stripBytes / std::max<std::size_t>(1, childBytes),
+                                        maxParallel >= children ? 1
+                                        : maxParallel <= 1      ? children
+                                                                : 2 * (children / maxParallel + 1)});
     return makePtr<Dispatcher<Child, Splits...>>(children, grain, priority, policy, std::move(splits)...);
 }
 

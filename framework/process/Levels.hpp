@@ -4,6 +4,7 @@
 #include <framework/process/Processor.hpp>
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 #include <type_traits>
 #include <utility>
@@ -142,7 +143,8 @@ class PlanIndexedLvl1 : public Processor<Self, BaseAsync1Processor, typename Inp
 protected:
     Rule makeRule() const override
     {
-        return matchImagePlans(this->template attribute<typename Output::Source>(), this->template attribute<Image>()) &&
+        return matchImagePlans(this->template attribute<typename Output::Source>(),
+                               this->template attribute<Image>()) &&
                detail::matchSizes(this->template attribute<typename Inputs::Source>()...);
     }
 
@@ -151,11 +153,12 @@ protected:
         const Collection& collection = this->template value<typename Output::Source>();
         const image::BaseImage& image = this->template value<Image>();
         plans_.emplace(collection);
-        provider = makeStaticDispatcher<Child>(
-            priority, this->getDispatchPolicy(), plans_->size(), detail::planBytes(image, Image::kind),
-            PlanIndexedSplit<Child, Collection, typename Output::Target>{collection},
-            detail::splitByPlan<Child, typename Inputs::Source, typename Inputs::Target>(
-                this->template attribute<typename Inputs::Source>(), *plans_)...);
+        provider =
+            makeStaticDispatcher<Child>(priority, this->getDispatchPolicy(), plans_->size(),
+                                        detail::planBytes(image, Image::kind), std::numeric_limits<std::size_t>::max(),
+                                        PlanIndexedSplit<Child, Collection, typename Output::Target>{collection},
+                                        detail::splitByPlan<Child, typename Inputs::Source, typename Inputs::Target>(
+                                            this->template attribute<typename Inputs::Source>(), *plans_)...);
         return {};
     }
 
@@ -178,6 +181,9 @@ protected:
         return detail::matchSizes(this->template attribute<typename Inputs::Source>()...);
     }
 
+    /// How many plans may be measured at once.
+    virtual std::size_t getMaxParallelPlans() const { return std::numeric_limits<std::size_t>::max(); }
+
     core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override
     {
         const image::BaseImage& image = this->template value<Image>();
@@ -185,7 +191,7 @@ protected:
         results_.begin(this->template attribute<typename Output::Source>(), plans_->size());
         provider = makeStaticDispatcher<Child>(
             priority, this->getDispatchPolicy(), plans_->size(), detail::planBytes(image, Image::kind),
-            results_.template split<Child>(),
+            getMaxParallelPlans(), results_.template split<Child>(),
             detail::splitByPlan<Child, typename Inputs::Source, typename Inputs::Target>(
                 this->template attribute<typename Inputs::Source>(), *plans_)...);
         return {};
@@ -223,9 +229,8 @@ protected:
     core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override
     {
         const image::BaseImage& image = this->template value<Image>();
-        cut_.emplace(
-            Strip::getNbElements(image), Strip::getElementPixels(image) * image.getPixelSize(),
-            std::max(this->getDispatchPolicy().stripBytes, this->getMinStripPixels() * image.getPixelSize()));
+        cut_.emplace(Strip::getNbElements(image), Strip::getElementPixels(image) * image.getPixelSize(),
+                     std::max(this->getDispatchPolicy().stripBytes, this->getMinStripPixels() * image.getPixelSize()));
         results_.begin(this->template attribute<typename Output::Source>(), cut_->size());
         provider = makeDynamicDispatcher<Child>(
             priority, this->getDispatchPolicy(), cut_->size(), results_.template split<Child>(),

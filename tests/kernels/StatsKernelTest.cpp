@@ -39,29 +39,6 @@ bool hasKernel(core::eInstructionSet::domain set)
     return core::isAvailable(set) && (set != core::eInstructionSet::eIS_AVX || std::is_same_v<T, float>);
 }
 
-template <class T>
-void expectReference(const StatsResult& result, const std::vector<T>& values)
-{
-    const ReferenceStats expected = referenceStats(values);
-    const auto n = static_cast<double>(values.size());
-    EXPECT_EQ(result.NbPixels, values.size());
-    EXPECT_EQ(result.Min, expected.min);
-    EXPECT_EQ(result.Max, expected.max);
-    EXPECT_EQ(result.Mean, result.Sum / n);
-    if constexpr (std::is_integral_v<T>) {
-        const auto sumSq = static_cast<double>(expected.sumSq);
-        EXPECT_EQ(result.Sum, static_cast<double>(expected.sum));
-        const double deviation = std::sqrt(sumSq / n - result.Mean * result.Mean);
-        // Not clamped: NaN where rounding makes the variance negative.
-        EXPECT_EQ(std::isnan(result.StdDev), std::isnan(deviation));
-        EXPECT_TRUE(result.StdDev == deviation || std::isnan(deviation)) << result.StdDev << " " << deviation;
-    } else {
-        EXPECT_NEAR(result.Sum, static_cast<double>(expected.sum), 1e-15 * n * static_cast<double>(expected.sumAbs));
-        const double deviation = std::sqrt(static_cast<double>(expected.variance()));
-        EXPECT_NEAR(result.StdDev, deviation, 1e-9 * (1 + deviation));
-    }
-}
-
 } // namespace
 
 template <class T>

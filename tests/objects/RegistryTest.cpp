@@ -25,9 +25,20 @@ namespace
 
 /// The row of the message table that is each class's tool tip.
 const std::map<std::string, unsigned> toolTips{
-    {"StatsMsrLvl1", 87},   {"StatsMsrLvl2", 88},   {"StatsMsrLvl3", 89},
-    {"StatsMsr2dLvl1", 79}, {"StatsMsr2dLvl2", 80}, {"StatsMsr2dLvl3", 81},
-    {"StatsMsr3dLvl1", 83}, {"StatsMsr3dLvl2", 84}, {"StatsMsr3dLvl3", 85},
+    {"Counting2dMsrLvl1", 3},       {"Counting2dMsrLvl2", 4},       {"Counting3dMsrLvl1", 5},
+    {"Counting3dMsrLvl2", 6},       {"GlobalEntropyMsr2dLvl1", 10}, {"GlobalEntropyMsr2dLvl2", 11},
+    {"HistogramMaskMsr2dLvl1", 12}, {"HistogramMaskMsr2dLvl2", 13}, {"HistogramMaskMsr2dLvl3", 14},
+    {"HistogramMaskMsr3dLvl1", 15}, {"HistogramMaskMsr3dLvl2", 16}, {"HistogramMaskMsr3dLvl3", 17},
+    {"HistogramMaskMsrLvl1", 18},   {"HistogramMaskMsrLvl2", 19},   {"HistogramMaskMsrLvl3", 20},
+    {"HistogramMsr2dLvl1", 21},     {"HistogramMsr2dLvl2", 22},     {"HistogramMsr2dLvl3", 23},
+    {"HistogramMsr3dLvl1", 24},     {"HistogramMsr3dLvl2", 25},     {"HistogramMsr3dLvl3", 26},
+    {"HistogramMsrLvl1", 27},       {"HistogramMsrLvl2", 28},       {"HistogramMsrLvl3", 29},
+    {"StatsMaskMsr2dLvl1", 69},     {"StatsMaskMsr2dLvl2", 70},     {"StatsMaskMsr2dLvl3", 71},
+    {"StatsMaskMsr3dLvl1", 72},     {"StatsMaskMsr3dLvl2", 73},     {"StatsMaskMsr3dLvl3", 74},
+    {"StatsMaskMsrLvl1", 75},       {"StatsMaskMsrLvl2", 76},       {"StatsMaskMsrLvl3", 77},
+    {"StatsMsr2dLvl1", 79},         {"StatsMsr2dLvl2", 80},         {"StatsMsr2dLvl3", 81},
+    {"StatsMsr3dLvl1", 83},         {"StatsMsr3dLvl2", 84},         {"StatsMsr3dLvl3", 85},
+    {"StatsMsrLvl1", 87},           {"StatsMsrLvl2", 88},           {"StatsMsrLvl3", 89},
 };
 
 std::string textOf(unsigned number)

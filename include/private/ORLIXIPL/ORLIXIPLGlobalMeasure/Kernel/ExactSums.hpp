@@ -11,9 +11,6 @@ namespace orlix::imaproc::glbmsr
 namespace
 {
 
-template <class T>
-inline constexpr bool isSigned = T(-1) < T(0);
-
 /// Bytes and 32-bit pixels are summed as unsigned numbers, 16-bit pixels as signed ones: that is how the machine
 /// multiplies them.
 template <std::size_t Size>

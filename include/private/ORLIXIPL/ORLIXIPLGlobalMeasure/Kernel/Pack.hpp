@@ -19,6 +19,11 @@ using Domain = core::eInstructionSet;
 namespace
 {
 
+template <class T>
+inline constexpr bool isSigned = T(-1) < T(0);
+template <class T>
+inline constexpr bool isFloat = T(0.5) != T(0);
+
 /// The width of a domain's registers.
 template <Domain::domain D>
 inline constexpr std::size_t packBytes = D == Domain::eIS_SSE2     ? 16
@@ -115,28 +120,46 @@ ORLIX_KERNEL Pack<std::uint64_t, D> squareLow(P a)
     }
 }
 
-/// A signed integer of so many bytes.
+/// The integers of so many bytes.
 template <std::size_t Size>
-struct SignedOf;
+struct IntegersOf;
 template <>
-struct SignedOf<1>
+struct IntegersOf<1>
 {
-    using Type = signed char;
+    using Signed = signed char;
+    using Unsigned = std::uint8_t;
 };
 template <>
-struct SignedOf<2>
+struct IntegersOf<2>
 {
-    using Type = std::int16_t;
+    using Signed = std::int16_t;
+    using Unsigned = std::uint16_t;
 };
 template <>
-struct SignedOf<4>
+struct IntegersOf<4>
 {
-    using Type = std::int32_t;
+    using Signed = std::int32_t;
+    using Unsigned = std::uint32_t;
 };
+template <class T>
+using Unsigned = typename IntegersOf<sizeof(T)>::Unsigned;
 
 /// What a comparison of pixels of type T gives: all ones where it holds, else 0.
 template <class T, Domain::domain D>
-using Selection = Pack<typename SignedOf<sizeof(T)>::Type, D>;
+using Selection = Pack<typename IntegersOf<sizeof(T)>::Signed, D>;
+
+/// Whether a selection has any lane.
+template <Domain::domain D, class S>
+ORLIX_KERNEL bool anyOf(S selection)
+{
+    if constexpr (D == Domain::eIS_SSE2) {
+        return _mm_movemask_epi8((__m128i)selection) != 0;
+    } else if constexpr (D == Domain::eIS_AVX512) {
+        return _mm512_test_epi32_mask((__m512i)selection, (__m512i)selection) != 0;
+    } else {
+        return _mm256_testz_si256((__m256i)selection, (__m256i)selection) == 0;
+    }
+}
 
 /// Which of the next pixels of type T count: those whose mask byte is not 0.
 template <class T, Domain::domain D>
@@ -155,6 +178,11 @@ ORLIX_KERNEL Selection<T, D> loadSelection(const std::uint8_t* mask)
             const __m128i words = _mm_unpacklo_epi8(_mm_cvtsi32_si128(four), _mm_setzero_si128());
             return (S)_mm_unpacklo_epi16(words, _mm_setzero_si128()) != 0;
         }
+    } else if constexpr (D == Domain::eIS_AVX) {
+        static_assert(sizeof(T) == 4);
+        const __m128i zero = _mm_setzero_si128();
+        const __m128i words = _mm_unpacklo_epi8(_mm_loadl_epi64((const __m128i*)mask), zero);
+        return (S)_mm256_set_m128i(_mm_unpackhi_epi16(words, zero), _mm_unpacklo_epi16(words, zero)) != 0;
     } else if constexpr (D == Domain::eIS_AVX512) {
         if constexpr (sizeof(T) == 2) {
             return (S)_mm512_cvtepu8_epi16(_mm256_loadu_si256((const __m256i*)mask)) != 0;
@@ -175,6 +203,70 @@ template <class P, class S>
 ORLIX_KERNEL P keep(S selection, P x)
 {
     return (P)(selection & (S)x);
+}
+
+/// |x|
+template <class P>
+ORLIX_KERNEL P magnitude(P x)
+{
+    static_assert(sizeof(x[0]) == 4);
+    using Bits = typename PackOf<std::int32_t, sizeof(P)>::Type;
+    return (P)((Bits)x & 0x7fffffff);
+}
+
+/// 32-bit lanes, seen as signed numbers, rounded to single precision.
+template <Domain::domain D, class P>
+ORLIX_KERNEL Pack<float, D> signedToFloats(P x)
+{
+    if constexpr (D == Domain::eIS_SSE2) {
+        return (Pack<float, D>)_mm_cvtepi32_ps((__m128i)x);
+    } else if constexpr (D == Domain::eIS_AVX512) {
+        return (Pack<float, D>)_mm512_cvtepi32_ps((__m512i)x);
+    } else {
+        return (Pack<float, D>)_mm256_cvtepi32_ps((__m256i)x);
+    }
+}
+
+/// Toward zero; what no 32-bit number can hold, NaN included, becomes 0x80000000.
+template <Domain::domain D>
+ORLIX_KERNEL Pack<std::int32_t, D> truncate(Pack<float, D> x)
+{
+    if constexpr (D == Domain::eIS_SSE2) {
+        return (Pack<std::int32_t, D>)_mm_cvttps_epi32((__m128)x);
+    } else if constexpr (D == Domain::eIS_AVX512) {
+        return (Pack<std::int32_t, D>)_mm512_cvttps_epi32((__m512)x);
+    } else {
+        return (Pack<std::int32_t, D>)_mm256_cvttps_epi32((__m256)x);
+    }
+}
+
+/// As many pixels as there are lanes for floats, rounded to single precision.
+template <Domain::domain D, class T>
+ORLIX_KERNEL Pack<float, D> loadAsFloats(const T* pixels)
+{
+    using Floats = Pack<float, D>;
+    if constexpr (isFloat<T>) {
+        return load<Floats>(pixels);
+    } else if constexpr (sizeof(T) == 2 && D == Domain::eIS_SSE2) {
+        const __m128i words = _mm_loadl_epi64((const __m128i*)pixels);
+        const __m128i zero = _mm_setzero_si128();
+        return (Floats)_mm_cvtepi32_ps(isSigned<T> ? _mm_srai_epi32(_mm_unpacklo_epi16(zero, words), 16)
+                                                   : _mm_unpacklo_epi16(words, zero));
+    } else if constexpr (sizeof(T) == 2 && D == Domain::eIS_AVX512) {
+        const __m256i words = _mm256_loadu_si256((const __m256i*)pixels);
+        return (Floats)_mm512_cvtepi32_ps(isSigned<T> ? _mm512_cvtepi16_epi32(words) : _mm512_cvtepu16_epi32(words));
+    } else if constexpr (sizeof(T) == 2) {
+        const __m128i words = _mm_loadu_si128((const __m128i*)pixels);
+        return (Floats)_mm256_cvtepi32_ps(isSigned<T> ? _mm256_cvtepi16_epi32(words) : _mm256_cvtepu16_epi32(words));
+    } else {
+        const auto x = load<Pack<std::uint32_t, D>>(pixels);
+        if constexpr (isSigned<T>) {
+            return signedToFloats<D>(x);
+        } else {
+            // Both halves are exact, so their sum is rounded once.
+            return signedToFloats<D>(x >> 16) * 65536.f + signedToFloats<D>(x & 0xffffu);
+        }
+    }
 }
 
 /// The lower or upper half of a pack of floats as doubles.

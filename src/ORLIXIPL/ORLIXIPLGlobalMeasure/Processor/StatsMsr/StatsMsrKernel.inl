@@ -15,9 +15,6 @@ namespace orlix::imaproc::glbmsr
 namespace
 {
 
-template <class T>
-inline constexpr bool isFloat = T(0.5) != T(0);
-
 /// Holds a sum of squares of 2^20 pixels of `Size` bytes.
 template <std::size_t Size>
 struct SquaresOf
@@ -41,27 +38,22 @@ inline constexpr T lowestOf = isSigned<T> ? T(T(1) << (8 * sizeof(T) - 1)) : T(0
 template <class T>
 inline constexpr T highestOf = T(~lowestOf<T>);
 
-template <std::size_t Size>
-struct CountLaneOf
+template <class T, std::size_t Size = sizeof(T)>
+struct CountLane
 {
-    using Type = std::uint32_t;
+    using Type = Unsigned<T>;
 };
-template <>
-struct CountLaneOf<1>
+template <class T>
+struct CountLane<T, 1>
 {
     using Type = std::uint64_t; // sums of eight bytes
-};
-template <>
-struct CountLaneOf<2>
-{
-    using Type = std::uint16_t;
 };
 
 /// Counts the selected lanes; up to 2^14 packs of 16 bits, 2^32 of others.
 template <class T, Domain::domain D>
 struct SelectionCount
 {
-    using Lane = typename CountLaneOf<sizeof(T)>::Type;
+    using Lane = typename CountLane<T>::Type;
     Pack<Lane, D> count{};
 
     ORLIX_KERNEL void add(Selection<T, D> selection)
@@ -78,7 +70,6 @@ struct SelectionCount
         count = Pack<Lane, D>{};
         return sum;
     }
-
 };
 
 template <Domain::domain D, class R>

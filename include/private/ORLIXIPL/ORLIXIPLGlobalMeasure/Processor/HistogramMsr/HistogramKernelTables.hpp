@@ -1,0 +1,45 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelTables.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramKernels.hpp>
+
+#include <framework/attribute/HistogramData.hpp>
+
+#include <vector>
+
+namespace orlix::imaproc::glbmsr
+{
+
+const KernelTables<HistogramKernel>& getHistogramKernels();
+const KernelTables<HistogramMaskKernel>& getHistogramMaskKernels();
+
+/// The counts of one strip, from the histogram's classes to its frequencies.
+class StripCounts
+{
+public:
+    /// `tables` is memory that lives on from strip to strip.
+    StripCounts(attr::HistogramData& histogram, image::eImageBufferType type, std::size_t nbPixels, bool isMasked,
+                std::vector<std::uint32_t>& tables);
+
+    const ClassCounts& get() const { return counts_; }
+    /// How many more pixels the tables can take before flush().
+    std::size_t getRoom() const { return room_; }
+    void take(std::size_t nbPixels) { room_ -= nbPixels; }
+    /// Adds what the tables hold to the frequencies.
+    void flush();
+
+private:
+    static constexpr std::size_t capacity = std::size_t{1} << 31; ///< of a table's entry, and more
+
+    /// The value of an entry that counts by value.
+    float valueOf(std::size_t entry) const;
+
+    attr::HistogramData& histogram_;
+    image::eImageBufferType type_;
+    std::vector<std::uint32_t>& tables_;
+    std::size_t stride_ = 0;
+    std::size_t room_ = capacity;
+    ClassCounts counts_{};
+};
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelsByType.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// The classes of a histogram, as pixels see them.
+struct ClassRule
+{
+    double min;
+    double binWidth;
+    float minF; ///< the bounds as pixels are compared with them, in single precision
+    float maxF;
+    std::uint32_t size; ///< classes and the guard class
+};
+
+/// What a histogram kernel counts into. There are several tables, so that equal neighbours need not wait for each
+/// other; they may coincide, and each has an entry `size` for what does not count.
+struct ClassCounts
+{
+    static constexpr std::size_t nbTables = 8;
+
+    std::uint32_t* tables[nbTables];
+    std::uint32_t size;
+    /// Integer pixels: entry i counts the pixels of value first + i, and classes come later. Pixels of 8 bits are
+    /// always counted so, by their byte, with 256 entries more for what a mask excludes.
+    bool byValue;
+    std::int64_t first;
+    /// Else entry i is class i.
+    ClassRule rule;
+    /// Vector kernels find the class of a pixel as (pixel - base) * inverse in single precision, and ask the rule where
+    /// the product is closer to a class border than its error. `approximate` tells whether that is worth while.
+    bool approximate;
+    float base;
+    float inverse;
+    float slack; ///< the part of the error that does not grow with the class
+};
+
+template <class T>
+using HistogramKernel = void (*)(Run<T>, const ClassCounts&);
+template <class T>
+using HistogramMaskKernel = void (*)(MaskedRun<T>, const ClassCounts&);
+
+using HistogramKernels = KernelsByType<HistogramKernel>;
+using HistogramMaskKernels = KernelsByType<HistogramMaskKernel>;
+
+// One table per kernel file, each usable only where its instruction set is.
+extern const HistogramKernels histogramKernels_generic;
+extern const HistogramKernels histogramKernels_sse2;
+extern const HistogramKernels histogramKernels_avx; ///< float alone
+extern const HistogramKernels histogramKernels_avx2;
+extern const HistogramKernels histogramKernels_avx512;
+
+extern const HistogramMaskKernels histogramMaskKernels_generic;
+extern const HistogramMaskKernels histogramMaskKernels_sse2;
+extern const HistogramMaskKernels histogramMaskKernels_avx; ///< float alone
+extern const HistogramMaskKernels histogramMaskKernels_avx2;
+extern const HistogramMaskKernels histogramMaskKernels_avx512;
+
+namespace
+{
+
+/// The class of a pixel; `size`, which is none, for a pixel that does not count. Rounding to single precision may lift
+/// a value just below the upper bound into the guard class.
+[[gnu::always_inline]] inline std::uint32_t classOf(float pixel, const ClassRule& rule)
+{
+    if (pixel >= rule.minF && pixel < rule.maxF) {
+        const float quotient = float((double(pixel) - rule.min) / rule.binWidth);
+        // Negative, though the pixel is not, where the bounds are finer than single precision.
+        return quotient > -1 && quotient < float(rule.size) ? std::uint32_t(std::int64_t(quotient)) : rule.size;
+    }
+    return pixel == rule.maxF ? rule.size - 2 : rule.size;
+}
+
+} // namespace
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,59 @@
+// The members of HistogramStrip that need the kernels; for the level 3 source files.
+
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Declare.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramKernelTables.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramLevels.hpp>
+
+#include <algorithm>
+
+namespace orlix::imaproc::glbmsr
+{
+
+template <class Self, class Out, class Strip, class... Mask>
+const auto& HistogramStrip<Self, Out, Strip, Mask...>::getKernels()
+{
+    if constexpr (isMasked) {
+        return getHistogramMaskKernels();
+    } else {
+        return getHistogramKernels();
+    }
+}
+
+template <class Self, class Out, class Strip, class... Mask>
+void HistogramStrip<Self, Out, Strip, Mask...>::functionRegistration(AlgorithmFunctionSelector& selector)
+{
+    HistogramStrip::registerKernels(selector, []<class T>(std::type_identity<T>, core::eInstructionSet::domain domain) {
+        return kernelOf<T>(getKernels().of(domain)) != nullptr;
+    });
+}
+
+template <class Self, class Out, class Strip, class... Mask>
+template <class T, core::eInstructionSet::domain D>
+core::ProcessingResult HistogramStrip<Self, Out, Strip, Mask...>::genericProcessFunction(ProcessingInfo info)
+{
+    StripCounts counts{this->template value<Out>(), image::imageBufferTypeOf<T>, info.size, isMasked, tables_};
+    const auto kernel = kernelOf<T>(getKernels().of(D));
+    for (std::size_t i = 0; i < info.nbRuns(); ++i) {
+        for (std::size_t done = 0; done < info.rowSize;) {
+            const std::size_t size = std::min(info.rowSize - done, counts.getRoom());
+            const T* const pixels = this->getParser(0).template run<T>(i, info.rowSize) + done;
+            if constexpr (isMasked) {
+                const auto* const mask = this->getParser(1).template run<std::uint8_t>(i, info.rowSize) + done;
+                kernel({pixels, size, mask}, counts.get());
+            } else {
+                kernel({pixels, size}, counts.get());
+            }
+            counts.take(size);
+            if (counts.getRoom() == 0) {
+                counts.flush();
+            }
+            done += size;
+        }
+    }
+    counts.flush();
+    return {};
+}
+
+} // namespace orlix::imaproc::glbmsr

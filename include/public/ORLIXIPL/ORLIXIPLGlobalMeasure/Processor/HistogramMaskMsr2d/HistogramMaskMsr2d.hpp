@@ -1,0 +1,39 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMaskMsr2d/HistogramMaskMsr2dLvl1.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// The number of pixels whose mask byte is not 0 in classes of equal width: one histogram per 2d plan (z, c, t), each
+/// with a range of its own unless the parameters give one. Without parameters the range of those pixels is cut into 256
+/// classes, at least 1 wide for integers (HistogramLevels.hpp has the rules). The mask is uint8, int8 or binary and has
+/// the size of the image; a plan where it is empty has one class of nothing. Needs pixels; a range that is not finite,
+/// or more classes than the memory limit allows, fails. The synchronous forms throw ORLIXBaseProcessingException when
+/// the run fails; the single-result forms measure plan (0, 0, 0) alone.
+ORLIX_API Ptr<HistogramData> histogramMaskMsr2d(const Ptr<const image::BaseImage>& image,
+                                                const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<HistogramMaskMsr2dLvl1> histogramMaskMsr2d_async(const Ptr<const image::BaseImage>& image,
+                                                               const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<HistogramData> histogramMaskMsr2d(const Ptr<const image::BaseImage>& image,
+                                                const Ptr<const image::BaseImage>& mask,
+                                                const Ptr<const HistoMsrParams>& params);
+ORLIX_API Ptr<HistogramMaskMsr2dLvl1> histogramMaskMsr2d_async(const Ptr<const image::BaseImage>& image,
+                                                               const Ptr<const image::BaseImage>& mask,
+                                                               const Ptr<const HistoMsrParams>& params);
+ORLIX_API Ptr<PlanIndexedHistogramData> multiSlice_histogramMaskMsr2d(const Ptr<const image::BaseImage>& image,
+                                                                      const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<HistogramMaskMsr2dLvl1> multiSlice_histogramMaskMsr2d_async(const Ptr<const image::BaseImage>& image,
+                                                                          const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<PlanIndexedHistogramData> multiSlice_histogramMaskMsr2d(const Ptr<const image::BaseImage>& image,
+                                                                      const Ptr<const image::BaseImage>& mask,
+                                                                      const Ptr<const HistoMsrParams>& params);
+ORLIX_API Ptr<HistogramMaskMsr2dLvl1> multiSlice_histogramMaskMsr2d_async(const Ptr<const image::BaseImage>& image,
+                                                                          const Ptr<const image::BaseImage>& mask,
+                                                                          const Ptr<const HistoMsrParams>& params);
+
+/// What a run has written so far; wait for it first.
+ORLIX_API Ptr<HistogramData> getAsyncProcessorOutput(const Ptr<HistogramMaskMsr2dLvl1>& processor);
+ORLIX_API Ptr<PlanIndexedHistogramData> getAsyncProcessorMultiSliceOutput(const Ptr<HistogramMaskMsr2dLvl1>& processor);
+
+} // namespace orlix::imaproc::glbmsr

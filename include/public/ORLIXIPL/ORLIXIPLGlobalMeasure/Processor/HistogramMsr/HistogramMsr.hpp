@@ -1,0 +1,22 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramMsrLvl1.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// The number of pixels in classes of equal width: one histogram over every plan, channel and time of the image.
+/// Without parameters the range of the image is cut into 256 classes, at least 1 wide for integers (HistogramLevels.hpp
+/// has the rules). Needs pixels; a range that is not finite, or more classes than the memory limit allows, fails. The
+/// synchronous forms throw ORLIXBaseProcessingException when the run fails.
+ORLIX_API Ptr<HistogramData> histogramMsr(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<HistogramMsrLvl1> histogramMsr_async(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<HistogramData> histogramMsr(const Ptr<const image::BaseImage>& image,
+                                          const Ptr<const HistoMsrParams>& params);
+ORLIX_API Ptr<HistogramMsrLvl1> histogramMsr_async(const Ptr<const image::BaseImage>& image,
+                                                   const Ptr<const HistoMsrParams>& params);
+
+/// What a run has written so far; wait for it first.
+ORLIX_API Ptr<HistogramData> getAsyncProcessorOutput(const Ptr<HistogramMsrLvl1>& processor);
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,40 @@
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Counting3dMsr/Counting3dMsr.hpp>
+
+#include <framework/process/CallingForms.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+using Forms = CallingForms<Counting3dMsrLvl1>;
+
+Ptr<IndexableUInt64> counting3dMsr(const Ptr<const image::BaseImage>& labelImage)
+{
+    return Forms::single<InLabelImg3d>(labelImage);
+}
+
+Ptr<Counting3dMsrLvl1> counting3dMsr_async(const Ptr<const image::BaseImage>& labelImage)
+{
+    return Forms::singleAsync<InLabelImg3d>(labelImage);
+}
+
+Ptr<PlanIndexedIndexableUInt64> multiSlice_counting3dMsr(const Ptr<const image::BaseImage>& labelImage)
+{
+    return Forms::everyPlan<InLabelImg3d>(labelImage);
+}
+
+Ptr<Counting3dMsrLvl1> multiSlice_counting3dMsr_async(const Ptr<const image::BaseImage>& labelImage)
+{
+    return Forms::everyPlanAsync<InLabelImg3d>(labelImage);
+}
+
+Ptr<IndexableUInt64> getAsyncProcessorOutput(const Ptr<Counting3dMsrLvl1>& processor)
+{
+    return Forms::output(processor);
+}
+
+Ptr<PlanIndexedIndexableUInt64> getAsyncProcessorMultiSliceOutput(const Ptr<Counting3dMsrLvl1>& processor)
+{
+    return Forms::multiSliceOutput(processor);
+}
+
+} // namespace orlix::imaproc::glbmsr

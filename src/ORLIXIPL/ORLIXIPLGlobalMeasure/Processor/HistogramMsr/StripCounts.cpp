@@ -1,0 +1,132 @@
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramKernelTables.hpp>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orlix::imaproc::glbmsr
+{
+
+using image::eImageBufferType;
+
+const KernelTables<HistogramKernel>& getHistogramKernels()
+{
+    static const KernelTables<HistogramKernel> tables{histogramKernels_generic, histogramKernels_sse2,
+                                                      histogramKernels_avx, histogramKernels_avx2,
+                                                      histogramKernels_avx512};
+    return tables;
+}
+
+const KernelTables<HistogramMaskKernel>& getHistogramMaskKernels()
+{
+    static const KernelTables<HistogramMaskKernel> tables{histogramMaskKernels_generic, histogramMaskKernels_sse2,
+                                                          histogramMaskKernels_avx, histogramMaskKernels_avx2,
+                                                          histogramMaskKernels_avx512};
+    return tables;
+}
+
+namespace
+{
+
+bool isWhole(double x)
+{
+    return x == std::trunc(x);
+}
+
+/// Fewer tables the larger they are: together they stay in the caches.
+std::size_t chooseNbTables(std::size_t size)
+{
+    return size <= 2048 ? 8 : size <= 8192 ? 4 : size <= 32768 ? 2 : 1;
+}
+
+/// What lets vector kernels find a class without a division; see ClassCounts.
+void approximate(ClassCounts& counts, eImageBufferType type)
+{
+    const ClassRule& rule = counts.rule;
+    const double span = double{rule.maxF} - double{rule.minF};
+    const bool isInteger = type != eImageBufferType::eIBT_Float32;
+    // Half a step from the border, integers of a whole width are never in doubt.
+    const bool stepsAside = isInteger && isWhole(rule.min) && isWhole(rule.binWidth) && rule.binWidth > 1 &&
+                            std::fabs(rule.min) < 0x1p22 && span < 0x1p20;
+    const double slack = std::fabs(double{rule.minF} - rule.min) / rule.binWidth;
+    counts.base = stepsAside ? rule.minF - 0.5f : rule.minF;
+    counts.inverse = static_cast<float>(1 / rule.binWidth);
+    counts.slack = static_cast<float>(2 * slack);
+    // Beyond these bounds the product has no precision left, or is out of a float's range.
+    counts.approximate = slack < 0x1p-5 && rule.size < (1u << 21) && span < 1e37 && rule.binWidth < 1e37;
+}
+
+} // namespace
+
+StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, std::size_t nbPixels, bool isMasked,
+                         std::vector<std::uint32_t>& tables)
+    : histogram_{histogram}, type_{type}, tables_{tables}
+{
+    ClassRule& rule = counts_.rule;
+    rule.min = histogram.Min;
+    rule.binWidth = histogram.BinWidth;
+    rule.minF = static_cast<float>(histogram.Min);
+    rule.maxF = static_cast<float>(histogram.Max);
+    rule.size = static_cast<std::uint32_t>(histogram.Frequencies.size());
+    approximate(counts_, type);
+
+    counts_.size = rule.size;
+    const std::size_t pixelSize = image::getPixelSize(type);
+    if (pixelSize == 1) {
+        counts_.byValue = true;
+        counts_.size = 256;
+    } else if (type != eImageBufferType::eIBT_Float32) {
+        const auto [lowest, highest] = image::getValueRange(type);
+        const double first = std::ceil(std::max(lowest, histogram.Min));
+        const double values = std::floor(std::min(highest, histogram.Max)) - first + 1;
+        // Up to 2^24 a pixel and its single precision are the same. Few values, or a class each, are worth it.
+        const bool exact = -0x1p24 < histogram.Min && histogram.Max < 0x1p24;
+        const bool few = values <= 8192 && values * 16 <= static_cast<double>(nbPixels);
+        const bool each = histogram.BinWidth == 1 && isWhole(histogram.Min) &&
+                          values <= static_cast<double>(histogram.Frequencies.size());
+        // An entry of 16 bits has no room for "none" beside 65536 values.
+        const bool fits = !isMasked || pixelSize > 2 || values < 0x1p16;
+        if (values >= 1 && exact && (few || each) && fits) {
+            counts_.byValue = true;
+            counts_.first = static_cast<std::int64_t>(first);
+            counts_.size = static_cast<std::uint32_t>(values);
+        }
+    }
+
+    const std::size_t nbTables = chooseNbTables(counts_.size);
+    const std::size_t entries = pixelSize == 1 ? 512 : std::size_t{counts_.size} + 1;
+    stride_ = (entries + 15) / 16 * 16 + 16; // tables apart in the cache
+    tables.assign(nbTables * stride_, 0);
+    for (std::size_t k = 0; k < ClassCounts::nbTables; ++k) {
+        counts_.tables[k] = tables.data() + k % nbTables * stride_;
+    }
+}
+
+float StripCounts::valueOf(std::size_t entry) const
+{
+    if (type_ == eImageBufferType::eIBT_Int8) {
+        return static_cast<signed char>(entry);
+    }
+    return static_cast<float>(counts_.first + static_cast<std::int64_t>(entry));
+}
+
+void StripCounts::flush()
+{
+    const std::size_t nbTables = tables_.size() / stride_;
+    for (std::size_t entry = 0; entry < counts_.size; ++entry) {
+        std::uint64_t count = 0;
+        for (std::size_t k = 0; k < nbTables; ++k) {
+            count += tables_[k * stride_ + entry];
+        }
+        if (count == 0) {
+            continue;
+        }
+        const std::size_t index = counts_.byValue ? classOf(valueOf(entry), counts_.rule) : entry;
+        if (index < histogram_.Frequencies.size()) {
+            histogram_.Frequencies[index] += count;
+        }
+    }
+    std::fill(tables_.begin(), tables_.end(), 0);
+    room_ = capacity;
+}
+
+} // namespace orlix::imaproc::glbmsr
