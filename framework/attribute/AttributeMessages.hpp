@@ -21,6 +21,7 @@ enum class eAttributeMessage : unsigned
     eAM_NoFiniteRange = 10, ///< Min, Max
     eAM_NarrowRange = 11,   ///< Min, Max, width
     eAM_ManyClasses = 12,   ///< number of classes, megabytes, limit in megabytes
+    eAM_WideLabels = 13,    ///< lowest label, highest label
 };
 
 } // namespace orlix::imaproc::attr

@@ -54,6 +54,7 @@ public:
     LogMessageFormater& operator%(const Argument& argument)
     {
         std::ostringstream text;
+        text.precision(10); // whole numbers of 32 bits as they are
         text << argument;
         return apply(text.str());
     }

@@ -5,8 +5,6 @@
 #include <framework/attribute/IndexableUInt64.hpp>
 #include <framework/process/Levels.hpp>
 
-#include <algorithm>
-
 /// What the counts of objects share: a label image has an object for every class of width 1 of its histogram that is
 /// not empty, but for the first class, which is the background, whatever it holds. Labels above 2^24 share classes,
 /// since a histogram sees pixels in single precision.
@@ -21,6 +19,9 @@ using attr::InSubLabelImg3d;
 using attr::OutIndexableUInt64;
 using attr::OutPIIndexableUInt64;
 using attr::PlanIndexedIndexableUInt64;
+
+/// The classes but the first that hold a pixel. Fails where a class holds more than one label.
+ORLIX_API core::ProcessingResult countObjects(const attr::HistogramData& labels, std::uint64_t& objects);
 
 /// The objects of one plan or volume, from the histogram that the level 1 processor Histogram makes of it.
 template <class Self, class Labels, class Histogram, class HistogramImage>
@@ -47,10 +48,7 @@ protected:
 
     core::ProcessingResult postProcess() override
     {
-        const auto& classes = histogram_->Frequencies;
-        this->template value<OutIndexableUInt64>().Value = static_cast<std::uint64_t>(
-            std::count_if(classes.begin() + 1, classes.end(), [](std::uint64_t frequency) { return frequency != 0; }));
-        return {};
+        return countObjects(*histogram_, this->template value<OutIndexableUInt64>().Value);
     }
 
 private:

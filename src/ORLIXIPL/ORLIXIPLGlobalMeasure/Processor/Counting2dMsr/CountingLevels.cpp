@@ -1,0 +1,22 @@
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Counting2dMsr/CountingLevels.hpp>
+
+#include <framework/attribute/AttributeMessages.hpp>
+
+#include <algorithm>
+
+namespace orlix::imaproc::glbmsr
+{
+
+core::ProcessingResult countObjects(const attr::HistogramData& labels, std::uint64_t& objects)
+{
+    constexpr std::size_t most = std::size_t{1} << 24; // pixels are counted in single precision
+    if (labels.BinWidth > 1 || labels.getNbClasses() > most) {
+        return core::ProcessingResult::failure(
+            core::formatMessage(attr::eAttributeMessage::eAM_WideLabels, labels.Min, labels.Max));
+    }
+    objects = static_cast<std::uint64_t>(std::count_if(labels.Frequencies.begin() + 1, labels.Frequencies.end(),
+                                                       [](std::uint64_t frequency) { return frequency != 0; }));
+    return {};
+}
+
+} // namespace orlix::imaproc::glbmsr
