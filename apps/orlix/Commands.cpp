@@ -1,12 +1,8 @@
 #include <orlix/Commands.hpp>
 
 #include <orlix/Errors.hpp>
-#include <orlix/Output.hpp>
-#include <orlix/TiffFile.hpp>
+#include <orlix/Measures.hpp>
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsr.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr3d/StatsMsr3d.hpp>
 #include <framework/core/Settings.hpp>
 #include <framework/process/BaseProcessingAlgorithm.hpp>
 #include <framework/process/ProcessorFactory.hpp>
@@ -14,99 +10,17 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <map>
-#include <optional>
 
 namespace orlix::app
 {
 
 using namespace imaproc;
-using namespace imaproc::glbmsr;
-using image::eImageBufferType;
 
 namespace
 {
-
-/// The options of the command line, as they were given.
-struct Options
-{
-    std::string image;
-    std::string pages;
-    std::string per = "image";
-    std::string isa;
-    unsigned threads = 0;
-    bool json = false;
-    bool quiet = false;
-};
-
-/// An image with what is said of it.
-struct LoadedImage
-{
-    Ptr<const image::BaseImage> pixels;
-    Json description;
-};
-
-LoadedImage load(const Options& options)
-{
-    const TiffFile file{options.image, options.pages};
-    return {file.read(), describeImage(options.image, file.getType(), file.getGeometry())};
-}
-
-/// A binary image as the numbers 0 and 1; any other as it is.
-Ptr<const image::BaseImage> asNumbers(const Ptr<const image::BaseImage>& image)
-{
-    if (image->getType() != eImageBufferType::eIBT_Binary || image->getGeometry().empty()) {
-        return image;
-    }
-    return image::BaseImage::wrap(image->getRow(0), eImageBufferType::eIBT_UInt8, image->getGeometry(),
-                                  image->getStrides(), image);
-}
-
-/// One row per element of a collection, with the coordinates of its plan or volume before its fields.
-template <class Collection>
-std::vector<Json> listResults(const Collection& collection, image::ePlanKind kind)
-{
-    std::vector<Json> rows;
-    for (std::size_t i = 0; i < collection.size(); ++i) {
-        const image::PlanIndex& plan = collection.getPlan(i);
-        Json row = Json::object();
-        if (kind == image::ePlanKind::ePK_Plan2d) {
-            row["z"] = plan.z;
-        }
-        row["c"] = plan.c;
-        row["t"] = plan.t;
-        row.update(toJson(*collection.getElement(i)));
-        rows.push_back(std::move(row));
-    }
-    return rows;
-}
-
-Report runInfo(const Options& options)
-{
-    const TiffFile file{options.image, options.pages};
-    Json row = describeImage(options.image, file.getType(), file.getGeometry());
-    row.erase("path");
-    row["bytes"] = file.getGeometry().nbPixels() * image::getPixelSize(file.getType());
-    return {"info", {{"image", describeImage(options.image, file.getType(), file.getGeometry())}}, {row}};
-}
-
-Report runStats(const Options& options)
-{
-    const LoadedImage loaded = load(options);
-    const auto image = asNumbers(loaded.pixels);
-    Report report{"", {{"image", loaded.description}}, {}};
-    if (options.per == "plan") {
-        report.measure = "statsMsr2d";
-        report.results = listResults(*multiSlice_statsMsr2d(image), image::ePlanKind::ePK_Plan2d);
-    } else if (options.per == "volume") {
-        report.measure = "statsMsr3d";
-        report.results = listResults(*multiSlice_statsMsr3d(image), image::ePlanKind::ePK_Volume3d);
-    } else {
-        report.measure = "statsMsr";
-        report.results = {toJson(*statsMsr(image))};
-    }
-    return report;
-}
 
 Json listKernels(const BaseProcessor& processor)
 {
@@ -167,24 +81,90 @@ void applySettings(const Options& options)
     core::settings::forceInstructionSets(set);
 }
 
+/// A table of histograms is for people: a row for every class.
+void spreadClasses(Report& report)
+{
+    std::vector<Json> rows;
+    for (const Json& histogram : report.results) {
+        Json row = histogram;
+        for (const char* const field : {"Min", "Max", "BinWidth", "Frequencies"}) {
+            row.erase(field);
+        }
+        const Json& frequencies = histogram["Frequencies"];
+        for (std::size_t i = 0; i < frequencies.size(); ++i) {
+            row["Class"] = i;
+            row["From"] = histogram["Min"];
+            if (histogram["Min"].is_number() && histogram["BinWidth"].is_number()) {
+                row["From"] =
+                    histogram["Min"].get<double>() + static_cast<double>(i) * histogram["BinWidth"].get<double>();
+            }
+            row["Pixels"] = frequencies[i];
+            rows.push_back(row);
+        }
+    }
+    report.results = std::move(rows);
+}
+
+/// What `--per` may be.
+enum class Per
+{
+    None,
+    Any,  ///< image (the default), plan or volume
+    Parts ///< plan (the default) or volume
+};
+
 struct Verb
 {
     const char* name;
     const char* help;
     Report (*run)(const Options&);
-    bool takesImage;
-    bool takesPer;
+    bool takesImage = true;
+    Per per = Per::None;
+    bool takesMask = false;
+    bool takesClasses = false;
+    void (*forPeople)(Report&) = nullptr; ///< makes a table of a report that is one for machines
 };
 
 constexpr Verb verbs[] = {
-    {"info", "type and sizes of an image", &runInfo, true, false},
-    {"stats", "number, sum, mean, minimum, maximum and standard deviation of the pixels", &runStats, true, true},
-    {"processors", "the processor classes and their kernels", &runProcessors, false, false},
+    {.name = "info", .help = "type and sizes of an image", .run = &runInfo},
+    {.name = "stats",
+     .help = "number, sum, mean, minimum, maximum and standard deviation of the pixels",
+     .run = &runStats,
+     .per = Per::Any,
+     .takesMask = true},
+    {.name = "histogram",
+     .help = "number of pixels in classes of equal width",
+     .run = &runHistogram,
+     .per = Per::Any,
+     .takesMask = true,
+     .takesClasses = true,
+     .forPeople = &spreadClasses},
+    {.name = "entropy",
+     .help = "entropy of the grey levels of each plan, in nats",
+     .run = &runEntropy,
+     .takesClasses = true},
+    {.name = "count", .help = "number of objects in a label image", .run = &runCount, .per = Per::Parts},
+    {.name = "processors",
+     .help = "the processor classes and their kernels",
+     .run = &runProcessors,
+     .takesImage = false,
+     .forPeople = &summariseKernels},
 };
 
-constexpr std::string_view laterVerbs[] = {"noise",  "histogram",  "entropy",    "kde",   "project",
-                                           "ncc",    "pearson",    "similarity", "count", "percent",
-                                           "locate", "paraboloid", "report"};
+constexpr std::string_view laterVerbs[] = {"noise",      "kde",     "project", "ncc",        "pearson",
+                                           "similarity", "percent", "locate",  "paraboloid", "report"};
+
+CLI::Validator finiteAbove(double least)
+{
+    const auto check = [least](const std::string& text) -> std::string {
+        double x = 0;
+        if (!CLI::detail::lexical_cast(text, x) || !std::isfinite(x)) {
+            return text + " is not a finite number";
+        }
+        return x > least ? "" : text + " is not above " + toJson(least).dump();
+    };
+    return CLI::Validator{check, ""};
+}
 
 void addOptions(CLI::App& command, const Verb& verb, Options& options)
 {
@@ -193,10 +173,29 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
     }
     command.add_option("--pages", options.pages, "how the pages nest, fastest first, such as z=4,c=2,t=3")
         ->type_name("ORDER");
-    if (verb.takesPer) {
-        command.add_option("--per", options.per, "what one result covers: image, plan or volume")
+    if (verb.per == Per::Any) {
+        command.add_option("--per", options.per, "what one result covers: image, plan or volume (default: image)")
             ->check(CLI::IsMember({"image", "plan", "volume"}, CLI::ignore_case))
             ->type_name("");
+    } else if (verb.per == Per::Parts) {
+        command.add_option("--per", options.per, "what one result covers: plan or volume (default: plan)")
+            ->check(CLI::IsMember({"plan", "volume"}, CLI::ignore_case))
+            ->type_name("");
+    }
+    if (verb.takesMask) {
+        command.add_option("--mask", options.mask, "count only where this image is not 0")->type_name("FILE");
+    }
+    if (verb.takesClasses) {
+        command.add_option("--min", options.min, "lower bound of the range (default: the image's minimum)")
+            ->check(finiteAbove(-std::numeric_limits<double>::infinity()))
+            ->type_name("A");
+        command.add_option("--max", options.max, "upper bound, itself in the last class; goes with --min")
+            ->check(finiteAbove(-std::numeric_limits<double>::infinity()))
+            ->type_name("B");
+        command.add_option("--bin-width", options.binWidth, "width of a class")->check(finiteAbove(0))->type_name("W");
+        command.add_option("--classes", options.classes, "number of classes")
+            ->check(CLI::Range(1u, 0x7fffffffu))
+            ->type_name("N");
     }
     command.add_option("--isa", options.isa, "force an instruction set: generic, sse2, avx, avx2 or avx512")
         ->check(CLI::IsMember({"generic", "sse2", "avx", "avx2", "avx512"}))
@@ -224,7 +223,7 @@ void refuseUnknown(int argc, const char* const* argv)
     for (int i = 2; i < argc; ++i) {
         const std::string word = argv[i];
         const std::string option = word.substr(0, word.find('='));
-        if (option == "--csv" || option == "--mask" || option == "--gpu") {
+        if (option == "--csv" || option == "--gpu") {
             throw UsageError{option + " is not available yet"};
         }
     }
@@ -242,6 +241,20 @@ Report runNamed(const Verb& verb, const Options& options)
     } catch (...) {
         const std::string forced = options.isa.empty() ? "" : " (--isa " + options.isa + ")";
         throw FileError{options.image + ": " + core::describeCurrentException() + forced};
+    }
+}
+
+/// What one option cannot tell by itself.
+void checkTogether(const Options& options)
+{
+    if (options.min.has_value() != options.max.has_value()) {
+        throw UsageError{"--min and --max go together: give both or neither"};
+    }
+    if (options.min && *options.min > *options.max) {
+        throw UsageError{"--min is above --max"};
+    }
+    if (options.binWidth && options.classes) {
+        throw UsageError{"--bin-width and --classes say the same thing: give one of them"};
     }
 }
 
@@ -268,13 +281,14 @@ std::string run(int argc, const char* const* argv)
     const std::string chosen = app.get_subcommands().front()->get_name();
     const Verb& verb =
         *std::find_if(std::begin(verbs), std::end(verbs), [&](const Verb& v) { return v.name == chosen; });
+    checkTogether(options);
     applySettings(options);
     Report report = runNamed(verb, options);
     if (options.json) {
         return printJson(report);
     }
-    if (verb.run == &runProcessors) {
-        summariseKernels(report);
+    if (verb.forPeople != nullptr) {
+        verb.forPeople(report);
     }
     return printTable(report);
 }

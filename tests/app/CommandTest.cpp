@@ -382,6 +382,79 @@ TEST_F(CommandTest, PrintsJsonThatReadsBack)
     EXPECT_EQ(info, (Json{{"type", "uint8"}, {"x", 21}, {"y", 10}, {"z", 1}, {"c", 1}, {"t", 1}, {"bytes", 210}}));
 }
 
+// Histograms, entropies and counts, with the options that shape them.
+TEST_F(CommandTest, CountsPixelsInClasses)
+{
+    std::vector<std::uint64_t> frequencies(120, 0);
+    double entropy = 0;
+    for (std::size_t i = 0; i < width * height; ++i) {
+        ++frequencies[pixelAt(0, 0, i / width, i % width)];
+    }
+    for (const std::uint64_t frequency : frequencies) {
+        const double p = static_cast<double>(frequency) / (width * height);
+        entropy -= frequency != 0 ? p * std::log(p) : 0;
+    }
+    const std::string file = write("a.tif", 2, {});
+    const auto objects = std::count_if(frequencies.begin() + 1, frequencies.end(), [](auto f) { return f != 0; });
+    EXPECT_NEAR(run({"entropy", "--json", file}).result()["Entropy"], entropy, 1e-12);
+    EXPECT_EQ(run({"entropy", "--json", file, "--min", "0", "--max", "255", "--classes", "1"}).result(1),
+              (Json{{"z", 1}, {"c", 0}, {"t", 0}, {"Entropy", 0}}));
+    const Outcome counts = run({"count", "--json", file});
+    EXPECT_EQ(counts.json()["measure"], "counting2dMsr");
+    EXPECT_EQ(counts.result(), (Json{{"z", 0}, {"c", 0}, {"t", 0}, {"Count", objects}}));
+    EXPECT_FALSE(run({"count", "--json", file, "--per", "volume"}).result().contains("z"));
+
+    const Outcome plan =
+        run({"histogram", "--json", "--per", "plan", file, "--min", "0", "--max", "119", "--bin-width", "1"});
+    EXPECT_EQ(plan.json()["measure"], "histogramMsr2d");
+    EXPECT_EQ(plan.result()["Frequencies"], frequencies);
+    EXPECT_EQ(plan.result()["BinWidth"], 1);
+    const Json whole = run({"histogram", "--json", file, "--classes", "2"}).result();
+    EXPECT_EQ(whole["Frequencies"].size(), 2u);
+    EXPECT_EQ(whole["Frequencies"][0].get<unsigned>() + whole["Frequencies"][1].get<unsigned>(), 2 * width * height);
+    // With a range alone, 1/256 of it.
+    EXPECT_EQ(run({"histogram", "--json", file, "--min", "0", "--max", "255"}).result()["BinWidth"], 1);
+    const std::string floats = write("f.tif", 1, {.bits = 32, .format = SAMPLEFORMAT_IEEEFP});
+    EXPECT_EQ(run({"histogram", "--json", floats, "--min", "0", "--max", "64"}).result()["BinWidth"], 0.25);
+    const Json volume = run({"histogram", "--json", floats, "--per", "volume"}).json();
+    EXPECT_EQ(volume["measure"], "histogramMsr3d");
+    // A person reads a row for every class.
+    const std::string table = run({"histogram", file, "--min", "10", "--max", "29", "--classes", "2"}).output;
+    EXPECT_NE(table.find("Class  From  Pixels\n    0    10"), std::string::npos) << table;
+    EXPECT_NE(table.find("\n    1    20"), std::string::npos) << table;
+}
+
+// A mask of any integer type, or of one bit, selects where it is not 0.
+TEST_F(CommandTest, AMaskSelects)
+{
+    const std::string file = write("a.tif", 2, {.bits = 16});
+    const Layout masks[] = {{}, {.bits = 16}, {.bits = 32, .format = SAMPLEFORMAT_INT}, {.bits = 1}};
+    for (const Layout& layout : masks) {
+        SCOPED_TRACE(layout.bits);
+        const std::string mask = write("mask.tif", 2, layout);
+        std::uint64_t set = 0;
+        double sum = 0;
+        for (std::size_t i = 0; i < width * height; ++i) {
+            const unsigned pixel = pixelAt(1, 0, i / width, i % width);
+            const bool selected = layout.bits == 1 ? pixel % 2 != 0 : pixel != 0;
+            set += selected ? 1 : 0;
+            sum += selected ? pixel : 0;
+        }
+        const Outcome stats = run({"stats", "--json", "--per", "plan", file, "--mask", mask});
+        ASSERT_EQ(stats.status, 0) << stats.error;
+        EXPECT_EQ(stats.json()["measure"], "statsMaskMsr2d");
+        EXPECT_EQ(stats.json()["mask"]["path"], mask);
+        EXPECT_EQ(stats.result(1)["NbPixels"], set);
+        EXPECT_EQ(stats.result(1)["Sum"], sum);
+        const Outcome histogram = run({"histogram", "--json", "--per", "plan", file, "--mask", mask, "--classes", "1"});
+        EXPECT_EQ(histogram.json()["measure"], "histogramMaskMsr2d");
+        EXPECT_EQ(histogram.result(1)["Frequencies"], Json::array({set}));
+    }
+    EXPECT_EQ(run({"stats", "--json", file, "--mask", file}).json()["measure"], "statsMaskMsr");
+    EXPECT_EQ(run({"histogram", "--json", file, "--mask", file, "--per=volume"}).json()["measure"],
+              "histogramMaskMsr3d");
+}
+
 // One clear line, the right exit status, and nothing on standard output.
 TEST_F(CommandTest, RefusesWhatIsWrong)
 {
@@ -400,6 +473,8 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         TIFFWriteScanline(tiff, row, 0, 0);
         TIFFClose(tiff);
     }
+    const std::string one = write("one.tif", 1, {});
+    const std::string floats = write("f.tif", 1, {.bits = 32, .format = SAMPLEFORMAT_IEEEFP});
     const std::string imagej = write("ij.tif", 4, {.description = "ImageJ=1.53\nimages=6\nchannels=2\nslices=3\n"});
     const std::string ome = write("ome.tif", 1,
                                   {.description = "<OME><Image><Pixels DimensionOrder=\"XYZCT\" "
@@ -413,11 +488,10 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
     const Case cases[] = {
         {{}, 2, "a verb is needed"},
         {{"frobnicate"}, 2, "there is no verb frobnicate"},
-        {{"histogram", good}, 2, "the verb histogram is not available yet"},
+        {{"project", good}, 2, "the verb project is not available yet"},
         {{"report", good}, 2, "the verb report is not available yet"},
         {{"stats"}, 2, "IMAGE is required"},
         {{"stats", good, "--csv"}, 2, "--csv is not available yet"},
-        {{"stats", good, "--mask=x.tif"}, 2, "--mask is not available yet"},
         {{"stats", good, "--gpu"}, 2, "--gpu is not available yet"},
         {{"stats", good, "--frob"}, 2, "--frob"},
         {{"stats", good, good}, 2, "good.tif"},
@@ -439,6 +513,20 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         {{"stats", good, "--isa", "avx"}, 1, "--isa avx"},
         {{"stats", odd}, 1, "odd.tif: 64-bit float pixels are not supported: convert the image to float32"},
         {{"stats", imagej}, 1, "ij.tif states 6 ImageJ images, but has 4 pages"},
+        {{"histogram", good, "--min", "3"}, 2, "--min and --max go together"},
+        {{"histogram", good, "--min", "30", "--max", "3"}, 2, "--min is above --max"},
+        {{"histogram", good, "--min", "0", "--max", "256"}, 2, "uint8 pixels lie from 0.0 to 255.0"},
+        {{"histogram", good, "--bin-width", "0"}, 2, "0 is not above 0"},
+        {{"histogram", good, "--bin-width", "inf"}, 2, "inf is not a finite number"},
+        {{"histogram", good, "--bin-width", "2x"}, 2, "2x is not a finite number"},
+        {{"entropy", good, "--bin-width", "2", "--classes", "2"}, 2, "give one of them"},
+        {{"entropy", good, "--classes", "0"}, 2, "--classes"},
+        {{"entropy", good, "--mask", good}, 2, "--mask"},
+        {{"count", good, "--per", "image"}, 2, "image"},
+        {{"count", floats}, 1, "f.tif: Counting2dMsrLvl1: InLabelImg does not take a float32 image"},
+        {{"stats", good, "--mask", path("none.tif")}, 1, "none.tif: No such file or directory"},
+        {{"stats", good, "--mask", one}, 1, "one.tif: the mask has 21 x 10 x 1 x 1 x 1 (x, y, z, c, t), but"},
+        {{"stats", floats, "--mask", floats}, 1, "f.tif: a float32 image is no mask"},
         {{"stats", ome}, 1, "ome.tif: its OME axes want 2 pages, where there are 1"},
     };
     for (const Case& each : cases) {

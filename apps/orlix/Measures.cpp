@@ -1,0 +1,233 @@
+#include <orlix/Measures.hpp>
+
+#include <orlix/Errors.hpp>
+#include <orlix/TiffFile.hpp>
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Counting2dMsr/Counting2dMsr.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Counting3dMsr/Counting3dMsr.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GlobalEntropyMsr2d/GlobalEntropyMsr2d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMaskMsr/HistogramMaskMsr.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMaskMsr2d/HistogramMaskMsr2d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMaskMsr3d/HistogramMaskMsr3d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramMsr.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr2d/HistogramMsr2d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr3d/HistogramMsr3d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMaskMsr/StatsMaskMsr.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMaskMsr2d/StatsMaskMsr2d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMaskMsr3d/StatsMaskMsr3d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsr.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr3d/StatsMsr3d.hpp>
+
+#include <algorithm>
+
+namespace orlix::app
+{
+
+using namespace imaproc;
+using namespace imaproc::glbmsr;
+using image::BaseImage;
+using image::eImageBufferType;
+using image::ePlanKind;
+
+namespace
+{
+
+/// A binary image as the numbers 0 and 1; any other as it is.
+Ptr<const BaseImage> asNumbers(const Ptr<const BaseImage>& image)
+{
+    if (image->getType() != eImageBufferType::eIBT_Binary || image->getGeometry().empty()) {
+        return image;
+    }
+    return BaseImage::wrap(image->getRow(0), eImageBufferType::eIBT_UInt8, image->getGeometry(), image->getStrides(),
+                           image);
+}
+
+/// A gapless image of any integer type as a mask of 0 and 1.
+Ptr<const BaseImage> asMask(const std::string& path, const BaseImage& image)
+{
+    const image::ImageGeometry& size = image.getGeometry();
+    auto mask = BaseImage::create(eImageBufferType::eIBT_UInt8, size);
+    bool found = image.getType() == eImageBufferType::eIBT_Binary || size.empty();
+    if (found && !size.empty()) {
+        std::copy_n(image.getRow(0), size.nbPixels(), mask->getRow(0));
+    }
+    image::forEachPixelType([&]<class T>(std::type_identity<T>) {
+        if (!found && std::is_integral_v<T> && image.getType() == image::imageBufferTypeOf<T>) {
+            const T* const pixels = reinterpret_cast<const T*>(image.getRow(0));
+            std::transform(pixels, pixels + size.nbPixels(), mask->getRow(0),
+                           [](T pixel) { return static_cast<std::byte>(pixel != 0); });
+            found = true;
+        }
+    });
+    if (!found) {
+        throw FileError{path + ": a " + image::getName(image.getType()) +
+                        " image is no mask: convert it to an integer type"};
+    }
+    return mask;
+}
+
+/// The image of a command and its mask, if it has one, with what a report says of them.
+struct Inputs
+{
+    explicit Inputs(const Options& options)
+    {
+        const TiffFile file{options.image, options.pages};
+        image = asNumbers(file.read());
+        report.images.emplace_back("image", describeImage(options.image, file.getType(), file.getGeometry()));
+        if (options.mask.empty()) {
+            return;
+        }
+        const TiffFile maskFile{options.mask, options.pages};
+        if (!(maskFile.getGeometry() == file.getGeometry())) {
+            throw FileError{options.mask + ": the mask has " + toString(maskFile.getGeometry()) + ", but " +
+                            options.image + " has " + toString(file.getGeometry()) + ": both need the same size"};
+        }
+        mask = asMask(options.mask, *maskFile.read());
+        report.images.emplace_back("mask", describeImage(options.mask, maskFile.getType(), maskFile.getGeometry()));
+    }
+
+    Ptr<const BaseImage> image;
+    Ptr<const BaseImage> mask; ///< null: none
+    Report report;
+};
+
+/// One row per element of a collection, with the coordinates of its plan or volume before its fields.
+template <class Collection>
+std::vector<Json> listResults(const Collection& collection, ePlanKind kind)
+{
+    std::vector<Json> rows;
+    for (std::size_t i = 0; i < collection.size(); ++i) {
+        const image::PlanIndex& plan = collection.getPlan(i);
+        Json row = Json::object();
+        if (kind == ePlanKind::ePK_Plan2d) {
+            row["z"] = plan.z;
+        }
+        row["c"] = plan.c;
+        row["t"] = plan.t;
+        row.update(toJson(*collection.getElement(i)));
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}
+
+/// Measures the whole image, its plans or its volumes, as `--per` says. `name` is the measure of the whole image.
+template <class Whole, class Plans, class Volumes>
+Report reportPer(const Options& options, Report report, const std::string& name, Whole whole, Plans plans,
+                 Volumes volumes)
+{
+    if (options.per == "plan") {
+        report.measure = name + "2d";
+        report.results = listResults(*plans(), ePlanKind::ePK_Plan2d);
+    } else if (options.per == "volume") {
+        report.measure = name + "3d";
+        report.results = listResults(*volumes(), ePlanKind::ePK_Volume3d);
+    } else {
+        report.measure = name;
+        report.results = {toJson(*whole())};
+    }
+    return report;
+}
+
+/// The histogram parameters that the options make; null where the library's own rule is to hold.
+Ptr<const HistoMsrParams> makeParams(const Options& options, const BaseImage& image)
+{
+    if (!options.min && !options.binWidth && !options.classes) {
+        return nullptr;
+    }
+    auto params = makePtr<HistoMsrParams>();
+    params->UseBinWidth = options.binWidth.has_value();
+    params->BinWidth = options.binWidth.value_or(0);
+    params->NbClasses = options.classes.value_or(256);
+    if (options.min) {
+        const auto [lowest, highest] = image::getValueRange(image.getType());
+        if (*options.min < lowest || *options.max > highest) {
+            throw UsageError{options.image + ": --min and --max of " + image::getName(image.getType()) +
+                             " pixels lie from " + toJson(lowest).dump() + " to " + toJson(highest).dump()};
+        }
+        params->Min = *options.min;
+        params->Max = *options.max;
+        params->MinMaxDefinition = attr::eMinMaxDefinition::eMMD_UserDefinedMinMax;
+    }
+    return params;
+}
+
+} // namespace
+
+Report runInfo(const Options& options)
+{
+    const TiffFile file{options.image, options.pages};
+    Json row = describeImage(options.image, file.getType(), file.getGeometry());
+    row.erase("path");
+    row["bytes"] = file.getGeometry().nbPixels() * image::getPixelSize(file.getType());
+    return {"info", {{"image", describeImage(options.image, file.getType(), file.getGeometry())}}, {row}};
+}
+
+Report runStats(const Options& options)
+{
+    const Inputs inputs{options};
+    const auto& [image, mask, report] = inputs;
+    if (mask) {
+        return reportPer(
+            options, report, "statsMaskMsr", [&] { return statsMaskMsr(image, mask); },
+            [&] { return multiSlice_statsMaskMsr2d(image, mask); },
+            [&] { return multiSlice_statsMaskMsr3d(image, mask); });
+    }
+    return reportPer(
+        options, report, "statsMsr", [&] { return statsMsr(image); }, [&] { return multiSlice_statsMsr2d(image); },
+        [&] { return multiSlice_statsMsr3d(image); });
+}
+
+Report runHistogram(const Options& options)
+{
+    const Inputs inputs{options};
+    const auto& [image, mask, report] = inputs;
+    const auto params = makeParams(options, *image);
+    if (mask) {
+        return reportPer(
+            options, report, "histogramMaskMsr", [&] { return histogramMaskMsr(image, mask, params); },
+            [&] { return multiSlice_histogramMaskMsr2d(image, mask, params); },
+            [&] { return multiSlice_histogramMaskMsr3d(image, mask, params); });
+    }
+    return reportPer(
+        options, report, "histogramMsr", [&] { return histogramMsr(image, params); },
+        [&] { return multiSlice_histogramMsr2d(image, params); },
+        [&] { return multiSlice_histogramMsr3d(image, params); });
+}
+
+Report runEntropy(const Options& options)
+{
+    Inputs inputs{options};
+    Ptr<PlanIndexedHistoMsrParams> planParams;
+    if (const auto params = makeParams(options, *inputs.image)) {
+        planParams = makePtr<PlanIndexedHistoMsrParams>();
+        const image::PlanRange plans{inputs.image->getGeometry(), ePlanKind::ePK_Plan2d};
+        for (std::size_t i = 0; i < plans.size(); ++i) {
+            planParams->insert(plans[i], makePtr<HistoMsrParams>(*params));
+        }
+    }
+    inputs.report.measure = "globalEntropyMsr2d";
+    inputs.report.results =
+        listResults(*multiSlice_globalEntropyMsr2d(inputs.image, planParams), ePlanKind::ePK_Plan2d);
+    return inputs.report;
+}
+
+Report runCount(const Options& options)
+{
+    Inputs inputs{options};
+    Report& report = inputs.report;
+    if (options.per == "volume") {
+        report.measure = "counting3dMsr";
+        report.results = listResults(*multiSlice_counting3dMsr(inputs.image), ePlanKind::ePK_Volume3d);
+    } else {
+        report.measure = "counting2dMsr";
+        report.results = listResults(*multiSlice_counting2dMsr(inputs.image), ePlanKind::ePK_Plan2d);
+    }
+    for (Json& row : report.results) {
+        row["Count"] = row["Value"];
+        row.erase("Value");
+    }
+    return report;
+}
+
+} // namespace orlix::app

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <orlix/Options.hpp>
+#include <orlix/Output.hpp>
+
+/// The verbs that measure: each reads its files, calls the library's entry functions and reports what they return.
+namespace orlix::app
+{
+
+Report runInfo(const Options& options);
+Report runStats(const Options& options);
+Report runHistogram(const Options& options);
+Report runEntropy(const Options& options);
+Report runCount(const Options& options);
+
+} // namespace orlix::app

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace orlix::app
+{
+
+/// The options of the command line, as they were given.
+struct Options
+{
+    std::string image;
+    std::string mask;
+    std::string pages;
+    std::string per; ///< empty: the verb's default
+    std::string isa;
+    std::optional<double> min; ///< min and max are both given, or neither
+    std::optional<double> max;
+    std::optional<double> binWidth;
+    std::optional<unsigned> classes;
+    unsigned threads = 0;
+    bool json = false;
+    bool quiet = false;
+};
+
+} // namespace orlix::app
