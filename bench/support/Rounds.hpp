@@ -75,4 +75,14 @@ void compare(benchmark::State& state, const std::byte* bytes, std::size_t size, 
     }
 }
 
+/// Buffer sizes that fit the L2 cache, the L3 cache and neither; one thread and all.
+inline void sizesAndThreads(benchmark::internal::Benchmark* benchmark)
+{
+    benchmark->ArgNames({"bytes", "threads"})
+        ->ArgsProduct({{256 << 10, 8 << 20, 512 << 20}, {1, 0}})
+        ->Iterations(15)
+        ->UseManualTime()
+        ->Unit(benchmark::kMicrosecond);
+}
+
 } // namespace orlix::bench

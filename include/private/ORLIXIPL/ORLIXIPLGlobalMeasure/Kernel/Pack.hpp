@@ -148,16 +148,16 @@ using Unsigned = typename IntegersOf<sizeof(T)>::Unsigned;
 template <class T, Domain::domain D>
 using Selection = Pack<typename IntegersOf<sizeof(T)>::Signed, D>;
 
-/// Whether a selection has any lane.
+/// The 32-bit lanes of a selection as bits.
 template <Domain::domain D, class S>
-ORLIX_KERNEL bool anyOf(S selection)
+ORLIX_KERNEL std::uint32_t laneBits(S selection)
 {
     if constexpr (D == Domain::eIS_SSE2) {
-        return _mm_movemask_epi8((__m128i)selection) != 0;
+        return std::uint32_t(_mm_movemask_ps((__m128)selection));
     } else if constexpr (D == Domain::eIS_AVX512) {
-        return _mm512_test_epi32_mask((__m512i)selection, (__m512i)selection) != 0;
+        return _mm512_movepi32_mask((__m512i)selection);
     } else {
-        return _mm256_testz_si256((__m256i)selection, (__m256i)selection) == 0;
+        return std::uint32_t(_mm256_movemask_ps((__m256)selection));
     }
 }
 

@@ -13,7 +13,12 @@ namespace orlix::imaproc::glbmsr
 namespace
 {
 
-constexpr std::size_t nbTables = ClassCounts::nbTables;
+/// The table that pixel k of a block counts into.
+template <bool Eight>
+ORLIX_KERNEL std::uint32_t* tableOf(std::size_t k, const ClassCounts& c)
+{
+    return Eight ? c.tables + k % 8 * ClassCounts::stride : c.tables + k % 2 * c.distance;
+}
 
 /// The entry of a pixel that is counted by value.
 template <class T>
@@ -32,9 +37,9 @@ ORLIX_KERNEL void countOneByOne(R run, const ClassCounts& c)
         if (counts(run, i)) {
             const T pixel = run.pixels[i];
             if constexpr (isFloat<T>) {
-                ++c.tables[i % nbTables][classOf(pixel, c.rule)];
+                ++c.tables[classOf(pixel, c.rule)];
             } else {
-                ++c.tables[i % nbTables][c.byValue ? entryOf(pixel, c) : classOf(float(pixel), c.rule)];
+                ++c.tables[c.byValue ? entryOf(pixel, c) : classOf(float(pixel), c.rule)];
             }
         }
     }
@@ -44,40 +49,51 @@ ORLIX_KERNEL void countOneByOne(R run, const ClassCounts& c)
 template <class R>
 ORLIX_KERNEL void countBytes(R run, const ClassCounts& c)
 {
-    std::uint32_t* table[nbTables];
-    __builtin_memcpy(table, c.tables, sizeof table);
     const auto* const bytes = reinterpret_cast<const std::uint8_t*>(run.pixels);
     const auto entry = [&](std::size_t i, std::uint8_t byte) __attribute__((always_inline))
     {
         return counts(run, i) ? byte : 256u + byte;
     };
     std::size_t i = 0;
-    for (; i + 8 <= run.size; i += 8) {
-        std::uint64_t eight;
-        __builtin_memcpy(&eight, bytes + i, sizeof eight);
-#pragma GCC unroll 8
-        for (std::size_t k = 0; k < 8; ++k) {
-            ++table[k][entry(i + k, std::uint8_t(eight >> (8 * k)))];
+    for (; i + 16 <= run.size; i += 16) {
+        std::uint64_t eight[2];
+        __builtin_memcpy(eight, bytes + i, sizeof eight);
+#pragma GCC unroll 16
+        for (std::size_t k = 0; k < 16; ++k) {
+            ++tableOf<true>(k, c)[entry(i + k, std::uint8_t(eight[k / 8] >> (8 * (k % 8))))];
         }
     }
     for (; i < run.size; ++i) {
-        ++table[0][entry(i, bytes[i])];
+        ++c.tables[entry(i, bytes[i])];
     }
 }
 
-/// Adds one to each of `Count` entries, which are 16 or 32 bits wide. (Taking a word at a time spares loads.)
-template <std::size_t Count, class Entry>
-ORLIX_KERNEL void addEntries(const Entry* entries, std::uint32_t* const* table)
+template <std::size_t Count, bool Eight, class Entry>
+ORLIX_KERNEL void addEntriesTo(const Entry* entries, const ClassCounts& c)
 {
     constexpr std::size_t perWord = 8 / sizeof(Entry);
-#pragma GCC unroll 16
-    for (std::size_t w = 0; w < Count / perWord; ++w) {
-        std::uint64_t word;
-        __builtin_memcpy(&word, entries + w * perWord, sizeof word);
+#pragma GCC unroll 1
+    for (std::size_t i = 0; i < Count; i += 8) { // not unrolled, lest the compiler hoist every entry out of the choice
+#pragma GCC unroll 8
+        for (std::size_t k = 0; k < 8; k += perWord) {
+            std::uint64_t word; // to take several at a time spares loads
+            __builtin_memcpy(&word, entries + i + k, sizeof word);
 #pragma GCC unroll 4
-        for (std::size_t k = 0; k < perWord; ++k) {
-            ++table[(w * perWord + k) % nbTables][Entry(word >> (8 * sizeof(Entry) * k))];
+            for (std::size_t e = 0; e < perWord; ++e) {
+                ++tableOf<Eight>(k + e, c)[Entry(word >> (8 * sizeof(Entry) * e))];
+            }
         }
+    }
+}
+
+/// Adds one to each of `Count` entries, which are 16 or 32 bits wide.
+template <std::size_t Count, class Entry>
+ORLIX_KERNEL void addEntries(const Entry* entries, const ClassCounts& c)
+{
+    if (c.distance == ClassCounts::stride) {
+        addEntriesTo<Count, true>(entries, c);
+    } else {
+        addEntriesTo<Count, false>(entries, c);
     }
 }
 
@@ -113,7 +129,29 @@ ORLIX_KERNEL std::uint32_t findChanges(const T* pixels)
     return ~changes;
 }
 
-/// Integer pixels by value. Labels come in runs: a block of few runs is counted run by run.
+/// Counts 32 pixels of few runs run by run, and tells whether it did.
+template <Domain::domain D, class T>
+ORLIX_KERNEL bool countFewRuns(const T* pixels, const ClassCounts& c)
+{
+    std::uint32_t ends = findChanges<D>(pixels) | 0x80000000u;
+    std::uint32_t more = ends & (ends - 1);
+    more &= more - 1;
+    more &= more - 1;
+    if ((more & (more - 1)) != 0) { // more than four
+        return false;
+    }
+    int begin = 0;
+    do {
+        const int end = __builtin_ctz(ends) + 1;
+        c.tables[entryOf(pixels[begin], c)] += std::uint32_t(end - begin);
+        begin = end;
+        ends &= ends - 1;
+    } while (ends != 0);
+    return true;
+}
+
+/// Integer pixels by value. Labels come in runs; what does not goes to the tables a block later than it was looked at,
+/// so that neither waits.
 template <Domain::domain D, class R>
 ORLIX_KERNEL void countValues(R run, const ClassCounts& c)
 {
@@ -121,93 +159,104 @@ ORLIX_KERNEL void countValues(R run, const ClassCounts& c)
     using Entry = Unsigned<T>;
     using P = Pack<Entry, D>;
     constexpr std::size_t block = 32;
-    std::uint32_t* table[nbTables];
-    __builtin_memcpy(table, c.tables, sizeof table);
     // Where all 65536 values have their entries, no pixel is out of range.
     const P none = splat<P>(Entry(sizeof(T) == 2 && c.size > 0xffff ? 0xffff : c.size));
     const P first = splat<P>(Entry(c.first));
 
+    alignas(64) Entry entries[2][block];
+    bool pending = false; // the other block's entries are not counted yet
+    std::size_t turn = 0;
     std::size_t i = 0;
     for (; i + block < run.size; i += block) {
-        const T* const pixels = run.pixels + i;
         if constexpr (!R::isMasked) {
-            std::uint32_t ends = findChanges<D>(pixels) | 0x80000000u;
-            std::uint32_t more = ends & (ends - 1);
-            more &= more - 1;
-            more &= more - 1;
-            if ((more & (more - 1)) == 0) { // four runs at most
-                int begin = 0;
-                do {
-                    const int end = __builtin_ctz(ends) + 1;
-                    table[0][entryOf(pixels[begin], c)] += std::uint32_t(end - begin);
-                    begin = end;
-                    ends &= ends - 1;
-                } while (ends != 0);
+            if (countFewRuns<D>(run.pixels + i, c)) {
                 continue;
             }
         }
-        Entry entries[block];
 #pragma GCC unroll 8
         for (std::size_t k = 0; k < block; k += lanes<T, D>) {
-            P entry = least(load<P>(pixels + k) - first, none);
+            P entry = least(load<P>(run.pixels + i + k) - first, none);
             if constexpr (R::isMasked) {
                 entry = loadSelection<T, D>(run.mask + i + k) ? entry : none;
             }
-            __builtin_memcpy(entries + k, &entry, sizeof entry);
+            __builtin_memcpy(entries[turn] + k, &entry, sizeof entry);
         }
-        addEntries<block>(entries, table);
+        if (pending) {
+            addEntries<block>(entries[1 - turn], c);
+        }
+        pending = true;
+        turn = 1 - turn;
+    }
+    if (pending) {
+        addEntries<block>(entries[1 - turn], c);
     }
     countOneByOne(part(run, i, run.size - i), c);
 }
 
-/// Pixels by class.
-template <Domain::domain D, class R>
-ORLIX_KERNEL void countClasses(R run, const ClassCounts& c)
+/// The entries of as many pixels as there are lanes for floats, and which of them the rule must decide.
+template <Domain::domain D>
+struct ApproximateClass
 {
     using Floats = Pack<float, D>;
     using Entries = Pack<std::uint32_t, D>;
     using Selected = Selection<float, D>;
-    constexpr std::size_t block = 16;
-    std::uint32_t* table[nbTables];
-    __builtin_memcpy(table, c.tables, sizeof table);
-    const Floats minF = splat<Floats>(c.rule.minF);
-    const Floats maxF = splat<Floats>(c.rule.maxF);
-    const Floats base = splat<Floats>(c.base);
-    const Floats inverse = splat<Floats>(c.inverse);
-    const Floats slack = splat<Floats>(c.slack);
-    const Entries last = splat<Entries>(c.rule.size - 2);
-    const Entries none = splat<Entries>(c.rule.size);
-    const Floats toInteger = splat<Floats>(0x1.8p23f); // adding and taking it away rounds to the nearest integer
-    const Floats error = splat<Floats>(0x1.4p-22f);    // five roundings, relative
 
-    std::size_t i = c.approximate ? 0 : run.size;
-    for (; i + block <= run.size; i += block) {
-        std::uint32_t entries[block];
-        Selected doubtful{};
+    ORLIX_KERNEL explicit ApproximateClass(const ClassCounts& c)
+        : minF{splat<Floats>(c.rule.minF)}, maxF{splat<Floats>(c.rule.maxF)}, base{splat<Floats>(c.base)},
+          inverse{splat<Floats>(c.inverse)}, slack{splat<Floats>(c.slack)}, last{splat<Entries>(c.rule.size - 2)},
+          none{splat<Entries>(c.rule.size)}
+    {}
+
+    ORLIX_KERNEL Entries find(Floats pixel, Selected counts, Selected& isDoubtful) const
+    {
+        const Floats toInteger = splat<Floats>(0x1.8p23f); // adding and taking it away rounds to the nearest integer
+        const Floats error = splat<Floats>(0x1.4p-22f);    // five roundings, relative
+        const Floats quotient = (pixel - base) * inverse;
+        const Floats off = quotient - ((quotient + toInteger) - toInteger);
+        isDoubtful = magnitude(off) < quotient * error + slack;
+        const Selected isLast = pixel == maxF;
+        const Selected isInside = (pixel >= minF) & (pixel < maxF);
+        const Entries entry = isLast ? last : least((Entries)truncate<D>(quotient), none);
+        return (isInside | isLast) & counts ? entry : none;
+    }
+
+    Floats minF, maxF, base, inverse, slack;
+    Entries last, none;
+};
+
+/// Pixels by class. The entries of a whole block are found before the tables are touched, so that neither waits.
+template <Domain::domain D, class R>
+ORLIX_KERNEL void countClasses(R run, const ClassCounts& c)
+{
+    using Class = ApproximateClass<D>;
+    using Selected = typename Class::Selected;
+    constexpr std::size_t block = 64;
+    const Class approximateClass{c};
+
+    std::size_t i = 0;
+    for (; c.approximate && i + block <= run.size; i += block) {
+        alignas(64) std::uint32_t entries[block]; // or stores would lie across cache lines
+        std::uint64_t doubtful = 0;
 #pragma GCC unroll 4
         for (std::size_t k = 0; k < block; k += lanes<float, D>) {
-            const Floats pixel = loadAsFloats<D>(run.pixels + i + k);
-            const Floats quotient = (pixel - base) * inverse;
-            const Floats off = quotient - ((quotient + toInteger) - toInteger);
-            doubtful |= magnitude(off) < quotient * error + slack;
-            Entries entry = least((Entries)truncate<D>(quotient), none);
-            const Selected isLast = pixel == maxF;
-            Selected counted = ((pixel >= minF) & (pixel < maxF)) | isLast;
+            Selected selected = ~Selected{};
             if constexpr (R::isMasked) {
-                counted &= loadSelection<float, D>(run.mask + i + k);
+                selected = loadSelection<float, D>(run.mask + i + k);
             }
-            entry = isLast ? last : entry;
-            entry = counted ? entry : none;
+            Selected isDoubtful;
+            const auto entry = approximateClass.find(loadAsFloats<D>(run.pixels + i + k), selected, isDoubtful);
             __builtin_memcpy(entries + k, &entry, sizeof entry);
+            doubtful |= std::uint64_t{laneBits<D>(isDoubtful)} << k;
         }
-        if (anyOf<D>(doubtful)) {
-            countOneByOne(part(run, i, block), c);
-        } else {
-            addEntries<block>(entries, table);
+        for (; doubtful != 0; doubtful &= doubtful - 1) {
+            const auto k = std::size_t(__builtin_ctzll(doubtful));
+            if (counts(run, i + k)) {
+                entries[k] = classOf(float(run.pixels[i + k]), c.rule);
+            }
         }
+        addEntries<block>(entries, c);
     }
-    const std::size_t done = c.approximate ? i : 0;
-    countOneByOne(part(run, done, run.size - done), c);
+    countOneByOne(glbmsr::part(run, i, run.size - i), c);
 }
 
 template <class R, Domain::domain D>

@@ -32,12 +32,6 @@ bool isWhole(double x)
     return x == std::trunc(x);
 }
 
-/// Fewer tables the larger they are: together they stay in the caches.
-std::size_t chooseNbTables(std::size_t size)
-{
-    return size <= 2048 ? 8 : size <= 8192 ? 4 : size <= 32768 ? 2 : 1;
-}
-
 /// What lets vector kernels find a class without a division; see ClassCounts.
 void approximate(ClassCounts& counts, eImageBufferType type)
 {
@@ -59,7 +53,7 @@ void approximate(ClassCounts& counts, eImageBufferType type)
 
 StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, std::size_t nbPixels, bool isMasked,
                          std::vector<std::uint32_t>& tables)
-    : histogram_{histogram}, type_{type}, tables_{tables}
+    : histogram_{histogram}, type_{type}
 {
     ClassRule& rule = counts_.rule;
     rule.min = histogram.Min;
@@ -92,13 +86,22 @@ StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, 
         }
     }
 
-    const std::size_t nbTables = chooseNbTables(counts_.size);
+    // Together the tables stay in the cache, and few pixels are not worth many tables.
     const std::size_t entries = pixelSize == 1 ? 512 : std::size_t{counts_.size} + 1;
-    stride_ = (entries + 15) / 16 * 16 + 16; // tables apart in the cache
-    tables.assign(nbTables * stride_, 0);
-    for (std::size_t k = 0; k < ClassCounts::nbTables; ++k) {
-        counts_.tables[k] = tables.data() + k % nbTables * stride_;
+    const bool eight = pixelSize == 1 || (entries <= ClassCounts::stride && nbPixels >= 8192);
+    nbTables_ = eight ? 8 : entries <= 32768 ? 2 : 1;
+    counts_.distance = eight ? ClassCounts::stride : nbTables_ == 2 ? (entries + 15) / 16 * 16 + 16 : 0;
+    tables.resize(std::max(tables.size(), (nbTables_ - 1) * counts_.distance + entries));
+    counts_.tables = tables.data();
+    clear();
+}
+
+void StripCounts::clear()
+{
+    for (std::size_t k = 0; k < nbTables_; ++k) {
+        std::fill_n(counts_.tables + k * counts_.distance, counts_.size, 0);
     }
+    room_ = capacity;
 }
 
 float StripCounts::valueOf(std::size_t entry) const
@@ -111,11 +114,10 @@ float StripCounts::valueOf(std::size_t entry) const
 
 void StripCounts::flush()
 {
-    const std::size_t nbTables = tables_.size() / stride_;
     for (std::size_t entry = 0; entry < counts_.size; ++entry) {
         std::uint64_t count = 0;
-        for (std::size_t k = 0; k < nbTables; ++k) {
-            count += tables_[k * stride_ + entry];
+        for (std::size_t k = 0; k < nbTables_; ++k) {
+            count += counts_.tables[k * counts_.distance + entry];
         }
         if (count == 0) {
             continue;
@@ -125,8 +127,7 @@ void StripCounts::flush()
             histogram_.Frequencies[index] += count;
         }
     }
-    std::fill(tables_.begin(), tables_.end(), 0);
-    room_ = capacity;
+    clear();
 }
 
 } // namespace orlix::imaproc::glbmsr

@@ -33,11 +33,11 @@ private:
 
     /// The value of an entry that counts by value.
     float valueOf(std::size_t entry) const;
+    void clear();
 
     attr::HistogramData& histogram_;
     image::eImageBufferType type_;
-    std::vector<std::uint32_t>& tables_;
-    std::size_t stride_ = 0;
+    std::size_t nbTables_ = 1;
     std::size_t room_ = capacity;
     ClassCounts counts_{};
 };

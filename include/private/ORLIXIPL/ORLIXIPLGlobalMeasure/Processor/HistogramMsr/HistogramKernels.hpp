@@ -16,16 +16,18 @@ struct ClassRule
     std::uint32_t size; ///< classes and the guard class
 };
 
-/// What a histogram kernel counts into. There are several tables, so that equal neighbours need not wait for each
-/// other; they may coincide, and each has an entry `size` for what does not count.
+/// What a histogram kernel counts into: one, two or eight tables, so that equal neighbours need not wait for each
+/// other. Each has an entry `size` for what does not count.
 struct ClassCounts
 {
-    static constexpr std::size_t nbTables = 8;
+    /// Where there are eight, they lie this far apart.
+    static constexpr std::size_t stride = 2048 + 32;
 
-    std::uint32_t* tables[nbTables];
+    std::uint32_t* tables;
+    std::size_t distance; ///< between two tables: `stride` for eight, 0 for one
     std::uint32_t size;
     /// Integer pixels: entry i counts the pixels of value first + i, and classes come later. Pixels of 8 bits are
-    /// always counted so, by their byte, with 256 entries more for what a mask excludes.
+    /// always counted so, in eight tables, by their byte, with 256 entries more for what a mask excludes.
     bool byValue;
     std::int64_t first;
     /// Else entry i is class i.
