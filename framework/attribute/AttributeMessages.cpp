@@ -19,7 +19,7 @@ std::span<const Message> MessageMap<imaproc::attr::eAttributeMessage>::texts()
         {10, "the image ranges from %1% to %2%: pass bounds of your own"},
         {11, "a range from %1% to %2% is too narrow for classes (of the width %3%): scale the pixels up"},
         {12, "%1% classes need %2% MiB, and the memory limit is %3% MiB: use wider classes or bounds of your own"},
-        {13, "the labels range from %1% to %2%, which is too wide to tell them apart: number them from 0 without gaps"},
+        {13, "the labels range from %1% to %2%, but beyond 16777216 they cannot be told apart: number them from 0"},
     };
     return table;
 }

@@ -5,6 +5,7 @@
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMaskMsr2d/HistogramMaskMsr2dLvl3.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr2d/HistogramMsr2dLvl3.hpp>
+#include <framework/data/Archive.hpp>
 
 #include <gtest/gtest.h>
 
@@ -115,6 +116,7 @@ std::vector<Classes> makeClasses()
                                        {-3000, 3000, 6000. / 65536, 65537},
                                        {low, high, high / 128, 257},
                                        {0.1, 0.7, 0.1, 8},
+                                       {0, 100, 1e-300, 5},
                                        {7, 7, 0, 2},
                                        {0, 1e-30, 1e-14, 2},
                                        {16777217, 16777300, 0.5, 168}});
@@ -159,6 +161,41 @@ TYPED_TEST(HistogramKernel, FindsTheClassOfEveryPixel)
         }
         expectFrequencies(values, classes);
     }
+}
+
+// Bounds that single precision cannot hold are those of the pixels as they are compared, whether few pixels are counted
+// or many.
+TYPED_TEST(HistogramKernel, BoundsFinerThanPixels)
+{
+    using T = TypeParam;
+    for (const std::size_t repeats : {1, 20000}) {
+        std::vector<T> values;
+        for (std::size_t i = 0; i < repeats; ++i) {
+            values.insert(values.end(), {static_cast<T>(100), static_cast<T>(110), static_cast<T>(120)});
+        }
+        expectFrequencies(values, {100.0000001, 119.9999999, 1, 22});
+        expectFrequencies(values, {99.9999999, 120.0000001, 2.5, 10});
+        if constexpr (sizeof(T) == 4) {
+            for (T& value : values) {
+                value += 8388608;
+            }
+            expectFrequencies(values, {8388708.4, 8388728.6, 1, 22});
+        }
+    }
+}
+
+// The highest classes that memory allows by default: the index of a class and their number differ by less than single
+// precision tells.
+TEST(HistogramKernelFloat, ClassesBeyondSinglePrecision)
+{
+    const std::vector<float> values{-1, -1e-30f, -0.5f};
+    const std::size_t size = (std::size_t{1} << 25) + 2;
+    const auto strip = makePtr<HistogramMsr2dLvl3>();
+    ASSERT_TRUE(strip->init(eProcessorRulePolicy::eRP_CheckRules));
+    strip->set<InYStrip2d>({makeImage({3, 1}, values), 0, 1});
+    const auto frequencies = run(strip, {-1, 0, 1. / static_cast<double>(size - 1), size});
+    EXPECT_EQ(std::accumulate(frequencies.begin(), frequencies.end(), std::uint64_t{0}), 3u);
+    EXPECT_EQ(frequencies[0], 1u);
 }
 
 // Every value of 16 bits, in every kind of classes; enough pixels to be counted by value where that is worth while.
@@ -224,6 +261,29 @@ TEST(HistogramStrip, RefusesClassesThatDoNotFit)
               std::string::npos);
     strip->set<OutHistogram>(makeHistogram({0, 1, 0.5, 3}));
     EXPECT_TRUE(strip->run(eSynchroType::eST_Synchronous));
+
+    // Without rules, nothing is written where there are no classes.
+    const auto unruled = makePtr<HistogramMsr2dLvl3>();
+    ASSERT_TRUE(unruled->init(eProcessorRulePolicy::eRP_NoRules));
+    unruled->set<InYStrip2d>({floats, 0, 1});
+    EXPECT_NE(unruled->run(eSynchroType::eST_Synchronous).getMessage().find("has no classes"), std::string::npos);
+}
+
+// A strip that was written to an archive, histogram and all, runs after it was read.
+TEST(HistogramStrip, RunsFromAnArchive)
+{
+    const auto strip = makePtr<HistogramMaskMsr2dLvl3>();
+    ASSERT_TRUE(strip->init(eProcessorRulePolicy::eRP_CheckRules));
+    strip->set<InYStrip2d>({makeImage<unsigned char>({3, 2}, {1, 2, 3, 1, 1, 9}), 0, 2});
+    strip->set<InMaskYStrip2d>({makeImage<unsigned char>({3, 2}, {1, 0, 1, 1, 1, 1}), 0, 2});
+    strip->set<OutHistogram>(makeHistogram({0, 3, 1, 5}));
+    data::OutputArchive archive;
+    ASSERT_TRUE(archive.write("strip", strip.get()));
+    data::InputArchive back{archive.str()};
+    Ptr<HistogramMaskMsr2dLvl3> read;
+    ASSERT_TRUE(back.read("strip", read));
+    executeSyncRun(read);
+    EXPECT_EQ(read->getStorage<OutHistogram>()->Frequencies, (std::vector<std::uint64_t>{0, 3, 0, 1, 0}));
 }
 
 } // namespace orlix::test

@@ -164,8 +164,8 @@ TEST(Counting, RefusesWhatIsNoLabelImage)
               "int16, uint32, int32");
     // Labels that a histogram cannot hold, or would put into one class.
     for (const auto& [label, message] : {std::pair{2000000000u, "2000000001 classes need 22889 MiB"},
-                                         std::pair{4000000000u, "the labels range from 0 to 4000000000, which is too"},
-                                         std::pair{16777217u, "the labels range from 0 to 16777217, which is too"}}) {
+                                         std::pair{4000000000u, "the labels range from 0 to 4000000000, but beyond"},
+                                         std::pair{16777217u, "the labels range from 0 to 16777217, but beyond"}}) {
         const auto image = makeRow<unsigned int>({0, label});
         EXPECT_NE(messageOf([&] { counting3dMsr(image); }).find(message), std::string::npos) << label;
     }

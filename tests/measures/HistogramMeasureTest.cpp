@@ -9,6 +9,8 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr2d/HistogramMsr2d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr3d/HistogramMsr3d.hpp>
 
+#include <framework/process/ProcessorFactory.hpp>
+
 #include <gtest/gtest.h>
 
 #include <numeric>
@@ -127,6 +129,7 @@ TEST(HistogramMeasure, FixesTheClasses)
          {{0, 256}},
          256},
         {"user classes", unit, params(0, 0.5, 0, 5), 0, 0.5, 0.1, 5, {{0, 26}}, 129},
+        {"a width of 0 for a constant", constant, ofImage(0), 2.5, 2.5, 0, 1, {{0, 9}}, 9},
         {"user point", unit, params(0.5, 0.5, 0), 0.5, 0.5, 0, 1, {{0, 1}}, 1},
         // Bounds that are no range, or not of the type, are silently those of the image.
         {"reversed", bytes, params(100, 50, 10), 0, 255, 10, 26, {{0, 10}, {25, 6}}, 256},
@@ -169,6 +172,7 @@ TEST(HistogramMeasure, RefusesWhatHasNoClasses)
     const std::pair<std::function<void()>, std::string> cases[] = {
         {[&] { histogramMsr(unit, params(0, 1, 0)); },
          "HistogramMsrLvl1: InOptHistoMsrParams has the BinWidth 0: a width above 0 is needed"},
+        {[&] { histogramMsr(unit, ofImage(0)); }, "InOptHistoMsrParams has the BinWidth 0"},
         {[&] { histogramMsr2d(unit, ofImage(-3)); }, "HistogramMsr2dLvl1: InOptHistoMsrParams has the BinWidth -3"},
         {[&] { histogramMsr3d(unit, ofImage(nan)); }, "HistogramMsr3dLvl1: InOptHistoMsrParams has the BinWidth nan"},
         {[&] {
@@ -202,6 +206,8 @@ TEST(HistogramMeasure, TellsTheNumberOfClasses)
 {
     const auto processor = makePtr<HistogramMsr2dLvl2>();
     ASSERT_TRUE(processor->init(eProcessorRulePolicy::eRP_CheckRules));
+    EXPECT_EQ(messageOf([&] { (void)processor->getHistoNbClasses(0, 1, 1); }),
+              "HistogramMsr2dLvl2: InSubImg2d is not set");
     processor->set<InSubImg2d>(makeRow<float>({0, 1}));
     EXPECT_EQ(processor->getHistoNbClasses(0, 1, 0.3), 4u);
     EXPECT_EQ(processor->getHistoNbClasses(0, 1, 0), 1u);
@@ -225,7 +231,7 @@ TEST(HistogramMeasure, CoversImagePlansAndVolumes)
     }
     auto mask = makeMask(MaskPattern::Half, shape.nbPixels());
     std::fill_n(mask.begin() + static_cast<std::ptrdiff_t>(plan), plan, std::uint8_t{0});
-    const auto image = makeStrided(shape, values, true, false, false);
+    const auto image = makeStrided(shape, values, true, false, true);
     const auto maskImage = makeStrided(shape, mask, false, true, false);
     const auto expectHistogram = [](const HistogramData& result, const std::vector<short>& pixels) {
         const auto [min, max] = std::minmax_element(pixels.begin(), pixels.end());
@@ -270,8 +276,7 @@ TEST(HistogramMeasure, CoversImagePlansAndVolumes)
               sumOf(referenceFrequencies(select(values, mask), -100, 100, 10, 22)));
 }
 
-// A histogram of many classes, in many strips and plans, is the same for any number of threads, and no class vector is
-// made in vain.
+// A histogram of many classes, in many strips and plans, is the same for any number of threads.
 TEST(HistogramMeasure, DoesNotDependOnThreads)
 {
     const ImageGeometry shape{1021, 997, 3, 2};
@@ -293,12 +298,67 @@ TEST(HistogramMeasure, DoesNotDependOnThreads)
             EXPECT_EQ(sum, one->Frequencies);
         }
     }
-    // With room for one histogram alone, plans and strips wait for each other.
-    const std::size_t oneHistogram = 65537 * 12;
-    core::settings::setMemoryLimit(oneHistogram);
-    const auto few = histogramMsr(image, ofImage(1));
+    // Strips outweigh their classes, and are no more than the memory limit has room for.
+    HistogramData classes;
+    classes.Frequencies.resize(65537);
+    EXPECT_EQ(getMinStripPixels(classes, *image), 16 * classes.Frequencies.size());
+    core::settings::setMemoryLimit(2 * 65537 * 12);
+    EXPECT_EQ(getMaxPartialHistograms(classes), 2u);
+    EXPECT_GT(getMinStripPixels(classes, *image), shape.nbPixels() / 2);
+    EXPECT_EQ(sumOf(histogramMsr(image, ofImage(1))->Frequencies), shape.nbPixels());
     core::settings::setMemoryLimit(0);
-    EXPECT_EQ(sumOf(few->Frequencies), shape.nbPixels());
+}
+
+// One processor measures one image after the other, whatever happened before.
+TEST(HistogramMeasure, RunsAgain)
+{
+    const auto processor = makePtr<HistogramMsrLvl1>();
+    ASSERT_TRUE(processor->init(eProcessorRulePolicy::eRP_CheckRules));
+    const auto run = [&](const Ptr<const BaseImage>& image, const Ptr<const HistoMsrParams>& record) {
+        processor->set<InImg>(image);
+        processor->set<InOptHistoMsrParams>(record);
+        const auto result = processor->run(eSynchroType::eST_Synchronous);
+        return result ? processor->getStorage<OutHistogram>()->Frequencies : std::vector<std::uint64_t>{};
+    };
+    const auto bytes = makeRow<unsigned char>({3, 4, 4});
+    const auto floats = makeRow<float>({0, 1, static_cast<float>(inf)});
+    using Frequencies = std::vector<std::uint64_t>;
+    EXPECT_EQ(run(bytes, nullptr), (Frequencies{1, 2}));
+    EXPECT_EQ(run(bytes, params(4, 5, 1)), (Frequencies{2, 0}));
+    EXPECT_EQ(run(floats, nullptr), Frequencies{});
+    EXPECT_EQ(run(floats, params(0, 1, 0.5)), (Frequencies{1, 1}));
+    EXPECT_EQ(run(bytes, nullptr), (Frequencies{1, 2}));
+}
+
+// The levels below, as a host may create them by name.
+TEST(HistogramMeasure, TheLevelsOfTheWholeImageRunAlone)
+{
+    const auto create = [](const char* name) {
+        auto processor =
+            ProcessorFactory::getInstance().createProcessor(std::string{"orlix::imaproc::glbmsr::"} + name);
+        EXPECT_TRUE(processor->init(eProcessorRulePolicy::eRP_CheckRules));
+        return processor;
+    };
+    const auto image = makeImage<unsigned char>({3, 2}, {1, 2, 3, 3, 2, 3});
+    const auto histogram = makePtr<HistogramData>();
+    const auto plan = create("HistogramMsrLvl2");
+    plan->set<InSubImg2d>(image);
+    EXPECT_NE(plan->run(eSynchroType::eST_Synchronous).getMessage().find("InOutHistogram is not set"),
+              std::string::npos);
+    plan->set<InOutHistogram>(histogram);
+    EXPECT_NE(plan->run(eSynchroType::eST_Synchronous).getMessage().find("has no classes"), std::string::npos);
+    histogram->Min = histogram->BinWidth = 1;
+    histogram->Max = 3;
+    histogram->Frequencies.assign(4, 9);
+    EXPECT_TRUE(plan->run(eSynchroType::eST_Synchronous));
+    EXPECT_EQ(histogram->Frequencies, (std::vector<std::uint64_t>{1, 2, 3, 0}));
+
+    const auto strip = create("HistogramMaskMsrLvl3");
+    strip->set<InYStrip2d>({image, 1, 1});
+    strip->set<InMaskYStrip2d>({makeImage<unsigned char>({3, 2}, {1, 1, 1, 0, 1, 1}), 1, 1});
+    strip->set<InOutHistogram>(histogram);
+    EXPECT_TRUE(strip->run(eSynchroType::eST_Synchronous));
+    EXPECT_EQ(histogram->Frequencies, (std::vector<std::uint64_t>{0, 1, 1, 0}));
 }
 
 TEST(HistogramParams, AreCopiedAndArchived)

@@ -9,8 +9,8 @@ namespace orlix::imaproc::glbmsr
 
 core::ProcessingResult countObjects(const attr::HistogramData& labels, std::uint64_t& objects)
 {
-    constexpr std::size_t most = std::size_t{1} << 24; // pixels are counted in single precision
-    if (labels.BinWidth > 1 || labels.getNbClasses() > most) {
+    constexpr double most = 1 << 24; // beyond it, single precision takes several labels for one
+    if (labels.BinWidth > 1 || labels.Min < -most || labels.Max > most) {
         return core::ProcessingResult::failure(
             core::formatMessage(attr::eAttributeMessage::eAM_WideLabels, labels.Min, labels.Max));
     }

@@ -33,10 +33,15 @@ double getSpan(eImageBufferType type, double min, double max)
     return isFloat(type) ? max - min : max - min + 1;
 }
 
+double getQuotient(double span, double binWidth)
+{
+    return span / (binWidth < epsilon ? 1.0 : binWidth);
+}
+
 /// The number of classes, however large.
 double countClasses(double span, double binWidth)
 {
-    const double quotient = span / (binWidth < epsilon ? 1.0 : binWidth);
+    const double quotient = getQuotient(span, binWidth);
     const double whole = std::trunc(quotient);
     return std::max(1.0, quotient - whole > epsilon ? whole + 1 : whole);
 }
@@ -62,9 +67,15 @@ ProcessingResult fail(eAttributeMessage message, const Arguments&... arguments)
 
 } // namespace
 
-std::uint32_t countHistogramClasses(eImageBufferType type, double min, double max, double binWidth)
+std::uint32_t countHistogramClasses(const BaseProcessor& processor, const attr::BaseAttribute& image, double min,
+                                    double max, double binWidth)
 {
-    const double quotient = getSpan(type, min, max) / (binWidth < epsilon ? 1.0 : binWidth);
+    if (!image.isSet()) {
+        core::raise<ORLIXBaseProcessingException>(getBaseProcessingLogger(), ORLIX_HERE,
+                                                  imaproc::eProcessorMessage::eUnsetInput, processor.getObjectName(),
+                                                  image.getName());
+    }
+    const double quotient = getQuotient(getSpan(image.getImage()->getType(), min, max), binWidth);
     const bool fits = std::fabs(quotient) < 0x1p63; // else, and for NaN, no number of classes has a meaning
     const auto whole = fits ? static_cast<std::uint32_t>(static_cast<std::int64_t>(quotient)) : 0;
     return std::max(1u, quotient - whole > epsilon ? whole + 1 : whole);
@@ -83,6 +94,9 @@ ProcessingResult makeClasses(HistogramData& histogram, eImageBufferType type, co
     const double span = getSpan(type, min, max);
     if (!std::isfinite(span)) {
         return fail(eAttributeMessage::eAM_NoFiniteRange, min, max);
+    }
+    if (params != nullptr && params->UseBinWidth && params->BinWidth == 0 && span > 0) {
+        return fail(eAttributeMessage::eAM_WrongBinWidth, InOptHistoMsrParams::name, 0.0);
     }
     const double width = getBinWidth(type, params, span);
     if (span > 0 && width < epsilon) {
@@ -112,13 +126,14 @@ void makeEmptyClass(HistogramData& histogram, eImageBufferType type, double min,
 
 std::size_t getMaxPartialHistograms(const HistogramData& histogram)
 {
-    return std::max<std::size_t>(1, core::settings::getMemoryLimit() / (histogram.Frequencies.size() * bytesPerClass));
+    const std::size_t bytes = std::max<std::size_t>(1, histogram.Frequencies.size()) * bytesPerClass;
+    return std::max<std::size_t>(1, core::settings::getMemoryLimit() / bytes);
 }
 
 std::size_t getMinStripPixels(const HistogramData& histogram, const image::BaseImage& image)
 {
     return std::max(16 * histogram.Frequencies.size(),
-                    image.getGeometry().nbPixels() / getMaxPartialHistograms(histogram));
+                    image.getGeometry().nbPixels() / getMaxPartialHistograms(histogram) + 1);
 }
 
 Rule matchBinWidth(const InOptHistoMsrParams& params, const attr::BaseAttribute& image)
@@ -129,22 +144,30 @@ Rule matchBinWidth(const InOptHistoMsrParams& params, const attr::BaseAttribute&
             return {};
         }
         const eImageBufferType type = image.getImage()->getType();
-        if (isFloat(type) && record->BinWidth == 0 && record->Min == record->Max && hasUserRange(record, type)) {
+        const bool mayBePoint = !hasUserRange(record, type) || record->Min == record->Max;
+        if (isFloat(type) && record->BinWidth == 0 && mayBePoint) {
             return {};
         }
         return fail(eAttributeMessage::eAM_WrongBinWidth, params.getName(), record->BinWidth);
     }};
 }
 
-Rule matchClasses(const attr::BaseAttribute& output, const Ptr<HistogramData>& histogram,
-                  const attr::BaseAttribute& strip)
+ProcessingResult checkHasClasses(const attr::BaseAttribute& output, const HistogramData& histogram)
 {
-    return Rule{[&output, &histogram, &strip]() -> ProcessingResult {
-        constexpr std::size_t most = std::size_t{1} << 31;
-        if (!histogram || histogram->Frequencies.size() < 2 || histogram->Frequencies.size() > most) {
-            return fail(eAttributeMessage::eAM_NoClasses, output.getName());
+    constexpr std::size_t most = std::size_t{1} << 31;
+    const std::size_t size = histogram.Frequencies.size();
+    return size >= 2 && size <= most ? ProcessingResult{} : fail(eAttributeMessage::eAM_NoClasses, output.getName());
+}
+
+Rule matchClasses(const attr::BaseAttribute& output, const Ptr<HistogramData>& histogram,
+                  const attr::BaseAttribute& pixels)
+{
+    return Rule{[&output, &histogram, &pixels]() -> ProcessingResult {
+        ProcessingResult result = checkHasClasses(output, histogram ? *histogram : HistogramData{});
+        if (!result) {
+            return result;
         }
-        const eImageBufferType type = strip.getImage()->getType();
+        const eImageBufferType type = pixels.getImage()->getType();
         const auto [lowest, highest] = image::getValueRange(type);
         const auto isInside = [lowest = lowest, highest = highest](double x) { return lowest <= x && x <= highest; };
         if (!isInside(histogram->Min) || !isInside(histogram->Max)) {

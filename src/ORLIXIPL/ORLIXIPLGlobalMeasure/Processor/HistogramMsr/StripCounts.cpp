@@ -46,7 +46,8 @@ void approximate(ClassCounts& counts, eImageBufferType type)
     counts.inverse = static_cast<float>(1 / rule.binWidth);
     counts.slack = static_cast<float>(2 * slack);
     // Beyond these bounds the product has no precision left, or is out of a float's range.
-    counts.approximate = slack < 0x1p-5 && rule.size < (1u << 21) && span < 1e37 && rule.binWidth < 1e37;
+    counts.approximate = slack < 0x1p-5 && rule.size < (1u << 21) && span < 1e37 && rule.binWidth < 1e37 &&
+                         (rule.binWidth > 1e-37 || rule.minF == rule.maxF);
 }
 
 } // namespace
@@ -62,27 +63,33 @@ StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, 
     rule.maxF = static_cast<float>(histogram.Max);
     rule.size = static_cast<std::uint32_t>(histogram.Frequencies.size());
     approximate(counts_, type);
+    classIsEntry_ = true;
 
     counts_.size = rule.size;
     const std::size_t pixelSize = image::getPixelSize(type);
     if (pixelSize == 1) {
         counts_.byValue = true;
         counts_.size = 256;
+        classIsEntry_ = false;
     } else if (type != eImageBufferType::eIBT_Float32) {
         const auto [lowest, highest] = image::getValueRange(type);
-        const double first = std::ceil(std::max(lowest, histogram.Min));
-        const double values = std::floor(std::min(highest, histogram.Max)) - first + 1;
-        // Up to 2^24 a pixel and its single precision are the same. Few values, or a class each, are worth it.
-        const bool exact = -0x1p24 < histogram.Min && histogram.Max < 0x1p24;
+        const double first = std::ceil(std::max<double>(lowest, rule.minF));
+        const double values = std::floor(std::min<double>(highest, rule.maxF)) - first + 1;
+        // Below 2^24 a pixel and its single precision are the same. Few values, or a class each, are worth it.
+        const bool exact = -0x1p24 < rule.minF && rule.maxF < 0x1p24;
         const bool few = values <= 8192 && values * 16 <= static_cast<double>(nbPixels);
-        const bool each = histogram.BinWidth == 1 && isWhole(histogram.Min) &&
-                          values <= static_cast<double>(histogram.Frequencies.size());
+        // The upper bound itself is in the last class, wherever it lies.
+        const double end = first - rule.min + values;
+        const bool each = rule.binWidth == 1 && isWhole(rule.min) && first >= rule.min &&
+                          (isWhole(rule.maxF) ? end == rule.size - 1.0 : end <= rule.size - 1.0);
         // An entry of 16 bits has no room for "none" beside 65536 values.
         const bool fits = !isMasked || pixelSize > 2 || values < 0x1p16;
         if (values >= 1 && exact && (few || each) && fits) {
             counts_.byValue = true;
             counts_.first = static_cast<std::int64_t>(first);
             counts_.size = static_cast<std::uint32_t>(values);
+            classIsEntry_ = each;
+            firstClass_ = each ? static_cast<std::size_t>(first - rule.min) : 0;
         }
     }
 
@@ -114,17 +121,19 @@ float StripCounts::valueOf(std::size_t entry) const
 
 void StripCounts::flush()
 {
+    const auto count = [&](std::size_t entry) {
+        std::uint64_t sum = counts_.tables[entry];
+        for (std::size_t k = 1; k < nbTables_; ++k) {
+            sum += counts_.tables[k * counts_.distance + entry];
+        }
+        return sum;
+    };
+    std::uint64_t* const frequencies = histogram_.Frequencies.data();
     for (std::size_t entry = 0; entry < counts_.size; ++entry) {
-        std::uint64_t count = 0;
-        for (std::size_t k = 0; k < nbTables_; ++k) {
-            count += counts_.tables[k * counts_.distance + entry];
-        }
-        if (count == 0) {
-            continue;
-        }
-        const std::size_t index = counts_.byValue ? classOf(valueOf(entry), counts_.rule) : entry;
-        if (index < histogram_.Frequencies.size()) {
-            histogram_.Frequencies[index] += count;
+        if (classIsEntry_) {
+            frequencies[firstClass_ + entry] += count(entry);
+        } else if (const std::uint32_t index = classOf(valueOf(entry), counts_.rule); index < counts_.rule.size) {
+            frequencies[index] += count(entry);
         }
     }
     clear();

@@ -17,7 +17,7 @@ const KernelTables<HistogramMaskKernel>& getHistogramMaskKernels();
 class StripCounts
 {
 public:
-    /// `tables` is memory that lives on from strip to strip.
+    /// The histogram has from 2 to 2^31 frequencies. `tables` is memory that lives on from strip to strip.
     StripCounts(attr::HistogramData& histogram, image::eImageBufferType type, std::size_t nbPixels, bool isMasked,
                 std::vector<std::uint32_t>& tables);
 
@@ -37,6 +37,8 @@ private:
 
     attr::HistogramData& histogram_;
     image::eImageBufferType type_;
+    bool classIsEntry_ = true; ///< entry i counts class firstClass_ + i
+    std::size_t firstClass_ = 0;
     std::size_t nbTables_ = 1;
     std::size_t room_ = capacity;
     ClassCounts counts_{};

@@ -70,8 +70,10 @@ namespace
 {
     if (pixel >= rule.minF && pixel < rule.maxF) {
         const float quotient = float((double(pixel) - rule.min) / rule.binWidth);
-        // Negative, though the pixel is not, where the bounds are finer than single precision.
-        return quotient > -1 && quotient < float(rule.size) ? std::uint32_t(std::int64_t(quotient)) : rule.size;
+        // Below 0 where the bounds are finer than single precision, NaN where the width is 0.
+        const bool isIndex = quotient > -1 && quotient < 0x1p32f;
+        const std::uint32_t index = isIndex ? std::uint32_t(std::int64_t(quotient)) : rule.size;
+        return index < rule.size ? index : rule.size;
     }
     return pixel == rule.maxF ? rule.size - 2 : rule.size;
 }

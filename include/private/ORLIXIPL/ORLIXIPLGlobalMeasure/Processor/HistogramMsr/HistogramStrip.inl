@@ -33,6 +33,11 @@ template <class Self, class Out, class Strip, class... Mask>
 template <class T, core::eInstructionSet::domain D>
 core::ProcessingResult HistogramStrip<Self, Out, Strip, Mask...>::genericProcessFunction(ProcessingInfo info)
 {
+    // Rules may be switched off; the bounds of the vector are not.
+    if (core::ProcessingResult result = checkHasClasses(this->template attribute<Out>(), this->template value<Out>());
+        !result) {
+        return result;
+    }
     StripCounts counts{this->template value<Out>(), image::imageBufferTypeOf<T>, info.size, isMasked, tables_};
     const auto kernel = kernelOf<T>(getKernels().of(D));
     for (std::size_t i = 0; i < info.nbRuns(); ++i) {

@@ -6,8 +6,8 @@
 #include <framework/process/Levels.hpp>
 
 /// What the counts of objects share: a label image has an object for every class of width 1 of its histogram that is
-/// not empty, but for the first class, which is the background, whatever it holds. Labels above 2^24 share classes,
-/// since a histogram sees pixels in single precision.
+/// not empty, but for the first class, which is the background, whatever it holds. Labels beyond 2^24 fail, since a
+/// histogram cannot tell all of them apart.
 namespace orlix::imaproc::glbmsr
 {
 

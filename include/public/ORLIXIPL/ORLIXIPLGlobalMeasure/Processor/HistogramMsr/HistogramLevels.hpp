@@ -40,8 +40,10 @@ using attr::OutHistogram;
 using attr::OutPIHistogram;
 using attr::PlanIndexedHistogramData;
 
-/// The number of classes of a range and a width (1.0 stands for a width of 0), modulo 2^32.
-ORLIX_API std::uint32_t countHistogramClasses(image::eImageBufferType type, double min, double max, double binWidth);
+/// The number of classes of a range and a width (1.0 stands for a width of 0), modulo 2^32. Throws
+/// ORLIXBaseProcessingException if the processor's image is not set.
+ORLIX_API std::uint32_t countHistogramClasses(const BaseProcessor& processor, const attr::BaseAttribute& image,
+                                              double min, double max, double binWidth);
 
 /// Whether the parameters, which may be null, define a range that the pixel type allows.
 ORLIX_API bool hasUserRange(const HistoMsrParams* params, image::eImageBufferType type);
@@ -54,14 +56,16 @@ ORLIX_API void makeEmptyClass(HistogramData& histogram, image::eImageBufferType 
 
 /// How many partial histograms of these classes the memory limit allows at once; at least 1.
 ORLIX_API std::size_t getMaxPartialHistograms(const HistogramData& histogram);
-/// Pixels that a strip needs for its counting to outweigh its classes, and for the memory limit to hold.
+/// Pixels that a strip should have for its counting to outweigh its classes, and for the memory limit to hold.
 ORLIX_API std::size_t getMinStripPixels(const HistogramData& histogram, const image::BaseImage& image);
 
-/// A BinWidth that is used is above 0, or 0 for float pixels of a range that is one value.
+/// A BinWidth that is used is above 0, or 0 for float pixels whose range may be one value.
 ORLIX_API Rule matchBinWidth(const InOptHistoMsrParams& params, const attr::BaseAttribute& image);
-/// The histogram has classes, and they fit the pixels of the strip.
+/// The histogram has a class and a guard class, at least, and fewer than 2^31.
+ORLIX_API core::ProcessingResult checkHasClasses(const attr::BaseAttribute& output, const HistogramData& histogram);
+/// The histogram has classes, and they fit the pixels.
 ORLIX_API Rule matchClasses(const attr::BaseAttribute& output, const Ptr<HistogramData>& histogram,
-                            const attr::BaseAttribute& strip);
+                            const attr::BaseAttribute& pixels);
 
 /// One strip: counts into the classes of its output. Strip is the strip attribute, Mask that of the mask's strip or
 /// nothing.
@@ -76,6 +80,14 @@ public:
 
     template <class T, core::eInstructionSet::domain D>
     core::ProcessingResult genericProcessFunction(ProcessingInfo info);
+
+    /// The histogram brings its classes along: it is the caller's, whatever it was written by.
+    core::ProcessingResult read(data::InputArchive& archive) override
+    {
+        core::ProcessingResult result = Algorithm<Self, Strip, Mask..., Out>::read(archive);
+        this->template attribute<Out>().init(this->template attribute<Out>().get());
+        return result;
+    }
 
 protected:
     Rule makeRule() const override
@@ -99,7 +111,19 @@ private:
 template <class Self, class Child, class Out, class Image, class... Inputs>
 class HistogramStrips : public StripsLvl2<Self, Child, Pass<Out>, AddUp, Image, Inputs...>
 {
+    using Base = StripsLvl2<Self, Child, Pass<Out>, AddUp, Image, Inputs...>;
+
 protected:
+    Rule makeRule() const override
+    {
+        if constexpr (Out::role == attr::eAttributeRole::eAR_InputOutput) {
+            return Base::makeRule() &&
+                   matchClasses(this->template attribute<Out>(), this->template attribute<Out>().get(),
+                                this->template attribute<typename Image::Source>());
+        } else {
+            return Base::makeRule();
+        }
+    }
     std::size_t getMinStripPixels() const override
     {
         return glbmsr::getMinStripPixels(this->template value<Out>(), this->template value<typename Image::Source>());
@@ -114,7 +138,7 @@ class HistogramPlans
 protected:
     std::size_t getMaxParallelPlans() const override
     {
-        return getMaxPartialHistograms(this->template value<OutHistogram>());
+        return getMaxPartialHistograms(this->template value<OutHistogram>()) / 2; // a plan's own and its strip's
     }
 };
 
@@ -126,7 +150,7 @@ class Histogram : public Counting
 public:
     std::uint32_t getHistoNbClasses(double min, double max, double binWidth) const
     {
-        return countHistogramClasses(this->template value<Image>().getType(), min, max, binWidth);
+        return countHistogramClasses(*this, this->template attribute<Image>(), min, max, binWidth);
     }
 
     void clearIntermediateData() override
@@ -146,6 +170,7 @@ protected:
 
     Ptr<BaseProcessor> makeStage(std::size_t) override
     {
+        statistics_.reset();
         if (hasUserRange(params(), this->template value<Image>().getType())) {
             return nullptr;
         }
@@ -165,12 +190,13 @@ protected:
         if (!statistics_) {
             result = makeClasses(histogram, type, params(), params()->Min, params()->Max);
         } else {
-            const attr::StatsResult& range = *statistics_->template getStorage<attr::OutStatsResult>();
-            if (range.NbPixels == 0) {
-                makeEmptyClass(histogram, type, range.Min, range.Max);
+            const auto range = statistics_->template getStorage<attr::OutStatsResult>();
+            statistics_.reset();
+            if (range->NbPixels == 0) {
+                makeEmptyClass(histogram, type, range->Min, range->Max);
                 return {};
             }
-            result = makeClasses(histogram, type, params(), range.Min, range.Max);
+            result = makeClasses(histogram, type, params(), range->Min, range->Max);
         }
         return result ? Counting::retrieveProvider(priority, provider) : result;
     }
