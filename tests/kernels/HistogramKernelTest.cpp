@@ -94,6 +94,9 @@ std::vector<Classes> makeClasses()
     std::vector<Classes> classes{
         {0, 100, 1, 102},  {10, 90, 7, 13}, {0, 127, 128. / 100, 101}, {5, 5, 1, 2},    {20.5, 90.25, 2.5, 29},
         {0, 100, 1000, 2}, {0, 120, 1, 50}, {3, 99, 1.1, 89},          {100, 20, 1, 3}, {0, 126, 63. / 32, 65}};
+    for (std::size_t size = 2050; sizeof(T) > 1 && size < 2085; ++size) { // where eight tables become fewer
+        classes.push_back({0, static_cast<double>(size - 2), 1, size});
+    }
     if constexpr (sizeof(T) == 1) {
         classes.push_back({low, high, 1, 257});
     } else if constexpr (sizeof(T) == 2) {

@@ -90,7 +90,7 @@ ORLIX_KERNEL void addEntriesTo(const Entry* entries, const ClassCounts& c)
 template <std::size_t Count, class Entry>
 ORLIX_KERNEL void addEntries(const Entry* entries, const ClassCounts& c)
 {
-    if (c.distance == ClassCounts::stride) {
+    if (c.eight) {
         addEntriesTo<Count, true>(entries, c);
     } else {
         addEntriesTo<Count, false>(entries, c);

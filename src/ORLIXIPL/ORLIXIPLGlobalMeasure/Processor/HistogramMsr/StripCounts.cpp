@@ -95,9 +95,9 @@ StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, 
 
     // Together the tables stay in the cache, and few pixels are not worth many tables.
     const std::size_t entries = pixelSize == 1 ? 512 : std::size_t{counts_.size} + 1;
-    const bool eight = pixelSize == 1 || (entries <= ClassCounts::stride && nbPixels >= 8192);
-    nbTables_ = eight ? 8 : entries <= 32768 ? 2 : 1;
-    counts_.distance = eight ? ClassCounts::stride : nbTables_ == 2 ? (entries + 15) / 16 * 16 + 16 : 0;
+    counts_.eight = pixelSize == 1 || (entries <= ClassCounts::stride && nbPixels >= 8192);
+    nbTables_ = counts_.eight ? 8 : entries <= 32768 ? 2 : 1;
+    counts_.distance = counts_.eight ? ClassCounts::stride : nbTables_ == 2 ? (entries + 15) / 16 * 16 + 16 : 0;
     tables.resize(std::max(tables.size(), (nbTables_ - 1) * counts_.distance + entries));
     counts_.tables = tables.data();
     clear();

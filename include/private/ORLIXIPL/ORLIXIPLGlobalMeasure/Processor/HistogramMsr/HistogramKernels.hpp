@@ -24,7 +24,8 @@ struct ClassCounts
     static constexpr std::size_t stride = 2048 + 32;
 
     std::uint32_t* tables;
-    std::size_t distance; ///< between two tables: `stride` for eight, 0 for one
+    bool eight;
+    std::size_t distance; ///< between two tables; 0 where there is one
     std::uint32_t size;
     /// Integer pixels: entry i counts the pixels of value first + i, and classes come later. Pixels of 8 bits are
     /// always counted so, in eight tables, by their byte, with 256 entries more for what a mask excludes.
