@@ -8,7 +8,8 @@ namespace orlix::imaproc::attr
 namespace
 {
 const data::DynamicClassRegistration<GlobalEntropyResult> element{GlobalEntropyResult::typeName};
-const data::DynamicClassRegistration<PlanIndexedGlobalEntropyResult> collection{PlanIndexedGlobalEntropyResult::typeName};
+const data::DynamicClassRegistration<PlanIndexedGlobalEntropyResult> collection{
+    PlanIndexedGlobalEntropyResult::typeName};
 } // namespace
 
 } // namespace orlix::imaproc::attr

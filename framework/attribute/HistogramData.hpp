@@ -12,8 +12,9 @@ namespace orlix::imaproc::attr
 /// Where the range of a histogram comes from.
 enum class eMinMaxDefinition : unsigned
 {
-    eMMD_ImgMinMax = 0,        ///< minimum and maximum of what is measured; so is any value that is not named here
-    eMMD_UserDefinedMinMax = 1 ///< Min and Max of the parameters, where they fit the pixel type; else those of the image
+    eMMD_ImgMinMax = 0, ///< minimum and maximum of what is measured; so is any value that is not named here
+    eMMD_UserDefinedMinMax =
+        1 ///< Min and Max of the parameters, where they fit the pixel type; else those of the image
 };
 
 /// How a histogram is to be cut into classes.

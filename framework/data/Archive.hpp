@@ -120,7 +120,8 @@ public:
     core::ProcessingResult read(const std::string& key, std::vector<std::uint64_t>& values) const;
     core::ProcessingResult read(const std::string& key, std::vector<double>& values) const;
     template <class Enum>
-    requires std::is_enum_v<Enum> core::ProcessingResult read(const std::string& key, Enum& value) const
+    requires std::is_enum_v<Enum> core::ProcessingResult read(const std::string& key, Enum& value)
+    const
     {
         unsigned number = 0;
         core::ProcessingResult result = read(key, number);

@@ -126,8 +126,8 @@ ORLIX_API void executeSyncRun(const Ptr<BaseProcessor>& processor);
 /// Runs this processor alone; null for none.
 ORLIX_API Ptr<ActionProvider> makeSingleActionProvider(Ptr<BaseProcessor> processor);
 
-/// A processor whose work is done by processors below it: in one stage, or in a chain of stages that begins with runs of
-/// whole other processors.
+/// A processor whose work is done by processors below it: in one stage, or in a chain of stages that begins with runs
+/// of whole other processors.
 class ORLIX_API BaseAsync1Processor : public BaseProcessor
 {
 public:

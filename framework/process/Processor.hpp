@@ -201,7 +201,8 @@ protected:
     template <class Exists>
     static void registerKernels(AlgorithmFunctionSelector& selector, Exists exists)
     {
-        const auto registerDomains = [&]<core::eInstructionSet::domain... Sets>() {
+        const auto registerDomains = [&]<core::eInstructionSet::domain... Sets>()
+        {
             (image::forEachPixelType([&]<class T>(std::type_identity<T> type) {
                  if (core::isAvailable(Sets) && exists(type, Sets)) {
                      registerKernel<T, Sets>(selector);
@@ -210,8 +211,8 @@ protected:
              ...);
         };
         using Domain = core::eInstructionSet;
-        registerDomains.template operator()<Domain::eIS_Generic, Domain::eIS_SSE2, Domain::eIS_AVX, Domain::eIS_AVX2,
-                                            Domain::eIS_AVX512>();
+        registerDomains.template
+        operator()<Domain::eIS_Generic, Domain::eIS_SSE2, Domain::eIS_AVX, Domain::eIS_AVX2, Domain::eIS_AVX512>();
     }
 
     /// Enters Self's `genericProcessFunction<T, Set>` for one pixel type.
@@ -237,8 +238,7 @@ protected:
     }
     void initDataParserColl(StripParserColl& parsers) const override
     {
-        forEachStrip(
-            [&](const auto& attribute) { parsers.push_back(image::StripParser{attribute.get().getBox()}); });
+        forEachStrip([&](const auto& attribute) { parsers.push_back(image::StripParser{attribute.get().getBox()}); });
     }
 
 private:

@@ -52,7 +52,6 @@ private:
     std::size_t size_;
 };
 
-
 /// The element of a plan-indexed output for the child's plan.
 template <class Child, class Collection, class A>
 class PlanIndexedSplit
@@ -150,7 +149,8 @@ template <class Child, class A>
 using DynamicByCreationResultSplit = StaticResultSplit<Child, A>;
 
 /// Adds up results whose addition is exact, so that their order does not matter: counts. No more copies are alive at
-/// once than children run. Result has clear(), which keeps its form, and operator+=; children clear what they are given.
+/// once than children run. Result has clear(), which keeps its form, and operator+=; children clear what they are
+/// given.
 template <class Result>
 class RunningTotal
 {

@@ -1,3 +1,4 @@
+#include <support/Messages.hpp>
 #include <support/TestImages.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsr.hpp>
@@ -29,16 +30,6 @@ Ptr<const BaseImage> makeRamp(const ImageGeometry& shape)
         values[i] = static_cast<unsigned short>(i);
     }
     return makeImage(shape, values);
-}
-
-std::string messageOf(const std::function<void()>& call)
-{
-    try {
-        call();
-    } catch (const ORLIXBaseProcessingException& error) {
-        return error.what();
-    }
-    return "nothing was thrown";
 }
 
 template <class A, class P>

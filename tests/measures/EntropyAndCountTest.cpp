@@ -1,3 +1,4 @@
+#include <support/Messages.hpp>
 #include <support/TestImages.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Counting2dMsr/Counting2dMsr.hpp>
@@ -24,16 +25,6 @@ template <class T>
 Ptr<BaseImage> makeRow(const std::vector<T>& values)
 {
     return makeImage({values.size(), 1}, values);
-}
-
-std::string messageOf(const std::function<void()>& call)
-{
-    try {
-        call();
-    } catch (const ORLIXBaseProcessingException& error) {
-        return error.what();
-    }
-    return "nothing was thrown";
 }
 
 } // namespace

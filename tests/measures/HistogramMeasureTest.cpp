@@ -1,4 +1,5 @@
 #include <support/Masks.hpp>
+#include <support/Messages.hpp>
 #include <support/ReferenceHistogram.hpp>
 #include <support/TestImages.hpp>
 
@@ -72,16 +73,6 @@ struct Case
     std::vector<std::pair<std::size_t, std::uint64_t>> frequencies; ///< some of them
     std::uint64_t total;
 };
-
-std::string messageOf(const std::function<void()>& call)
-{
-    try {
-        call();
-    } catch (const ORLIXBaseProcessingException& error) {
-        return error.what();
-    }
-    return "nothing was thrown";
-}
 
 std::uint64_t sumOf(const std::vector<std::uint64_t>& frequencies)
 {

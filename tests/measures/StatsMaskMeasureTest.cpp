@@ -1,4 +1,5 @@
 #include <support/Masks.hpp>
+#include <support/Messages.hpp>
 #include <support/ReferenceStats.hpp>
 #include <support/TestImages.hpp>
 
@@ -84,28 +85,17 @@ TEST(StatsMaskMeasure, AMaskMayBeAnyTypeOfOneByte)
 // Image and mask have one size, and the mask one byte per pixel.
 TEST(StatsMaskMeasure, RefusesWhatDoesNotMatch)
 {
-    const auto message = [](const Ptr<const BaseImage>& image, const Ptr<const BaseImage>& mask, auto measure) {
-        try {
-            measure(image, mask);
-        } catch (const ORLIXBaseProcessingException& error) {
-            return std::string{error.what()};
-        }
-        return std::string{"nothing was thrown"};
-    };
     const Ptr<const BaseImage> image = makeImage<short>({4, 3, 2}, std::vector<short>(24));
     const Ptr<const BaseImage> flat = makeImage<unsigned char>({4, 3}, std::vector<unsigned char>(12));
     EXPECT_EQ(
-        message(image, flat, [](auto& i, auto& m) { statsMaskMsr(i, m); }),
+        messageOf([&] { statsMaskMsr(image, flat); }),
         "StatsMaskMsrLvl1: InMaskImg has 4 x 3 x 1 x 1 x 1 (x, y, z, c, t) pixels, but InImg has 4 x 3 x 2 x 1 x 1 "
         "(x, y, z, c, t): both need the same size");
-    EXPECT_NE(message(image, flat, [](auto& i, auto& m) { multiSlice_statsMaskMsr2d(i, m); }).find("same size"),
-              std::string::npos);
-    EXPECT_NE(message(image, flat, [](auto& i, auto& m) { statsMaskMsr3d(i, m); }).find("InImg3d has"),
-              std::string::npos);
-    EXPECT_EQ(message(image, image, [](auto& i, auto& m) { statsMaskMsr(i, m); }),
+    EXPECT_NE(messageOf([&] { multiSlice_statsMaskMsr2d(image, flat); }).find("same size"), std::string::npos);
+    EXPECT_NE(messageOf([&] { statsMaskMsr3d(image, flat); }).find("InImg3d has"), std::string::npos);
+    EXPECT_EQ(messageOf([&] { statsMaskMsr(image, image); }),
               "StatsMaskMsrLvl1: InMaskImg does not take a int16 image: convert it to one of uint8, int8, binary");
-    EXPECT_EQ(message(image, nullptr, [](auto& i, auto& m) { statsMaskMsr2d(i, m); }),
-              "StatsMaskMsr2dLvl1: InMaskImg is not set");
+    EXPECT_EQ(messageOf([&] { statsMaskMsr2d(image, nullptr); }), "StatsMaskMsr2dLvl1: InMaskImg is not set");
     // As many pixels in rows of another length: a strip finds it, too.
     const auto strip = makePtr<StatsMaskMsr3dLvl3>();
     (void)strip->init(eProcessorRulePolicy::eRP_CheckRules);

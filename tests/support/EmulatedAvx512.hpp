@@ -1,0 +1,187 @@
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+/// The wide intrinsics that kernels call, lane by lane in plain C++. Included before a kernel text, it lets any machine
+/// run the text of the AVX-512 kernels.
+namespace orlix::test::emulated
+{
+
+template <class Lane, class Register>
+struct Lanes
+{
+    static constexpr int count = sizeof(Register) / sizeof(Lane);
+    Lane lane[count];
+
+    Lanes() = default;
+    explicit Lanes(const Register& from) { std::memcpy(lane, &from, sizeof lane); }
+    Register get() const
+    {
+        Register to;
+        std::memcpy(&to, lane, sizeof lane);
+        return to;
+    }
+};
+
+/// A register whose lane i is `f(i)`.
+template <class Lane, class Register, class F>
+Register fill(F f)
+{
+    Lanes<Lane, Register> to;
+    for (int i = 0; i < Lanes<Lane, Register>::count; ++i) {
+        to.lane[i] = static_cast<Lane>(f(i));
+    }
+    return to.get();
+}
+
+/// Lane by lane from one type to another.
+template <class To, class Wide, class From, class Narrow>
+Wide convert(const Narrow& x)
+{
+    const Lanes<From, Narrow> from{x};
+    return fill<To, Wide>([&](int i) { return from.lane[i]; });
+}
+
+/// Bit i tells `f(i)`.
+template <class F>
+std::uint32_t bits(int count, F f)
+{
+    std::uint32_t mask = 0;
+    for (int i = 0; i < count; ++i) {
+        mask |= static_cast<std::uint32_t>(f(i) ? 1 : 0) << i;
+    }
+    return mask;
+}
+
+inline std::int32_t truncate(float x)
+{
+    return x >= -2147483648.f && x < 2147483648.f ? static_cast<std::int32_t>(x) : INT32_MIN;
+}
+
+/// The sum of `factor(j)` over the `Group` narrow lanes of each wide one, added to `sums`.
+template <int Group, class Lane, class F>
+__m512i addProducts(const __m512i& sums, F product)
+{
+    const Lanes<Lane, __m512i> from{sums};
+    return fill<Lane, __m512i>([&](int i) {
+        Lane sum = from.lane[i];
+        for (int j = 0; j < Group; ++j) {
+            sum = static_cast<Lane>(sum + static_cast<Lane>(product(i * Group + j)));
+        }
+        return sum;
+    });
+}
+
+inline __m512i maddWords(const __m512i& sums, const __m512i& a, const __m512i& b)
+{
+    const Lanes<std::int16_t, __m512i> x{a};
+    const Lanes<std::int16_t, __m512i> y{b};
+    return addProducts<2, std::uint32_t>(sums, [&](int i) { return x.lane[i] * y.lane[i]; });
+}
+
+inline __m512i maddBytes(const __m512i& sums, const __m512i& a, const __m512i& b)
+{
+    const Lanes<std::uint8_t, __m512i> x{a};
+    const Lanes<std::int8_t, __m512i> y{b};
+    return addProducts<4, std::uint32_t>(sums, [&](int i) { return x.lane[i] * y.lane[i]; });
+}
+
+inline __m512i sumBytes(const __m512i& a, const __m512i& b)
+{
+    const Lanes<std::uint8_t, __m512i> x{a};
+    const Lanes<std::uint8_t, __m512i> y{b};
+    return addProducts<8, std::uint64_t>(__m512i{}, [&](int i) { return std::abs(x.lane[i] - y.lane[i]); });
+}
+
+inline __m512i multiplyLow(const __m512i& a, const __m512i& b)
+{
+    const Lanes<std::uint64_t, __m512i> x{a};
+    const Lanes<std::uint64_t, __m512i> y{b};
+    return fill<std::uint64_t, __m512i>([&](int i) { return (x.lane[i] & 0xffffffffu) * (y.lane[i] & 0xffffffffu); });
+}
+
+inline __m512i madd52(const __m512i& sums, const __m512i& a, const __m512i& b, int shift)
+{
+    __extension__ using Wide = unsigned __int128;
+    constexpr std::uint64_t mask = (std::uint64_t{1} << 52) - 1;
+    const Lanes<std::uint64_t, __m512i> x{a};
+    const Lanes<std::uint64_t, __m512i> y{b};
+    return addProducts<1, std::uint64_t>(sums, [&](int i) {
+        return static_cast<std::uint64_t>(Wide{x.lane[i] & mask} * (y.lane[i] & mask) >> shift) & mask;
+    });
+}
+
+template <class Lane>
+std::uint32_t equal(const __m512i& a, const __m512i& b)
+{
+    const Lanes<Lane, __m512i> x{a};
+    const Lanes<Lane, __m512i> y{b};
+    return bits(Lanes<Lane, __m512i>::count, [&](int i) { return x.lane[i] == y.lane[i]; });
+}
+
+template <class Register>
+Register loadUnaligned(const void* from)
+{
+    Register to;
+    std::memcpy(&to, from, sizeof to);
+    return to;
+}
+
+} // namespace orlix::test::emulated
+
+#undef _mm256_loadu_ps
+#undef _mm256_loadu_si256
+#undef _mm512_cmpeq_epi16_mask
+#undef _mm512_cmpeq_epi32_mask
+#undef _mm512_cvtepi16_epi32
+#undef _mm512_cvtepi32_ps
+#undef _mm512_cvtepu16_epi32
+#undef _mm512_cvtepu8_epi16
+#undef _mm512_cvtepu8_epi32
+#undef _mm512_cvtps_pd
+#undef _mm512_cvttps_epi32
+#undef _mm512_dpbusd_epi32
+#undef _mm512_dpwssd_epi32
+#undef _mm512_extractf32x8_ps
+#undef _mm512_madd52hi_epu64
+#undef _mm512_madd52lo_epu64
+#undef _mm512_madd_epi16
+#undef _mm512_movepi32_mask
+#undef _mm512_mul_epu32
+#undef _mm512_sad_epu8
+#undef _mm512_set1_epi16
+#undef _mm512_set1_epi8
+
+#define ORLIX_EMULATED ::orlix::test::emulated
+#define _mm256_loadu_ps(p) ORLIX_EMULATED::loadUnaligned<__m256>(p)
+#define _mm256_loadu_si256(p) ORLIX_EMULATED::loadUnaligned<__m256i>(p)
+#define _mm512_cmpeq_epi16_mask(a, b) ORLIX_EMULATED::equal<std::uint16_t>(a, b)
+#define _mm512_cmpeq_epi32_mask(a, b) ORLIX_EMULATED::equal<std::uint32_t>(a, b)
+#define _mm512_cvtepi16_epi32(a) ORLIX_EMULATED::convert<std::int32_t, __m512i, std::int16_t>(a)
+#define _mm512_cvtepi32_ps(a) ORLIX_EMULATED::convert<float, __m512, std::int32_t>(a)
+#define _mm512_cvtepu16_epi32(a) ORLIX_EMULATED::convert<std::int32_t, __m512i, std::uint16_t>(a)
+#define _mm512_cvtepu8_epi16(a) ORLIX_EMULATED::convert<std::int16_t, __m512i, std::uint8_t>(a)
+#define _mm512_cvtepu8_epi32(a) ORLIX_EMULATED::convert<std::int32_t, __m512i, std::uint8_t>(a)
+#define _mm512_cvtps_pd(a) ORLIX_EMULATED::convert<double, __m512d, float>(a)
+#define _mm512_cvttps_epi32(a)                                                                                         \
+    ORLIX_EMULATED::fill<std::int32_t, __m512i>(                                                                       \
+        [from = ORLIX_EMULATED::Lanes<float, __m512>{a}](int i) { return ORLIX_EMULATED::truncate(from.lane[i]); })
+#define _mm512_dpbusd_epi32(sums, a, b) ORLIX_EMULATED::maddBytes(sums, a, b)
+#define _mm512_dpwssd_epi32(sums, a, b) ORLIX_EMULATED::maddWords(sums, a, b)
+#define _mm512_extractf32x8_ps(a, k)                                                                                   \
+    ORLIX_EMULATED::fill<float, __m256>(                                                                               \
+        [from = ORLIX_EMULATED::Lanes<float, __m512>{a}](int i) { return from.lane[8 * (k) + i]; })
+#define _mm512_madd52hi_epu64(sums, a, b) ORLIX_EMULATED::madd52(sums, a, b, 52)
+#define _mm512_madd52lo_epu64(sums, a, b) ORLIX_EMULATED::madd52(sums, a, b, 0)
+#define _mm512_madd_epi16(a, b) ORLIX_EMULATED::maddWords(__m512i{}, a, b)
+#define _mm512_movepi32_mask(a)                                                                                        \
+    ORLIX_EMULATED::bits(16,                                                                                           \
+                         [from = ORLIX_EMULATED::Lanes<std::int32_t, __m512i>{a}](int i) { return from.lane[i] < 0; })
+#define _mm512_mul_epu32(a, b) ORLIX_EMULATED::multiplyLow(a, b)
+#define _mm512_sad_epu8(a, b) ORLIX_EMULATED::sumBytes(a, b)
+#define _mm512_set1_epi16(x) ORLIX_EMULATED::fill<std::int16_t, __m512i>([](int) { return x; })
+#define _mm512_set1_epi8(x) ORLIX_EMULATED::fill<std::int8_t, __m512i>([](int) { return x; })
