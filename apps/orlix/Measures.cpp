@@ -166,31 +166,33 @@ Report runInfo(const Options& options)
 Report runStats(const Options& options)
 {
     const Inputs inputs{options};
-    const auto& [image, mask, report] = inputs;
+    const auto& image = inputs.image;
+    const auto& mask = inputs.mask;
     if (mask) {
         return reportPer(
-            options, report, "statsMaskMsr", [&] { return statsMaskMsr(image, mask); },
+            options, inputs.report, "statsMaskMsr", [&] { return statsMaskMsr(image, mask); },
             [&] { return multiSlice_statsMaskMsr2d(image, mask); },
             [&] { return multiSlice_statsMaskMsr3d(image, mask); });
     }
     return reportPer(
-        options, report, "statsMsr", [&] { return statsMsr(image); }, [&] { return multiSlice_statsMsr2d(image); },
-        [&] { return multiSlice_statsMsr3d(image); });
+        options, inputs.report, "statsMsr", [&] { return statsMsr(image); },
+        [&] { return multiSlice_statsMsr2d(image); }, [&] { return multiSlice_statsMsr3d(image); });
 }
 
 Report runHistogram(const Options& options)
 {
     const Inputs inputs{options};
-    const auto& [image, mask, report] = inputs;
+    const auto& image = inputs.image;
+    const auto& mask = inputs.mask;
     const auto params = makeParams(options, *image);
     if (mask) {
         return reportPer(
-            options, report, "histogramMaskMsr", [&] { return histogramMaskMsr(image, mask, params); },
+            options, inputs.report, "histogramMaskMsr", [&] { return histogramMaskMsr(image, mask, params); },
             [&] { return multiSlice_histogramMaskMsr2d(image, mask, params); },
             [&] { return multiSlice_histogramMaskMsr3d(image, mask, params); });
     }
     return reportPer(
-        options, report, "histogramMsr", [&] { return histogramMsr(image, params); },
+        options, inputs.report, "histogramMsr", [&] { return histogramMsr(image, params); },
         [&] { return multiSlice_histogramMsr2d(image, params); },
         [&] { return multiSlice_histogramMsr3d(image, params); });
 }
