@@ -45,26 +45,26 @@ ProcessingResult checkPixelType(const BaseAttribute& attribute, const BaseImage&
 ProcessingResult checkOnePlan(const BaseAttribute& attribute, const BaseImage& image, image::ePlanKind kind)
 {
     const auto& size = image.getGeometry();
-    const bool flat = kind == image::ePlanKind::ePK_Plan2d;
-    if ((flat && size.z > 1) || size.c > 1 || size.t > 1) {
-        return ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_NotOnePlan, attribute.getName(),
-                                                             toString(size), flat ? "one 2d plan" : "one volume"));
+    if (getSubGeometry(size, kind) == size) {
+        return {};
     }
-    return {};
+    const char* const needed = kind == image::ePlanKind::ePK_Plan2d     ? "one 2d plan"
+                               : kind == image::ePlanKind::ePK_Volume3d ? "one volume"
+                                                                        : "one 2d sequence";
+    return ProcessingResult::failure(
+        core::formatMessage(eAttributeMessage::eAM_NotOnePlan, attribute.getName(), toString(size), needed));
 }
 
 ProcessingResult checkStrip(const BaseAttribute& attribute, const BaseImage& image, image::ePlanKind kind,
-                            std::size_t first, std::size_t count)
+                            const char* elementName, std::size_t nbElements, std::size_t first, std::size_t count)
 {
     ProcessingResult result = checkOnePlan(attribute, image, kind);
     if (!result) {
         return result;
     }
-    const bool flat = kind == image::ePlanKind::ePK_Plan2d;
-    const std::size_t elements = flat ? image.getGeometry().y : image.getGeometry().z;
-    if (first > elements || count > elements - first) {
+    if (first > nbElements || count > nbElements - first) {
         return ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_StripOutside, attribute.getName(),
-                                                             first, count, elements, flat ? "rows" : "planes"));
+                                                             first, count, nbElements, elementName));
     }
     return {};
 }
@@ -78,8 +78,8 @@ ProcessingResult writeStrip(data::OutputArchive& archive, const char* name, cons
     return archive.write("image", image);
 }
 
-ProcessingResult readStrip(data::InputArchive& archive, const char* name, Ptr<const BaseImage>& image,
-                           std::size_t& first, std::size_t& count)
+ProcessingResult readStrip(data::InputArchive& archive, const char* name, Ptr<BaseImage>& image, std::size_t& first,
+                           std::size_t& count)
 {
     const auto section = archive.openSection(name);
     if (!section) {
@@ -89,12 +89,7 @@ ProcessingResult readStrip(data::InputArchive& archive, const char* name, Ptr<co
     if (result) {
         result = archive.read("count", count);
     }
-    Ptr<BaseImage> read;
-    if (result) {
-        result = archive.read("image", read);
-    }
-    image = read;
-    return result;
+    return result ? archive.read("image", image) : result;
 }
 
 } // namespace orlix::imaproc::attr

@@ -11,6 +11,7 @@
 
 #include <concepts>
 #include <functional>
+#include <optional>
 #include <utility>
 
 namespace orlix::imaproc::attr
@@ -156,6 +157,36 @@ public:
     using Element = typename Collection::Element;
 };
 
+/// A number or an enumerator.
+template <class Self, class T>
+class ValueInput : public Attribute<Self, std::optional<T>, eAttributeRole::eAR_Input>
+{
+public:
+    bool isSet() const final { return this->value_.has_value(); }
+
+    void copy(const BaseAttribute& other) final { this->init(dynamic_cast<const Self&>(other).get()); }
+    core::ProcessingResult write(data::OutputArchive& archive) const final
+    {
+        if (isSet()) {
+            archive.write(Self::name, *this->value_);
+        }
+        return {};
+    }
+    core::ProcessingResult read(data::InputArchive& archive) final
+    {
+        this->clear();
+        if (!archive.has(Self::name)) {
+            return {};
+        }
+        T value{};
+        core::ProcessingResult result = archive.read(Self::name, value);
+        if (result) {
+            this->init(value);
+        }
+        return result;
+    }
+};
+
 ORLIX_API core::ProcessingResult checkPixelType(const BaseAttribute& attribute, const image::BaseImage& image,
                                                 const image::PixelTypes& accepted);
 
@@ -169,23 +200,22 @@ enum class eExtent
 ORLIX_API core::ProcessingResult checkOnePlan(const BaseAttribute& attribute, const image::BaseImage& image,
                                               image::ePlanKind kind);
 
-/// An input image. Kind tells what its plans are; Types which pixels it takes.
-template <class Self, image::ePlanKind Kind, eExtent Extent, const image::PixelTypes& Types = image::numericTypes,
-          eAttributeRole Role = eAttributeRole::eAR_Input>
-class ImageInput : public Attribute<Self, Ptr<const image::BaseImage>, Role>
+/// An attribute whose value is an image. Kind tells what its plans are.
+template <class Self, class Image, image::ePlanKind Kind, eAttributeRole Role>
+class BaseImageAttribute : public Attribute<Self, Ptr<Image>, Role>
 {
 public:
     static constexpr image::ePlanKind kind = Kind;
 
     bool isSet() const final { return this->value_ != nullptr; }
     const image::BaseImage* getImage() const final { return this->value_.get(); }
-    core::ProcessingResult check() const final
-    {
-        core::ProcessingResult result = checkPixelType(*this, *this->value_, Types);
-        return result && Extent == eExtent::eE_OnePlan ? checkOnePlan(*this, *this->value_, Kind) : result;
-    }
 
-    void copy(const BaseAttribute& other) final { this->init(dynamic_cast<const Self&>(other).get()); }
+    void copy(const BaseAttribute& other) final
+    {
+        const auto& from = dynamic_cast<const BaseImageAttribute&>(other);
+        this->init(from.get());
+        this->setInitialized(from.isInitialized());
+    }
     core::ProcessingResult write(data::OutputArchive& archive) const final
     {
         return archive.write(Self::name, this->value_.get());
@@ -196,18 +226,45 @@ public:
         core::ProcessingResult result = archive.read(Self::name, image);
         if (result) {
             this->init(std::move(image));
+            this->setInitialized(Role == eAttributeRole::eAR_Output);
         }
         return result;
     }
 };
 
+/// An input image. Types tells which pixels it takes.
+template <class Self, image::ePlanKind Kind, eExtent Extent, const image::PixelTypes& Types = image::numericTypes,
+          eAttributeRole Role = eAttributeRole::eAR_Input>
+class ImageInput : public BaseImageAttribute<Self, const image::BaseImage, Kind, Role>
+{
+public:
+    core::ProcessingResult check() const final
+    {
+        core::ProcessingResult result = checkPixelType(*this, *this->value_, Types);
+        return result && Extent == eExtent::eE_OnePlan ? checkOnePlan(*this, *this->value_, Kind) : result;
+    }
+};
+
+/// An output image, whose 2d plans are written. Self has `static ImageGeometry geometryFor(const ImageGeometry&
+/// input)`, the sizes that it must have.
+template <class Self>
+class ImageOutput
+    : public BaseImageAttribute<Self, image::BaseImage, image::ePlanKind::ePK_Plan2d, eAttributeRole::eAR_Output>
+{
+public:
+    using Value = image::BaseImage;
+
+    core::ProcessingResult check() const final { return checkPixelType(*this, *this->value_, image::numericTypes); }
+};
+
 /// Whether the image is one plan and has the elements of the strip.
 ORLIX_API core::ProcessingResult checkStrip(const BaseAttribute& attribute, const image::BaseImage& image,
-                                            image::ePlanKind kind, std::size_t first, std::size_t count);
+                                            image::ePlanKind kind, const char* elementName, std::size_t nbElements,
+                                            std::size_t first, std::size_t count);
 ORLIX_API core::ProcessingResult writeStrip(data::OutputArchive& archive, const char* name,
                                             const image::BaseImage* image, std::size_t first, std::size_t count);
 ORLIX_API core::ProcessingResult readStrip(data::InputArchive& archive, const char* name,
-                                           Ptr<const image::BaseImage>& image, std::size_t& first, std::size_t& count);
+                                           Ptr<image::BaseImage>& image, std::size_t& first, std::size_t& count);
 
 /// The strip that a level 2 processor hands down; it has no heap of its own.
 template <class Self, class StripType, const image::PixelTypes& Types = image::numericTypes,
@@ -223,7 +280,9 @@ public:
     {
         const StripType& strip = this->value_;
         core::ProcessingResult result = checkPixelType(*this, *strip.image, Types);
-        return result ? checkStrip(*this, *strip.image, StripType::kind, strip.first, strip.count) : result;
+        return result ? checkStrip(*this, *strip.image, StripType::kind, StripType::elementName,
+                                   StripType::getNbElements(*strip.image), strip.first, strip.count)
+                      : result;
     }
 
     void copy(const BaseAttribute& other) final { this->init(dynamic_cast<const Self&>(other).get()); }
@@ -235,12 +294,22 @@ public:
     core::ProcessingResult read(data::InputArchive& archive) final
     {
         StripType strip;
-        core::ProcessingResult result = readStrip(archive, Self::name, strip.image, strip.first, strip.count);
+        Ptr<image::BaseImage> image;
+        core::ProcessingResult result = readStrip(archive, Self::name, image, strip.first, strip.count);
         if (result) {
+            strip.image = std::move(image);
             this->init(std::move(strip));
         }
         return result;
     }
+};
+
+/// The strip that a level 3 processor writes into; it must be set.
+template <class Self, class StripType>
+class StripOutput : public StripInput<Self, StripType, image::numericTypes, eAttributeRole::eAR_InputOutput>
+{
+public:
+    using Value = image::BaseImage;
 };
 
 /// The strip of a mask. Kernels read it as bytes, whatever its type, and are not chosen by it.
@@ -261,6 +330,13 @@ template <class A>
 concept ImageAttribute = requires
 {
     A::kind;
+};
+
+/// An output image, of the sizes that follow from those of the input.
+template <class A>
+concept ImageOutputAttribute = requires(const image::ImageGeometry& input)
+{
+    A::geometryFor(input);
 };
 
 template <class A>

@@ -81,6 +81,50 @@ public:
     static constexpr const char* name = "InSubLabelImg3d";
 };
 
+/// An image whose sub images are its 2d plans at all times.
+class ORLIX_API InSeqImg final : public ImageInput<InSeqImg, image::ePlanKind::ePK_Sequence2d, eExtent::eE_AllPlans>
+{
+public:
+    static constexpr const char* name = "InSeqImg";
+};
+
+class ORLIX_API InSubSeqImg2d final
+    : public ImageInput<InSubSeqImg2d, image::ePlanKind::ePK_Sequence2d, eExtent::eE_OnePlan>
+{
+public:
+    static constexpr const char* name = "InSubSeqImg2d";
+};
+
+/// An image of one time.
+class ORLIX_API OutSingleImg final : public ImageOutput<OutSingleImg>
+{
+public:
+    static constexpr const char* name = "OutSingleImg";
+    static constexpr image::ImageGeometry geometryFor(image::ImageGeometry input)
+    {
+        input.t = 1;
+        return input;
+    }
+};
+
+/// An image of one plane.
+class ORLIX_API OutImg2d final : public ImageOutput<OutImg2d>
+{
+public:
+    static constexpr const char* name = "OutImg2d";
+    static constexpr image::ImageGeometry geometryFor(image::ImageGeometry input)
+    {
+        input.z = 1;
+        return input;
+    }
+};
+
+class ORLIX_API InXStrip2d final : public StripInput<InXStrip2d, image::XStrip2d>
+{
+public:
+    static constexpr const char* name = "InXStrip2d";
+};
+
 class ORLIX_API InYStrip2d final : public StripInput<InYStrip2d, image::YStrip2d>
 {
 public:
@@ -91,6 +135,18 @@ class ORLIX_API InZStrip3d final : public StripInput<InZStrip3d, image::ZStrip3d
 {
 public:
     static constexpr const char* name = "InZStrip3d";
+};
+
+class ORLIX_API InSeqYStrip2d final : public StripInput<InSeqYStrip2d, image::SeqYStrip2d>
+{
+public:
+    static constexpr const char* name = "InSeqYStrip2d";
+};
+
+class ORLIX_API OutSingleYStrip2d final : public StripOutput<OutSingleYStrip2d, image::OutputYStrip2d>
+{
+public:
+    static constexpr const char* name = "OutSingleYStrip2d";
 };
 
 class ORLIX_API InMaskYStrip2d final : public MaskStripInput<InMaskYStrip2d, image::YStrip2d>

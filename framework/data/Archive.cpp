@@ -325,6 +325,11 @@ ProcessingResult InputArchive::readObject(const std::string& key, Ptr<BaseDynami
     return result;
 }
 
+bool InputArchive::has(const std::string& key) const
+{
+    return current().contains(key);
+}
+
 std::vector<std::string> InputArchive::getKeys() const
 {
     std::vector<std::string> keys;

@@ -142,6 +142,7 @@ public:
 
     /// The names in the current section.
     std::vector<std::string> getKeys() const;
+    bool has(const std::string& key) const;
 
 private:
     core::ProcessingResult readObject(const std::string& key, Ptr<BaseDynamicObject>& object,

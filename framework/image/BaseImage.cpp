@@ -134,19 +134,30 @@ Ptr<const BaseImage> BaseImage::wrap(const void* pixels, eImageBufferType type, 
     return wrap(const_cast<void*>(pixels), type, geometry, std::move(owner));
 }
 
-Ptr<const BaseImage> BaseImage::getSubImage(const PlanIndex& plan, ePlanKind kind) const
+Ptr<BaseImage> BaseImage::getSubImage(const PlanIndex& plan, ePlanKind kind)
 {
-    const bool volume = kind == ePlanKind::ePK_Volume3d;
-    const bool inside = plan.z < (volume ? 1 : geometry_.z) && plan.c < geometry_.c && plan.t < geometry_.t;
+    const bool inside = plan.z < (kind == ePlanKind::ePK_Volume3d ? 1 : geometry_.z) && plan.c < geometry_.c &&
+                        plan.t < (kind == ePlanKind::ePK_Sequence2d ? 1 : geometry_.t);
     if (!inside && !(geometry_.empty() && plan == PlanIndex{})) {
         raise(ORLIX_HERE, eImageMessage::eIM_NoSuchPlan, toString(plan), toString(geometry_));
     }
     auto image = makePtr<BaseImage>(*this);
     image->pixels_ = inside ? pixels_ + offset(0, plan.z, plan.c, plan.t) : pixels_;
-    // A side of 0 stays 0, so that a plan of an empty image is empty.
-    image->geometry_.z = volume ? geometry_.z : std::min<std::size_t>(geometry_.z, 1);
-    image->geometry_.c = std::min<std::size_t>(geometry_.c, 1);
-    image->geometry_.t = std::min<std::size_t>(geometry_.t, 1);
+    image->geometry_ = getSubGeometry(geometry_, kind);
+    return image;
+}
+
+// What is handed out is const again.
+Ptr<const BaseImage> BaseImage::getSubImage(const PlanIndex& plan, ePlanKind kind) const
+{
+    return const_cast<BaseImage*>(this)->getSubImage(plan, kind);
+}
+
+Ptr<const BaseImage> BaseImage::getPlanesAsSequence() const
+{
+    auto image = makePtr<BaseImage>(*this);
+    std::swap(image->geometry_.z, image->geometry_.t);
+    std::swap(image->strides_.z, image->strides_.t);
     return image;
 }
 

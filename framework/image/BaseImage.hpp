@@ -59,9 +59,12 @@ public:
         return pixels_ + offset(y, z, c, t);
     }
 
-    /// The sub image of a plan or volume. The sub image of plan (0, 0, 0) of an empty image is empty; any other plan
-    /// that the image does not have throws ImageException.
+    /// The sub image of a plan, volume or sequence. The sub image of plan (0, 0, 0) of an empty image is empty; any
+    /// other plan that the image does not have throws ImageException.
     Ptr<const BaseImage> getSubImage(const PlanIndex& plan, ePlanKind kind) const;
+    Ptr<BaseImage> getSubImage(const PlanIndex& plan, ePlanKind kind);
+    /// The planes of a volume as the times of a 2d sequence.
+    Ptr<const BaseImage> getPlanesAsSequence() const;
 
     /// Shares the other image's pixels.
     void copy(const BaseDynamicObject& other) override;

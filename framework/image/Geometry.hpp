@@ -47,7 +47,7 @@ struct ImageStrides
     }
 };
 
-/// Addresses one plan of an image. A volume's index has z = 0.
+/// Addresses one plan of an image. A volume's index has z = 0, a sequence's t = 0.
 struct PlanIndex
 {
     unsigned z = 0;
@@ -74,19 +74,31 @@ struct PlanIndex
 /// "(z, c, t)"
 ORLIX_API std::string toString(const PlanIndex& plan);
 
-/// What one sub image covers: a 2d plan (z, c, t), or the 3d volume of a (c, t).
+/// What one sub image covers: a 2d plan (z, c, t), the 3d volume of a (c, t), or the 2d plans of a (z, c) at all times.
 enum class ePlanKind
 {
     ePK_Plan2d,
-    ePK_Volume3d
+    ePK_Volume3d,
+    ePK_Sequence2d
 };
+
+/// The sizes of one sub image of an image. A side of 0 stays 0, so that a plan of an empty image is empty.
+constexpr ImageGeometry getSubGeometry(ImageGeometry geometry, ePlanKind kind)
+{
+    const auto one = [](std::size_t side) { return side == 0 ? std::size_t{0} : std::size_t{1}; };
+    geometry.z = kind == ePlanKind::ePK_Volume3d ? geometry.z : one(geometry.z);
+    geometry.c = one(geometry.c);
+    geometry.t = kind == ePlanKind::ePK_Sequence2d ? geometry.t : one(geometry.t);
+    return geometry;
+}
 
 /// The plans of an image, in their order.
 class PlanRange
 {
 public:
     constexpr PlanRange(const ImageGeometry& geometry, ePlanKind kind)
-        : z_{kind == ePlanKind::ePK_Plan2d ? geometry.z : 1}, c_{geometry.c}, t_{geometry.t}
+        : z_{kind == ePlanKind::ePK_Volume3d ? 1 : geometry.z}, c_{geometry.c},
+          t_{kind == ePlanKind::ePK_Sequence2d ? 1 : geometry.t}
     {}
     constexpr std::size_t size() const { return z_ * c_ * t_; }
     constexpr PlanIndex operator[](std::size_t i) const

@@ -23,47 +23,74 @@ struct PixelBox
     std::size_t pixelSize = 1;
 };
 
-/// A band of neighbouring elements of a sub image: whole rows of a 2d plan, or whole planes of a 3d volume.
-template <ePlanKind Kind>
+/// What a strip is a band of.
+enum class eStripElement
+{
+    eSE_Column,      ///< of a 2d plan
+    eSE_Row,         ///< of a 2d plan
+    eSE_Plane,       ///< of a 3d volume
+    eSE_SequenceRow, ///< the same row at all times of a 2d sequence
+};
+
+/// A band of neighbouring elements of a sub image.
+template <eStripElement Element, class Image = const BaseImage>
 struct Strip
 {
-    static constexpr ePlanKind kind = Kind;
+    static constexpr ePlanKind kind = Element == eStripElement::eSE_Plane         ? ePlanKind::ePK_Volume3d
+                                      : Element == eStripElement::eSE_SequenceRow ? ePlanKind::ePK_Sequence2d
+                                                                                  : ePlanKind::ePK_Plan2d;
+    static constexpr const char* elementName = Element == eStripElement::eSE_Plane    ? "planes"
+                                               : Element == eStripElement::eSE_Column ? "columns"
+                                                                                      : "rows";
 
-    Ptr<const BaseImage> image;
+    Ptr<Image> image;
     std::size_t first = 0;
     std::size_t count = 0;
 
-    /// The number of rows or planes of a sub image.
     static std::size_t getNbElements(const BaseImage& subImage)
     {
         const ImageGeometry& size = subImage.getGeometry();
-        return Kind == ePlanKind::ePK_Plan2d ? size.y : size.z;
+        return Element == eStripElement::eSE_Plane    ? size.z
+               : Element == eStripElement::eSE_Column ? size.x
+                                                      : size.y;
     }
     /// 0 for an image that is empty in any axis.
     static std::size_t getElementPixels(const BaseImage& subImage)
     {
         const ImageGeometry& size = subImage.getGeometry();
-        return size.empty() ? 0 : Kind == ePlanKind::ePK_Plan2d ? size.x : size.x * size.y;
+        return size.empty() ? 0 : size.nbPixels() / getNbElements(subImage);
     }
     std::size_t nbPixels() const { return image ? count * getElementPixels(*image) : 0; }
 
+    /// Of a sequence, the rows at the first time.
     PixelBox getBox() const
     {
-        const ImageGeometry& size = image->getGeometry();
-        const ImageStrides& strides = image->getStrides();
         if (nbPixels() == 0) {
             return {};
         }
-        if constexpr (Kind == ePlanKind::ePK_Plan2d) {
-            return {image->getRow(first), size.x, count, 1, strides.y, strides.z, image->getPixelSize()};
+        const ImageGeometry& size = image->getGeometry();
+        const ImageStrides& strides = image->getStrides();
+        PixelBox box{image->getRow(0), size.x, size.y, 1, strides.y, strides.z, image->getPixelSize()};
+        if constexpr (Element == eStripElement::eSE_Plane) {
+            box.origin = image->getRow(0, first);
+            box.z = count;
+        } else if constexpr (Element == eStripElement::eSE_Column) {
+            box.origin += first * box.pixelSize;
+            box.x = count;
         } else {
-            return {image->getRow(0, first), size.x, size.y, count, strides.y, strides.z, image->getPixelSize()};
+            box.origin = image->getRow(first);
+            box.y = count;
         }
+        return box;
     }
 };
 
-using YStrip2d = Strip<ePlanKind::ePK_Plan2d>;
-using ZStrip3d = Strip<ePlanKind::ePK_Volume3d>;
+using XStrip2d = Strip<eStripElement::eSE_Column>;
+using YStrip2d = Strip<eStripElement::eSE_Row>;
+using ZStrip3d = Strip<eStripElement::eSE_Plane>;
+using SeqYStrip2d = Strip<eStripElement::eSE_SequenceRow>;
+/// Rows that are written.
+using OutputYStrip2d = Strip<eStripElement::eSE_Row, BaseImage>;
 
 /// Reads a box as runs of pixels that lie gapless in memory. Parsers of boxes of one size that walk runs of the same
 /// length meet the same pixels in the same order.
@@ -78,6 +105,7 @@ public:
     {
         return box_.x == other.box_.x && box_.y == other.box_.y && box_.z == other.box_.z;
     }
+    const PixelBox& getBox() const { return box_; }
     /// The length of the longest runs: a row, a plane or everything.
     std::size_t longestRun() const { return longestRun_; }
 
@@ -86,6 +114,12 @@ public:
     const T* run(std::size_t i, std::size_t length) const
     {
         return reinterpret_cast<const T*>(address(i, length));
+    }
+    /// The same where the box is that of an image that may be written to.
+    template <class T>
+    T* outputRun(std::size_t i, std::size_t length) const
+    {
+        return const_cast<T*>(run<T>(i, length));
     }
 
 private:

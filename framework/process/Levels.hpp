@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-/// The three shapes that most processors have: a level 1 that keeps the results of its plans apart, a level 1 that
-/// merges them, and a level 2 that cuts its plan into strips. A measure derives from them and says which attribute of
+/// The shapes that most processors have: a level 1 that keeps the results of its plans apart, one that merges them, one
+/// whose plans write an image, and a level 2 that cuts its plan into strips. A measure derives from them and says which attribute of
 /// its own becomes which attribute of the level below. All images that a level takes have the same size.
 namespace orlix::imaproc
 {
@@ -82,7 +82,7 @@ auto splitByPlan(const From& attribute, const PlanList& plans)
     if constexpr (std::is_void_v<To>) {
         return NoSplit{};
     } else if constexpr (attr::ImageAttribute<From>) {
-        return SubImageSplit<Child, To>{attribute.get(), plans};
+        return SubImageSplit<Child, To, typename From::Storage::element_type>{attribute.get(), plans};
     } else if constexpr (attr::PlanIndexedAttribute<From>) {
         return PlanIndexedInputSplit<Child, typename From::Value, To>{attribute.get(), plans};
     } else {
@@ -104,8 +104,7 @@ auto splitByStrip(const From& attribute, const StripCut& cut)
 
 inline std::size_t planBytes(const image::BaseImage& image, image::ePlanKind kind)
 {
-    const image::ImageGeometry& size = image.getGeometry();
-    return size.x * size.y * (kind == image::ePlanKind::ePK_Volume3d ? size.z : 1) * image.getPixelSize();
+    return getSubGeometry(image.getGeometry(), kind).nbPixels() * image.getPixelSize();
 }
 
 template <class First, class...>
@@ -205,6 +204,36 @@ protected:
 private:
     std::optional<PlanList> plans_;
     detail::PartialResults<Output, Merge> results_;
+};
+
+/// Level 1: one child per plan of the first image, which writes its plan of the output image.
+template <class Self, class Child, class Output, class... Inputs>
+class ImageLvl1 : public Processor<Self, BaseAsync1Processor, typename Inputs::Source..., typename Output::Source>
+{
+    using Image = typename detail::FirstOf<typename Inputs::Source...>::Type;
+
+protected:
+    Rule makeRule() const override
+    {
+        return matchOutputSize(this->template attribute<typename Output::Source>(), this->template attribute<Image>());
+    }
+
+    core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override
+    {
+        const image::BaseImage& image = this->template value<Image>();
+        plans_.emplace(image.getGeometry(), Image::kind);
+        provider =
+            makeStaticDispatcher<Child>(priority, this->getDispatchPolicy(), plans_->size(),
+                                        detail::planBytes(image, Image::kind), std::numeric_limits<std::size_t>::max(),
+                                        detail::splitByPlan<Child, typename Output::Source, typename Output::Target>(
+                                            this->template attribute<typename Output::Source>(), *plans_),
+                                        detail::splitByPlan<Child, typename Inputs::Source, typename Inputs::Target>(
+                                            this->template attribute<typename Inputs::Source>(), *plans_)...);
+        return {};
+    }
+
+private:
+    std::optional<PlanList> plans_;
 };
 
 /// Level 2: one child per strip of the first image; Merge makes one result of theirs.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <framework/attribute/ImageAttributes.hpp>
 #include <framework/process/BaseProcessingAlgorithm.hpp>
 #include <framework/process/BaseProcessor.hpp>
 #include <framework/process/ProcessorClass.hpp>
@@ -34,6 +35,31 @@ void FromImagePlanIndexedInitializer(Output& output, const Input& input)
         output.assign(std::move(collection));
     });
 }
+
+/// Allocates an unset output image with the input's pixel type and the sizes that follow from its own.
+template <attr::ImageOutputAttribute Output, class Input>
+void duplicateInOut(Output& output, const Input& input)
+{
+    output.setInitializer([&output, &input] {
+        const image::BaseImage& image = *input.get();
+        output.assign(image::BaseImage::create(image.getType(), Output::geometryFor(image.getGeometry())));
+    });
+}
+
+/// The same with one time.
+template <class Input>
+void duplicateSingleInOut(attr::OutSingleImg& output, const Input& input)
+{
+    duplicateInOut(output, input);
+}
+
+/// The same with one plane.
+template <class Input>
+void duplicate2dInOut(attr::OutImg2d& output, const Input& input)
+{
+    duplicateInOut(output, input);
+}
+
 
 template <class Output, class Input>
 void fromImage(Output& output, const Input& input)
@@ -163,6 +189,12 @@ private:
         if constexpr (A::role == attr::eAttributeRole::eAR_Output) {
             if constexpr (attr::PlanIndexedAttribute<A>) {
                 fromImage(output, std::get<0>(attributes_));
+            } else if constexpr (attr::ImageOutputAttribute<A>) {
+                if constexpr (std::same_as<A, attr::OutSingleImg>) {
+                    duplicateSingleInOut(output, std::get<0>(attributes_));
+                } else {
+                    duplicate2dInOut(output, std::get<0>(attributes_));
+                }
             } else {
                 AllocateInitializer(output);
             }
@@ -201,31 +233,20 @@ protected:
     template <class Exists>
     static void registerKernels(AlgorithmFunctionSelector& selector, Exists exists)
     {
-        const auto registerDomains = [&]<core::eInstructionSet::domain... Sets>()
-        {
-            (image::forEachPixelType([&]<class T>(std::type_identity<T> type) {
-                 if (core::isAvailable(Sets) && exists(type, Sets)) {
-                     registerKernel<T, Sets>(selector);
-                 }
-             }),
-             ...);
-        };
-        using Domain = core::eInstructionSet;
-        registerDomains.template
-        operator()<Domain::eIS_Generic, Domain::eIS_SSE2, Domain::eIS_AVX, Domain::eIS_AVX2, Domain::eIS_AVX512>();
+        forEachKernel(exists, [&]<class T, core::eInstructionSet::domain Set>(Kernel<T, Set>) {
+            registerKernel<T, Set>(selector, {identify<T>()});
+        });
     }
 
-    /// Enters Self's `genericProcessFunction<T, Set>` for one pixel type.
-    template <class T, core::eInstructionSet::domain Set>
-    static void registerKernel(AlgorithmFunctionSelector& selector)
+    /// The same for pairs of pixel types: the kernel of the first type serves every second type.
+    template <class Exists>
+    static void registerPairKernels(AlgorithmFunctionSelector& selector, Exists exists)
     {
-        const core::InstructionSetsIdentifier sets{Set};
-        if (selector.isSupported(sets)) {
-            selector.registerFunction(
-                {image::DataTypeIdentifierColl{image::ImageBufferTypeIdentifier{image::imageBufferTypeOf<T>}}, sets,
-                 AlgorithmFunctionEfficiency<Set, 0, 0>::getEfficiency(),
-                 static_cast<AlgorithmFunction>(&Self::template genericProcessFunction<T, Set>)});
-        }
+        forEachKernel(exists, [&]<class T, core::eInstructionSet::domain Set>(Kernel<T, Set>) {
+            image::forEachPixelType([&]<class U>(std::type_identity<U>) {
+                registerKernel<T, Set>(selector, {identify<T>(), identify<U>()});
+            });
+        });
     }
 
     void getDataTypeIdColl(image::DataTypeIdentifierColl& dataTypes) const override
@@ -242,6 +263,46 @@ protected:
     }
 
 private:
+    template <class T, core::eInstructionSet::domain Set>
+    struct Kernel
+    {
+    };
+
+    template <class T>
+    static constexpr image::ImageBufferTypeIdentifier identify()
+    {
+        return image::ImageBufferTypeIdentifier{image::imageBufferTypeOf<T>};
+    }
+
+    template <class Exists, class Visitor>
+    static void forEachKernel(Exists exists, Visitor visit)
+    {
+        const auto visitDomains = [&]<core::eInstructionSet::domain... Sets>()
+        {
+            (image::forEachPixelType([&]<class T>(std::type_identity<T> type) {
+                 if (core::isAvailable(Sets) && exists(type, Sets)) {
+                     visit(Kernel<T, Sets>{});
+                 }
+             }),
+             ...);
+        };
+        using Domain = core::eInstructionSet;
+        visitDomains.template
+        operator()<Domain::eIS_Generic, Domain::eIS_SSE2, Domain::eIS_AVX, Domain::eIS_AVX2, Domain::eIS_AVX512>();
+    }
+
+    /// Enters Self's `genericProcessFunction<T, Set>` for the pixel types of its strips.
+    template <class T, core::eInstructionSet::domain Set>
+    static void registerKernel(AlgorithmFunctionSelector& selector, const image::DataTypeIdentifierColl& types)
+    {
+        const core::InstructionSetsIdentifier sets{Set};
+        if (selector.isSupported(sets)) {
+            selector.registerFunction(
+                {types, sets, AlgorithmFunctionEfficiency<Set, 0, 0>::getEfficiency(),
+                 static_cast<AlgorithmFunction>(&Self::template genericProcessFunction<T, Set>)});
+        }
+    }
+
     template <class Visitor>
     void forEachStrip(Visitor visit) const
     {

@@ -24,6 +24,7 @@ enum class eProcessorMessage : unsigned
     eUnequalStrips = 13,      ///< processor
     eNotShared = 14,          ///< processor
     eUnequalSizes = 15,       ///< attribute, geometry, attribute, geometry
+    eWrongOutputSize = 16,    ///< output attribute, geometry, geometry needed, input attribute, geometry
     eUninitialisedAccess = 33 ///< processor
 };
 

@@ -57,6 +57,18 @@ ProcessingResult checkImagePlans(const attr::BaseAttribute& output, const attr::
                                                                 collection->size(), input.getName(), plans.size()));
 }
 
+ProcessingResult checkOutputSize(const attr::BaseAttribute& output, const attr::BaseAttribute& input,
+                                 const image::ImageGeometry& needed)
+{
+    const image::ImageGeometry& size = output.getImage()->getGeometry();
+    if (size == needed) {
+        return {};
+    }
+    return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eWrongOutputSize, output.getName(),
+                                                         toString(size), toString(needed), input.getName(),
+                                                         toString(input.getImage()->getGeometry())));
+}
+
 Rule matchSize(const attr::BaseAttribute& first, const attr::BaseAttribute& second)
 {
     return Rule{[&first, &second]() -> ProcessingResult {

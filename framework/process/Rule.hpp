@@ -49,6 +49,22 @@ Rule matchImagePlans(const Output& output, const Input& input)
     return Rule{[&output, &input] { return checkImagePlans(output, output.get().get(), input, Input::kind); }};
 }
 
+ORLIX_API core::ProcessingResult checkOutputSize(const attr::BaseAttribute& output, const attr::BaseAttribute& input,
+                                                 const image::ImageGeometry& needed);
+
+/// An output image that the caller supplied has the sizes that follow from those of the input image. Both attributes
+/// outlive the rule.
+template <attr::ImageOutputAttribute Output, attr::ImageAttribute Input>
+Rule matchOutputSize(const Output& output, const Input& input)
+{
+    return Rule{[&output, &input]() -> core::ProcessingResult {
+        if (!output.isSet() || !input.isSet()) {
+            return {};
+        }
+        return checkOutputSize(output, input, Output::geometryFor(input.get()->getGeometry()));
+    }};
+}
+
 /// Both images have the same size; satisfied where one is not set. The attributes outlive the rule.
 ORLIX_API Rule matchSize(const attr::BaseAttribute& first, const attr::BaseAttribute& second);
 

@@ -83,11 +83,11 @@ private:
 };
 
 /// One plan of an image, as a sub image.
-template <class Child, class A>
+template <class Child, class A, class Image = const image::BaseImage>
 class SubImageSplit
 {
 public:
-    SubImageSplit(Ptr<const image::BaseImage> image, const PlanList& plans) : image_{std::move(image)}, plans_{plans} {}
+    SubImageSplit(Ptr<Image> image, const PlanList& plans) : image_{std::move(image)}, plans_{plans} {}
     void assign(Child& child, std::size_t i) const
     {
         if (!image_) {
@@ -95,14 +95,13 @@ public:
             return;
         }
         // An image of one plan is its own sub image.
-        const image::ImageGeometry& size = image_->getGeometry();
-        const bool whole = size.c == 1 && size.t == 1 && (A::kind == image::ePlanKind::ePK_Volume3d || size.z == 1);
+        const bool whole = getSubGeometry(image_->getGeometry(), A::kind) == image_->getGeometry();
         const image::PlanIndex plan = plans_[i];
         child.template set<A>(whole && plan == image::PlanIndex{} ? image_ : image_->getSubImage(plan, A::kind));
     }
 
 private:
-    Ptr<const image::BaseImage> image_;
+    Ptr<Image> image_;
     const PlanList& plans_;
 };
 
@@ -230,9 +229,12 @@ private:
 };
 
 template <class Child, class Image, class A>
-requires(A::Strip::kind == image::ePlanKind::ePK_Plan2d) using ImageYStrip2dSplit = ImageStripSplit<Child, Image, A>;
-
+using ImageXStrip2dSplit = ImageStripSplit<Child, Image, A>;
 template <class Child, class Image, class A>
-requires(A::Strip::kind == image::ePlanKind::ePK_Volume3d) using ImageZStrip3dSplit = ImageStripSplit<Child, Image, A>;
+using ImageYStrip2dSplit = ImageStripSplit<Child, Image, A>;
+template <class Child, class Image, class A>
+using ImageZStrip3dSplit = ImageStripSplit<Child, Image, A>;
+template <class Child, class Image, class A>
+using ImageYStripSeq2dSplit = ImageStripSplit<Child, Image, A>;
 
 } // namespace orlix::imaproc
