@@ -14,7 +14,7 @@ function(orlix_set_kernel_flags)
             if(NOT DEFINED orlix_flags_${CMAKE_MATCH_1})
                 message(FATAL_ERROR "${source}: no flags are known for the instruction set ${CMAKE_MATCH_1}")
             endif()
-            set(flags ${orlix_flags_${CMAKE_MATCH_1}} -Wno-psabi -Wno-pedantic)
+            set(flags ${orlix_flags_${CMAKE_MATCH_1}} -Wno-psabi -Wno-pedantic -fno-math-errno)
             if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
                 list(APPEND flags -Wno-maybe-uninitialized -Wno-ignored-attributes) # GCC's own intrinsics
             endif()

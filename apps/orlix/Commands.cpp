@@ -105,6 +105,26 @@ void spreadClasses(Report& report)
     report.results = std::move(rows);
 }
 
+/// A table of profiles is for people: a row for every number.
+void spreadValues(Report& report)
+{
+    if (report.results.empty() || !report.results.front().contains("Values")) {
+        return;
+    }
+    const std::string axis = report.measure.substr(0, 1);
+    std::vector<Json> rows;
+    for (const Json& profile : report.results) {
+        Json row = profile;
+        row.erase("Values");
+        for (std::size_t i = 0; i < profile["Values"].size(); ++i) {
+            row[axis] = i;
+            row["Value"] = profile["Values"][i];
+            rows.push_back(row);
+        }
+    }
+    report.results = std::move(rows);
+}
+
 /// What `--per` may be.
 enum class Per
 {
@@ -122,6 +142,7 @@ struct Verb
     Per per = Per::None;
     bool takesMask = false;
     bool takesClasses = false;
+    bool takesProjection = false;
     void (*forPeople)(Report&) = nullptr; ///< makes a table of a report that is one for machines
 };
 
@@ -144,6 +165,11 @@ constexpr Verb verbs[] = {
      .run = &runEntropy,
      .takesClasses = true},
     {.name = "count", .help = "number of objects in a label image", .run = &runCount, .per = Per::Parts},
+    {.name = "project",
+     .help = "a statistic of the pixels along x, y, z or the time",
+     .run = &runProject,
+     .takesProjection = true,
+     .forPeople = &spreadValues},
     {.name = "processors",
      .help = "the processor classes and their kernels",
      .run = &runProcessors,
@@ -151,8 +177,8 @@ constexpr Verb verbs[] = {
      .forPeople = &summariseKernels},
 };
 
-constexpr std::string_view laterVerbs[] = {"noise",      "kde",     "project", "ncc",        "pearson",
-                                           "similarity", "percent", "locate",  "paraboloid", "report"};
+constexpr std::string_view laterVerbs[] = {"noise",   "kde",    "ncc",        "pearson", "similarity",
+                                           "percent", "locate", "paraboloid", "report"};
 
 CLI::Validator finiteAbove(double least)
 {
@@ -175,11 +201,11 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
         ->type_name("ORDER");
     if (verb.per == Per::Any) {
         command.add_option("--per", options.per, "what one result covers: image, plan or volume (default: image)")
-            ->check(CLI::IsMember({"image", "plan", "volume"}, CLI::ignore_case))
+            ->transform(CLI::IsMember({"image", "plan", "volume"}, CLI::ignore_case))
             ->type_name("");
     } else if (verb.per == Per::Parts) {
         command.add_option("--per", options.per, "what one result covers: plan or volume (default: plan)")
-            ->check(CLI::IsMember({"plan", "volume"}, CLI::ignore_case))
+            ->transform(CLI::IsMember({"plan", "volume"}, CLI::ignore_case))
             ->type_name("");
     }
     if (verb.takesMask) {
@@ -196,6 +222,20 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
         command.add_option("--classes", options.classes, "number of classes")
             ->check(CLI::Range(1u, 0x7fffffffu))
             ->type_name("N");
+    }
+    if (verb.takesProjection) {
+        command.add_option("--axis", options.axis, "the axis that goes: x, y, z or t")
+            ->transform(CLI::IsMember({"x", "y", "z", "t"}, CLI::ignore_case))
+            ->type_name("")
+            ->required();
+        command.add_option("--stat", options.stat, "max, mean, median, min, stddev, sum or var")
+            ->transform(CLI::IsMember({"max", "mean", "median", "min", "stddev", "sum", "var"}, CLI::ignore_case))
+            ->type_name("")
+            ->required();
+        command.add_option("-o", options.output, "with --axis z or t: the TIFF file to write")->type_name("FILE");
+        command.add_option("--out-type", options.outType, "pixel type of that file (default: the image's)")
+            ->check(CLI::IsMember({"uint8", "int8", "uint16", "int16", "uint32", "int32", "float32"}))
+            ->type_name("TYPE");
     }
     command.add_option("--isa", options.isa, "force an instruction set: generic, sse2, avx, avx2 or avx512")
         ->check(CLI::IsMember({"generic", "sse2", "avx", "avx2", "avx512"}))
@@ -252,6 +292,16 @@ void checkTogether(const Options& options)
     }
     if (options.min && *options.min > *options.max) {
         throw UsageError{"--min is above --max"};
+    }
+    if (!options.axis.empty()) {
+        const bool isProfile = options.axis == "x" || options.axis == "y";
+        if (isProfile && !(options.output.empty() && options.outType.empty())) {
+            throw UsageError{"-o and --out-type go with --axis z or t: a projection along " + options.axis +
+                             " writes no image"};
+        }
+        if (!isProfile && options.output.empty()) {
+            throw UsageError{"--axis " + options.axis + " makes an image: name its file with -o"};
+        }
     }
     if (options.binWidth && options.classes) {
         throw UsageError{"--bin-width and --classes say the same thing: give one of them"};

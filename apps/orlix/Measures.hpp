@@ -12,5 +12,6 @@ Report runStats(const Options& options);
 Report runHistogram(const Options& options);
 Report runEntropy(const Options& options);
 Report runCount(const Options& options);
+Report runProject(const Options& options);
 
 } // namespace orlix::app

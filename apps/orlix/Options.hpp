@@ -14,6 +14,10 @@ struct Options
     std::string pages;
     std::string per; ///< empty: the verb's default
     std::string isa;
+    std::string axis;
+    std::string stat;
+    std::string output;        ///< a file
+    std::string outType;       ///< empty: the image's type
     std::optional<double> min; ///< min and max are both given, or neither
     std::optional<double> max;
     std::optional<double> binWidth;

@@ -33,8 +33,14 @@ Json toJson(const data::DataItem<Record>& item)
     const auto& record = static_cast<const Record&>(item);
     Record::forEachField([&](const auto& field) {
         const auto& value = record.*field.member;
-        if constexpr (std::is_same_v<std::remove_cvref_t<decltype(value)>, double>) {
+        using Value = std::remove_cvref_t<decltype(value)>;
+        if constexpr (std::is_same_v<Value, double>) {
             object[field.name] = toJson(value);
+        } else if constexpr (std::is_same_v<Value, std::vector<double>>) {
+            object[field.name] = Json::array();
+            for (const double each : value) {
+                object[field.name].push_back(toJson(each));
+            }
         } else {
             object[field.name] = value;
         }

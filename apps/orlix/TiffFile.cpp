@@ -2,14 +2,11 @@
 
 #include <orlix/Axes.hpp>
 #include <orlix/Errors.hpp>
-
-#include <tiffio.h>
+#include <orlix/LibTiff.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdarg>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -23,28 +20,6 @@ using image::eImageBufferType;
 
 namespace
 {
-
-struct TiffCloser
-{
-    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
-};
-
-/// Keeps the first error text that libtiff gives; it prints nothing itself.
-int keepError(TIFF*, void* text, const char*, const char* format, va_list arguments)
-{
-    std::string& kept = *static_cast<std::string*>(text);
-    if (kept.empty()) {
-        std::array<char, 512> line{};
-        std::vsnprintf(line.data(), line.size(), format, arguments);
-        kept = line.data();
-    }
-    return 1;
-}
-
-int ignoreWarning(TIFF*, void*, const char*, const char*, va_list)
-{
-    return 1;
-}
 
 /// The files that other readers know, told by their first bytes.
 const char* nameOtherFormat(const std::string& path)
@@ -168,11 +143,7 @@ private:
         if (!std::ifstream{path_, std::ios::binary}) {
             fail(std::strerror(errno));
         }
-        TIFFOpenOptions* const options = TIFFOpenOptionsAlloc();
-        TIFFOpenOptionsSetErrorHandlerExtR(options, keepError, &error_);
-        TIFFOpenOptionsSetWarningHandlerExtR(options, ignoreWarning, nullptr);
-        tiff_.reset(TIFFOpenExt(path_.c_str(), "r", options));
-        TIFFOpenOptionsFree(options);
+        tiff_ = openTiff(path_, "r", error_);
         if (!tiff_) {
             if (const char* const other = nameOtherFormat(path_)) {
                 fail(std::string{other} + " files are not read yet: convert it to TIFF");
@@ -434,7 +405,7 @@ private:
 
     std::string path_;
     std::string error_; // before tiff_, which writes to it until it is closed
-    std::unique_ptr<TIFF, TiffCloser> tiff_;
+    TiffHandle tiff_;
     Page page_;
     std::vector<tdir_t> directories_;
     bool hidden_ = false;

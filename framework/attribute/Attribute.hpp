@@ -263,8 +263,8 @@ ORLIX_API core::ProcessingResult checkStrip(const BaseAttribute& attribute, cons
                                             std::size_t first, std::size_t count);
 ORLIX_API core::ProcessingResult writeStrip(data::OutputArchive& archive, const char* name,
                                             const image::BaseImage* image, std::size_t first, std::size_t count);
-ORLIX_API core::ProcessingResult readStrip(data::InputArchive& archive, const char* name,
-                                           Ptr<image::BaseImage>& image, std::size_t& first, std::size_t& count);
+ORLIX_API core::ProcessingResult readStrip(data::InputArchive& archive, const char* name, Ptr<image::BaseImage>& image,
+                                           std::size_t& first, std::size_t& count);
 
 /// The strip that a level 2 processor hands down; it has no heap of its own.
 template <class Self, class StripType, const image::PixelTypes& Types = image::numericTypes,

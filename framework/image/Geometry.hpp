@@ -97,8 +97,9 @@ class PlanRange
 {
 public:
     constexpr PlanRange(const ImageGeometry& geometry, ePlanKind kind)
-        : z_{kind == ePlanKind::ePK_Volume3d ? 1 : geometry.z}, c_{geometry.c},
-          t_{kind == ePlanKind::ePK_Sequence2d ? 1 : geometry.t}
+        : z_{kind == ePlanKind::ePK_Volume3d ? 1 : geometry.z}, c_{geometry.c}, t_{kind == ePlanKind::ePK_Sequence2d
+                                                                                       ? 1
+                                                                                       : geometry.t}
     {}
     constexpr std::size_t size() const { return z_ * c_ * t_; }
     constexpr PlanIndex operator[](std::size_t i) const

@@ -50,9 +50,7 @@ struct Strip
     static std::size_t getNbElements(const BaseImage& subImage)
     {
         const ImageGeometry& size = subImage.getGeometry();
-        return Element == eStripElement::eSE_Plane    ? size.z
-               : Element == eStripElement::eSE_Column ? size.x
-                                                      : size.y;
+        return Element == eStripElement::eSE_Plane ? size.z : Element == eStripElement::eSE_Column ? size.x : size.y;
     }
     /// 0 for an image that is empty in any axis.
     static std::size_t getElementPixels(const BaseImage& subImage)

@@ -36,12 +36,17 @@ ProcessingResult BaseProcessingAlgorithm::runDerived(const RunContext& context)
     return result;
 }
 
+core::InstructionSetsIdentifier BaseProcessingAlgorithm::getEffectiveSets() const
+{
+    const core::InstructionSetsIdentifier own = getForcedInstructionSets();
+    return own.empty() ? core::settings::getForcedInstructionSets() : own;
+}
+
 ProcessingResult BaseProcessingAlgorithm::mainProcess()
 {
     image::DataTypeIdentifierColl types;
     getDataTypeIdColl(types);
-    const core::InstructionSetsIdentifier own = getForcedInstructionSets();
-    const core::InstructionSetsIdentifier forced = own.empty() ? core::settings::getForcedInstructionSets() : own;
+    const core::InstructionSetsIdentifier forced = getEffectiveSets();
     const AlgorithmFunctionIdentifier* const kernel = getFunctionSelector().select(types, forced);
     if (kernel == nullptr) {
         const core::InstructionSetsIdentifier sets = getFunctionSelector().getInstructionSets(types);

@@ -39,6 +39,9 @@ protected:
     /// What a kernel without strips is called with.
     virtual ProcessingInfo getNoParseInfo() const { return {}; }
 
+    /// The sets that hold for a run: those that the class is forced to, else those of the settings.
+    core::InstructionSetsIdentifier getEffectiveSets() const;
+
     const image::StripParser& getParser(std::size_t i) const { return parsers_[i]; }
 
 private:

@@ -11,8 +11,8 @@
 #include <vector>
 
 /// The shapes that most processors have: a level 1 that keeps the results of its plans apart, one that merges them, one
-/// whose plans write an image, and a level 2 that cuts its plan into strips. A measure derives from them and says which attribute of
-/// its own becomes which attribute of the level below. All images that a level takes have the same size.
+/// whose plans write an image, and a level 2 that cuts its plan into strips. A measure derives from them and says which
+/// attribute of its own becomes which attribute of the level below. All images that a level takes have the same size.
 namespace orlix::imaproc
 {
 
@@ -258,8 +258,8 @@ protected:
     core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override
     {
         const image::BaseImage& image = this->template value<Image>();
-        cut_.emplace(Strip::getNbElements(image), Strip::getElementPixels(image) * image.getPixelSize(),
-                     std::max(this->getDispatchPolicy().stripBytes, this->getMinStripPixels() * image.getPixelSize()));
+        const std::size_t minBytes = this->getMinStripPixels() * image.getPixelSize();
+        cut_.emplace(StripCut::of<Strip>(image, std::max(this->getDispatchPolicy().stripBytes, minBytes), 1));
         results_.begin(this->template attribute<typename Output::Source>(), cut_->size());
         provider = makeDynamicDispatcher<Child>(
             priority, this->getDispatchPolicy(), cut_->size(), results_.template split<Child>(),

@@ -60,7 +60,6 @@ void duplicate2dInOut(attr::OutImg2d& output, const Input& input)
     duplicateInOut(output, input);
 }
 
-
 template <class Output, class Input>
 void fromImage(Output& output, const Input& input)
 {
@@ -297,9 +296,8 @@ private:
     {
         const core::InstructionSetsIdentifier sets{Set};
         if (selector.isSupported(sets)) {
-            selector.registerFunction(
-                {types, sets, AlgorithmFunctionEfficiency<Set, 0, 0>::getEfficiency(),
-                 static_cast<AlgorithmFunction>(&Self::template genericProcessFunction<T, Set>)});
+            selector.registerFunction({types, sets, AlgorithmFunctionEfficiency<Set, 0, 0>::getEfficiency(),
+                                       static_cast<AlgorithmFunction>(&Self::template genericProcessFunction<T, Set>)});
         }
     }
 

@@ -33,11 +33,19 @@ private:
     const attr::BasePlanIndexedColl* collection_ = nullptr;
 };
 
-/// The cut of a sub image into strips of whole rows or planes: as even as it goes, and the same for the same sizes and
-/// the same policy.
+/// The cut of a sub image into strips of whole elements (rows, columns or planes): as even as it goes, and the same for
+/// the same sizes and the same policy.
 class StripCut
 {
 public:
+    /// Strips of about `stripBytes`, but of at least `minElements`.
+    template <class Strip>
+    static StripCut of(const image::BaseImage& image, std::size_t stripBytes, std::size_t minElements)
+    {
+        const std::size_t elementBytes = Strip::getElementPixels(image) * image.getPixelSize();
+        return {Strip::getNbElements(image), elementBytes, std::max(stripBytes, minElements * elementBytes)};
+    }
+
     StripCut(std::size_t nbElements, std::size_t elementBytes, std::size_t stripBytes) : nbElements_{nbElements}
     {
         const std::size_t bytes = nbElements * elementBytes;

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <tiffio.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -215,7 +216,7 @@ TEST_F(CommandTest, ReadsEveryKindOfTiff)
     for (const Case& each : cases) {
         SCOPED_TRACE(++number);
         const std::size_t channels = each.layout.samples;
-        const Outcome outcome = run({"stats", "--json", "--per", "plan", write("a.tif", 3, each.layout)});
+        const Outcome outcome = run({"stats", "--json", "--per", "Plan", write("a.tif", 3, each.layout)});
         ASSERT_EQ(outcome.status, 0) << outcome.error;
         const Json image = outcome.json()["image"];
         EXPECT_EQ(image["type"], each.type);
@@ -455,6 +456,62 @@ TEST_F(CommandTest, AMaskSelects)
               "histogramMaskMsr3d");
 }
 
+// Profiles are numbers, one list per plan; along z and t an image comes out, which reads back with the axes that
+// remain.
+TEST_F(CommandTest, ProjectsAlongEveryAxis)
+{
+    const std::string stack = write("stack.tif", 12, {.description = "ImageJ=1.53\nchannels=2\nslices=3\nframes=2\n"});
+    const Outcome columns = run({"project", stack, "--axis", "x", "--stat", "Sum", "--json"});
+    EXPECT_EQ(columns.json()["measure"], "xProjection2d");
+    EXPECT_EQ(columns.json()["results"].size(), 12u);
+    double sum = 0;
+    for (std::size_t y = 0; y < height; ++y) {
+        sum += pixelAt(1, 0, y, 4); // page 1 is channel 1 at z = t = 0
+    }
+    EXPECT_EQ(columns.result(3)["c"], 1);
+    EXPECT_EQ(columns.result(3)["Values"].size(), width);
+    EXPECT_EQ(columns.result(3)["Values"][4], sum);
+    const Outcome table = run({"project", stack, "--axis", "y", "--stat", "max"});
+    EXPECT_NE(table.output.find("z  c  t  y  Value\n0  0  0  0     "), std::string::npos) << table.output;
+
+    for (const std::string axis : {"z", "t"}) {
+        const bool alongZ = axis == "z";
+        const std::string output = writeBytes("projection.tif", "something that was there before");
+        const Outcome outcome =
+            run({"project", stack, "--axis", axis, "--stat", "mean", "-o", output, "--out-type", "float32", "--json"});
+        ASSERT_EQ(outcome.status, 0) << outcome.error;
+        EXPECT_EQ(outcome.json()["measure"], alongZ ? "zProjectionImg" : "seqProjectionImg");
+        const Json row = outcome.result();
+        EXPECT_EQ(row["output"], output);
+        EXPECT_EQ(row["type"], "float32");
+        const Json info = run({"info", output, "--json"}).result();
+        EXPECT_EQ(info["type"], "float32");
+        for (const char* const side : {"x", "y", "z", "c", "t"}) {
+            EXPECT_EQ(info[side], row[side]);
+        }
+        EXPECT_EQ(info["z"], alongZ ? 1 : 3);
+        EXPECT_EQ(info["t"], alongZ ? 2 : 1);
+        // The last plan: channel 1 at the last z or t, whose pages are 2 apart along z and 6 along t.
+        double total = 0;
+        for (std::size_t y = 0; y < height; ++y) {
+            for (std::size_t x = 0; x < width; ++x) {
+                for (const std::size_t page :
+                     alongZ ? std::vector<std::size_t>{7, 9, 11} : std::vector<std::size_t>{5, 11}) {
+                    total += static_cast<double>(pixelAt(page, 0, y, x)) / (alongZ ? 3 : 2);
+                }
+            }
+        }
+        const Json plans = run({"stats", output, "--per", "plan", "--json"}).json()["results"];
+        EXPECT_NEAR(plans.back()["Sum"].get<double>(), total, 1e-6 * total);
+    }
+    std::vector<std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator{path("")}) {
+        files.push_back(entry.path().filename());
+    }
+    std::sort(files.begin(), files.end());
+    EXPECT_EQ(files, (std::vector<std::string>{"projection.tif", "stack.tif"}));
+}
+
 // One clear line, the right exit status, and nothing on standard output.
 TEST_F(CommandTest, RefusesWhatIsWrong)
 {
@@ -488,7 +545,7 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
     const Case cases[] = {
         {{}, 2, "a verb is needed"},
         {{"frobnicate"}, 2, "there is no verb frobnicate"},
-        {{"project", good}, 2, "the verb project is not available yet"},
+        {{"noise", good}, 2, "the verb noise is not available yet"},
         {{"report", good}, 2, "the verb report is not available yet"},
         {{"stats"}, 2, "IMAGE is required"},
         {{"stats", good, "--csv"}, 2, "--csv is not available yet"},
@@ -524,6 +581,16 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         {{"entropy", good, "--mask", good}, 2, "--mask"},
         {{"count", good, "--per", "image"}, 2, "image"},
         {{"count", floats}, 1, "f.tif: Counting2dMsrLvl1: InLabelImg does not take a float32 image"},
+        {{"project", good, "--stat", "max"}, 2, "--axis is required"},
+        {{"project", good, "--axis", "x"}, 2, "--stat is required"},
+        {{"project", good, "--axis", "c", "--stat", "max"}, 2, "--axis: c not in"},
+        {{"project", good, "--axis", "z", "--stat", "max"}, 2, "--axis z makes an image: name its file with -o"},
+        {{"project", good, "--axis", "x", "--stat", "max", "-o", path("x.tif")}, 2, "along x writes no image"},
+        {{"project", good, "--axis", "t", "--stat", "max", "-o", path("x.tif"), "--out-type", "int64"}, 2, "int64"},
+        {{"project", good, "--axis", "z", "--stat", "max", "-o", path("no/x.tif")}, 1, "there is no folder"},
+        {{"project", good, "--axis", "z", "--stat", "max", "-o", good}, 1, "it is the image that is read"},
+        {{"project", good, "--axis", "z", "--stat", "max", "-o", "/dev/null"}, 1, "it is no regular file"},
+        {{"project", cut, "--axis", "z", "--stat", "max", "-o", path("x.tif")}, 1, "cut.tif"},
         {{"stats", good, "--mask", path("none.tif")}, 1, "none.tif: No such file or directory"},
         {{"stats", good, "--mask", one}, 1, "one.tif: the mask has 21 x 10 x 1 x 1 x 1 (x, y, z, c, t), but"},
         {{"stats", floats, "--mask", floats}, 1, "f.tif: a float32 image is no mask"},
@@ -537,6 +604,7 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         EXPECT_EQ(outcome.error.find('\n'), outcome.error.size() - 1) << outcome.error;
         EXPECT_NE(outcome.error.find(each.error), std::string::npos) << outcome.error;
     }
+    EXPECT_FALSE(std::filesystem::exists(path("x.tif")));
     EXPECT_EQ(run({"--help"}).status, 0);
     EXPECT_NE(run({"stats", "--help"}).output.find("--per"), std::string::npos);
     EXPECT_EQ(run({"--version"}).output, "orlix 4.1.0.2\n");

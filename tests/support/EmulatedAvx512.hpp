@@ -2,9 +2,11 @@
 
 #include <immintrin.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 
 /// The wide intrinsics that kernels call, lane by lane in plain C++. Included before a kernel text, it lets any machine
 /// run the text of the AVX-512 kernels.
@@ -104,6 +106,42 @@ inline __m512i multiplyLow(const __m512i& a, const __m512i& b)
     return fill<std::uint64_t, __m512i>([&](int i) { return (x.lane[i] & 0xffffffffu) * (y.lane[i] & 0xffffffffu); });
 }
 
+inline __m512i multiplyHigh(const __m512i& a, const __m512i& b)
+{
+    const Lanes<std::uint16_t, __m512i> x{a};
+    const Lanes<std::uint16_t, __m512i> y{b};
+    return fill<std::uint16_t, __m512i>(
+        [&](int i) { return std::uint32_t{x.lane[i]} * std::uint32_t{y.lane[i]} >> 16; });
+}
+
+/// The lanes of each 16 bytes of `a`, then those of `b`, limited to the range of narrow ones.
+template <class Narrow, class Wide>
+__m512i pack(const __m512i& a, const __m512i& b)
+{
+    constexpr int group = 16 / sizeof(Wide);
+    const Lanes<Wide, __m512i> x{a};
+    const Lanes<Wide, __m512i> y{b};
+    return fill<Narrow, __m512i>([&](int i) {
+        const int lane = i / (2 * group) * group + i % group;
+        const Wide value = i % (2 * group) < group ? x.lane[lane] : y.lane[lane];
+        return std::min<Wide>(std::max<Wide>(value, std::numeric_limits<Narrow>::min()),
+                              std::numeric_limits<Narrow>::max());
+    });
+}
+
+/// Of each 16 bytes, the lanes of the lower (0) or upper (1) half of `a` and `b`, by turns.
+template <class Lane>
+__m512i interleave(const __m512i& a, const __m512i& b, int half)
+{
+    constexpr int group = 16 / sizeof(Lane);
+    const Lanes<Lane, __m512i> x{a};
+    const Lanes<Lane, __m512i> y{b};
+    return fill<Lane, __m512i>([&](int i) {
+        const int lane = i / group * group + half * group / 2 + i % group / 2;
+        return i % 2 == 0 ? x.lane[lane] : y.lane[lane];
+    });
+}
+
 inline __m512i madd52(const __m512i& sums, const __m512i& a, const __m512i& b, int shift)
 {
     __extension__ using Wide = unsigned __int128;
@@ -131,6 +169,12 @@ Register loadUnaligned(const void* from)
     return to;
 }
 
+template <class Register>
+void storeUnaligned(void* to, const Register& from)
+{
+    std::memcpy(to, &from, sizeof from);
+}
+
 } // namespace orlix::test::emulated
 
 #undef _mm256_loadu_ps
@@ -143,7 +187,9 @@ Register loadUnaligned(const void* from)
 #undef _mm512_cvtepu8_epi16
 #undef _mm512_cvtepu8_epi32
 #undef _mm512_cvtps_pd
+#undef _mm512_cvttpd_epi32
 #undef _mm512_cvttps_epi32
+#undef _mm256_storeu_si256
 #undef _mm512_dpbusd_epi32
 #undef _mm512_dpwssd_epi32
 #undef _mm512_extractf32x8_ps
@@ -151,6 +197,13 @@ Register loadUnaligned(const void* from)
 #undef _mm512_madd52lo_epu64
 #undef _mm512_madd_epi16
 #undef _mm512_movepi32_mask
+#undef _mm512_mulhi_epu16
+#undef _mm512_packs_epi32
+#undef _mm512_packus_epi16
+#undef _mm512_unpackhi_epi16
+#undef _mm512_unpackhi_epi8
+#undef _mm512_unpacklo_epi16
+#undef _mm512_unpacklo_epi8
 #undef _mm512_mul_epu32
 #undef _mm512_sad_epu8
 #undef _mm512_set1_epi16
@@ -170,6 +223,8 @@ Register loadUnaligned(const void* from)
 #define _mm512_cvttps_epi32(a)                                                                                         \
     ORLIX_EMULATED::fill<std::int32_t, __m512i>(                                                                       \
         [from = ORLIX_EMULATED::Lanes<float, __m512>{a}](int i) { return ORLIX_EMULATED::truncate(from.lane[i]); })
+#define _mm512_cvttpd_epi32(a) ORLIX_EMULATED::convert<std::int32_t, __m256i, double>(a)
+#define _mm256_storeu_si256(to, a) ORLIX_EMULATED::storeUnaligned(to, a)
 #define _mm512_dpbusd_epi32(sums, a, b) ORLIX_EMULATED::maddBytes(sums, a, b)
 #define _mm512_dpwssd_epi32(sums, a, b) ORLIX_EMULATED::maddWords(sums, a, b)
 #define _mm512_extractf32x8_ps(a, k)                                                                                   \
@@ -182,6 +237,13 @@ Register loadUnaligned(const void* from)
     ORLIX_EMULATED::bits(16,                                                                                           \
                          [from = ORLIX_EMULATED::Lanes<std::int32_t, __m512i>{a}](int i) { return from.lane[i] < 0; })
 #define _mm512_mul_epu32(a, b) ORLIX_EMULATED::multiplyLow(a, b)
+#define _mm512_mulhi_epu16(a, b) ORLIX_EMULATED::multiplyHigh(a, b)
+#define _mm512_packs_epi32(a, b) ORLIX_EMULATED::pack<std::int16_t, std::int32_t>(a, b)
+#define _mm512_packus_epi16(a, b) ORLIX_EMULATED::pack<std::uint8_t, std::int16_t>(a, b)
+#define _mm512_unpackhi_epi16(a, b) ORLIX_EMULATED::interleave<std::uint16_t>(a, b, 1)
+#define _mm512_unpackhi_epi8(a, b) ORLIX_EMULATED::interleave<std::uint8_t>(a, b, 1)
+#define _mm512_unpacklo_epi16(a, b) ORLIX_EMULATED::interleave<std::uint16_t>(a, b, 0)
+#define _mm512_unpacklo_epi8(a, b) ORLIX_EMULATED::interleave<std::uint8_t>(a, b, 0)
 #define _mm512_sad_epu8(a, b) ORLIX_EMULATED::sumBytes(a, b)
 #define _mm512_set1_epi16(x) ORLIX_EMULATED::fill<std::int16_t, __m512i>([](int) { return x; })
 #define _mm512_set1_epi8(x) ORLIX_EMULATED::fill<std::int8_t, __m512i>([](int) { return x; })

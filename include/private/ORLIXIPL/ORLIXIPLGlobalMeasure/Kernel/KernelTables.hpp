@@ -22,11 +22,9 @@ Kernel<T> kernelOf(const KernelsByType<Kernel>& table)
 }
 
 /// The tables of a measure by domain, the best that this processor can run.
-template <template <class> class Kernel>
+template <class Table>
 struct KernelTables
 {
-    using Table = KernelsByType<Kernel>;
-
     Table generic;
     Table sse2;
     Table avx;

@@ -24,6 +24,23 @@ inline constexpr bool isSigned = T(-1) < T(0);
 template <class T>
 inline constexpr bool isFloat = T(0.5) != T(0);
 
+/// The range of an integer type.
+template <class T>
+inline constexpr T lowestOf = isSigned<T> ? T(T(1) << (8 * sizeof(T) - 1)) : T(0);
+template <class T>
+inline constexpr T highestOf = T(~lowestOf<T>);
+
+/// Exactly the pixel. (Machines without AVX-512 convert signed numbers alone.)
+template <class T>
+ORLIX_KERNEL double toDouble(T x)
+{
+    if constexpr (!isSigned<T> && sizeof(T) == 4) {
+        return double(std::int32_t(x ^ 0x80000000u)) + 2147483648.0;
+    } else {
+        return x;
+    }
+}
+
 /// The width of a domain's registers.
 template <Domain::domain D>
 inline constexpr std::size_t packBytes = D == Domain::eIS_SSE2     ? 16
@@ -240,6 +257,19 @@ ORLIX_KERNEL Pack<std::int32_t, D> truncate(Pack<float, D> x)
     }
 }
 
+/// The same for doubles, stored one after the other.
+template <Domain::domain D>
+ORLIX_KERNEL void storeTruncated(Pack<double, D> x, std::int32_t* to)
+{
+    if constexpr (D == Domain::eIS_SSE2) {
+        _mm_storel_epi64((__m128i*)to, _mm_cvttpd_epi32((__m128d)x));
+    } else if constexpr (D == Domain::eIS_AVX512) {
+        _mm256_storeu_si256((__m256i*)to, _mm512_cvttpd_epi32((__m512d)x));
+    } else {
+        _mm_storeu_si128((__m128i*)to, _mm256_cvttpd_epi32((__m256d)x));
+    }
+}
+
 /// As many pixels as there are lanes for floats, rounded to single precision.
 template <Domain::domain D, class T>
 ORLIX_KERNEL Pack<float, D> loadAsFloats(const T* pixels)
@@ -310,6 +340,33 @@ ORLIX_KERNEL P addSquare(P sum, P x)
     }
 #endif
     return sum + x * x;
+}
+
+/// The lowest lane, for lanes without NaN.
+template <class Lane, class P>
+ORLIX_KERNEL Lane leastLane(P pack)
+{
+    Lane lane[sizeof(P) / sizeof(Lane)];
+    __builtin_memcpy(lane, &pack, sizeof(P));
+    for (std::size_t width = sizeof(P) / sizeof(Lane) / 2; width != 0; width /= 2) {
+        for (std::size_t k = 0; k < width; ++k) {
+            lane[k] = lane[k] < lane[k + width] ? lane[k] : lane[k + width];
+        }
+    }
+    return lane[0];
+}
+
+template <class Lane, class P>
+ORLIX_KERNEL Lane mostLane(P pack)
+{
+    Lane lane[sizeof(P) / sizeof(Lane)];
+    __builtin_memcpy(lane, &pack, sizeof(P));
+    for (std::size_t width = sizeof(P) / sizeof(Lane) / 2; width != 0; width /= 2) {
+        for (std::size_t k = 0; k < width; ++k) {
+            lane[k] = lane[k] > lane[k + width] ? lane[k] : lane[k + width];
+        }
+    }
+    return lane[0];
 }
 
 /// The sum of all lanes, seen as numbers of type Lane.

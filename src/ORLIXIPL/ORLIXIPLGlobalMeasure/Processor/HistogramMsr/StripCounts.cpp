@@ -8,19 +8,19 @@ namespace orlix::imaproc::glbmsr
 
 using image::eImageBufferType;
 
-const KernelTables<HistogramKernel>& getHistogramKernels()
+const KernelTables<HistogramKernels>& getHistogramKernels()
 {
-    static const KernelTables<HistogramKernel> tables{histogramKernels_generic, histogramKernels_sse2,
-                                                      histogramKernels_avx, histogramKernels_avx2,
-                                                      histogramKernels_avx512};
+    static const KernelTables<HistogramKernels> tables{histogramKernels_generic, histogramKernels_sse2,
+                                                       histogramKernels_avx, histogramKernels_avx2,
+                                                       histogramKernels_avx512};
     return tables;
 }
 
-const KernelTables<HistogramMaskKernel>& getHistogramMaskKernels()
+const KernelTables<HistogramMaskKernels>& getHistogramMaskKernels()
 {
-    static const KernelTables<HistogramMaskKernel> tables{histogramMaskKernels_generic, histogramMaskKernels_sse2,
-                                                          histogramMaskKernels_avx, histogramMaskKernels_avx2,
-                                                          histogramMaskKernels_avx512};
+    static const KernelTables<HistogramMaskKernels> tables{histogramMaskKernels_generic, histogramMaskKernels_sse2,
+                                                           histogramMaskKernels_avx, histogramMaskKernels_avx2,
+                                                           histogramMaskKernels_avx512};
     return tables;
 }
 

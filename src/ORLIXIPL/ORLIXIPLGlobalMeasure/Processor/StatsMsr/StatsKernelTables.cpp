@@ -5,18 +5,18 @@ namespace orlix::imaproc::glbmsr
 
 using enum core::eInstructionExtension;
 
-const KernelTables<StatsKernel>& getStatsKernels()
+const KernelTables<StatsKernels>& getStatsKernels()
 {
-    static const KernelTables<StatsKernel> tables{
+    static const KernelTables<StatsKernels> tables{
         statsKernels_generic, statsKernels_sse2, statsKernels_avx, statsKernels_avx2,
         withExtension(withExtension(statsKernels_avx512, eIE_Avx512Vnni, statsKernels_avx512vnni), eIE_Avx512Ifma,
                       statsKernels_avx512ifma)};
     return tables;
 }
 
-const KernelTables<StatsMaskKernel>& getStatsMaskKernels()
+const KernelTables<StatsMaskKernels>& getStatsMaskKernels()
 {
-    static const KernelTables<StatsMaskKernel> tables{
+    static const KernelTables<StatsMaskKernels> tables{
         statsMaskKernels_generic,
         statsMaskKernels_sse2,
         {},

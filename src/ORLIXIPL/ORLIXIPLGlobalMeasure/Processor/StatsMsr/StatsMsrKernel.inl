@@ -15,6 +15,14 @@ namespace orlix::imaproc::glbmsr
 namespace
 {
 
+/// What of the moments a kernel accumulates; what nobody keeps, the compiler leaves out.
+enum class Figures
+{
+    All,
+    Sum,
+    Extremes
+};
+
 /// Holds a sum of squares of 2^20 pixels of `Size` bytes.
 template <std::size_t Size>
 struct SquaresOf
@@ -32,11 +40,6 @@ ORLIX_KERNEL void widen(Moments& m, double lo, double hi)
     m.min = m.min < lo ? m.min : lo;
     m.max = m.max > hi ? m.max : hi;
 }
-
-template <class T>
-inline constexpr T lowestOf = isSigned<T> ? T(T(1) << (8 * sizeof(T) - 1)) : T(0);
-template <class T>
-inline constexpr T highestOf = T(~lowestOf<T>);
 
 template <class T, std::size_t Size = sizeof(T)>
 struct CountLane
@@ -72,7 +75,7 @@ struct SelectionCount
     }
 };
 
-template <Domain::domain D, class R>
+template <Domain::domain D, Figures F, class R>
 void accumulateIntegers(R run, Moments& m)
 {
     using T = typename R::Pixel;
@@ -150,20 +153,14 @@ void accumulateIntegers(R run, Moments& m)
     if (R::isMasked && selected == 0) {
         return;
     }
-    Y los[step];
-    Y his[step];
-    const YPack least01 = least(lo[0], lo[1]);
-    const YPack most01 = most(hi[0], hi[1]);
-    __builtin_memcpy(los, &least01, sizeof los);
-    __builtin_memcpy(his, &most01, sizeof his);
-    Y min = los[0];
-    Y max = his[0];
-    for (std::size_t k = 1; k < step; ++k) {
-        min = min < los[k] ? min : los[k];
-        max = max > his[k] ? max : his[k];
+    if constexpr (F != Figures::Sum) {
+        const Y min = leastLane<Y>(least(lo[0], lo[1]));
+        const Y max = mostLane<Y>(most(hi[0], hi[1]));
+        widen(m, double(std::int64_t{min} + bias<T>), double(std::int64_t{max} + bias<T>));
     }
-    widen(m, double(std::int64_t{min} + bias<T>), double(std::int64_t{max} + bias<T>));
-
+    if constexpr (F == Figures::Extremes) {
+        return;
+    }
     if (!R::isMasked && rest != 0) {
         const Int128 extra = step - rest;
         const Int128 last = Int128(run.pixels[run.size - 1]) - bias<T>;
@@ -173,7 +170,9 @@ void accumulateIntegers(R run, Moments& m)
     const Int128 n = R::isMasked ? selected : run.size;
     m.selected += selected;
     m.sum += totals.sum + n * bias<T>;
-    m.sumSq += totals.sumSq + 2 * Int128{bias<T>} * totals.sum + n * bias<T> * bias<T>;
+    if constexpr (F == Figures::All) {
+        m.sumSq += totals.sumSq + 2 * Int128{bias<T>} * totals.sum + n * bias<T> * bias<T>;
+    }
 }
 
 /// In the order of the pixels, so that a NaN stays until the next number replaces it.
@@ -188,22 +187,28 @@ ORLIX_KERNEL void widenInOrder(R run, Moments& m)
 }
 
 /// Pixels that fill no block of lanes, each added to its own.
-template <class R>
+template <Figures F, class R>
 ORLIX_KERNEL void accumulateOneByOne(R run, Moments& m)
 {
-    for (std::size_t i = 0; i < run.size; ++i, ++m.position) {
-        if (counts(run, i)) {
-            const double x = run.pixels[i];
-            m.laneSums[m.position % Moments::lanes] += x;
-            m.laneSquares[m.position % Moments::lanes] += x * x;
-            m.selected += R::isMasked;
+    if constexpr (F != Figures::Extremes) {
+        for (std::size_t i = 0; i < run.size; ++i, ++m.position) {
+            if (counts(run, i)) {
+                const double x = run.pixels[i];
+                m.laneSums[m.position % Moments::lanes] += x;
+                if constexpr (F == Figures::All) {
+                    m.laneSquares[m.position % Moments::lanes] += x * x;
+                }
+                m.selected += R::isMasked;
+            }
         }
     }
-    widenInOrder(run, m);
+    if constexpr (F != Figures::Sum) {
+        widenInOrder(run, m);
+    }
 }
 
 /// Blocks of lanes; the first pixel belongs to lane 0.
-template <Domain::domain D, class R>
+template <Domain::domain D, Figures F, class R>
 ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
 {
     using Doubles = Pack<double, D>;
@@ -220,9 +225,14 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
     }
     const auto add = [&](std::size_t k, Doubles x) __attribute__((always_inline))
     {
-        sum[k] += x;
-        sumSq[k] = addSquare<D>(sumSq[k], x);
+        if constexpr (F != Figures::Extremes) {
+            sum[k] += x;
+        }
+        if constexpr (F == Figures::All) {
+            sumSq[k] = addSquare<D>(sumSq[k], x);
+        }
     };
+    Selection<float, D> unordered{}; // where sums do not tell of a NaN
     Floats lo[floats];
     Floats hi[floats];
     SelectionCount<float, D> count;
@@ -253,12 +263,17 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
                 const Floats x = load<Floats>(pixels + k * lanes<float, D>);
                 lo[k] = least(lo[k], x);
                 hi[k] = most(hi[k], x);
+                if constexpr (F == Figures::Extremes) {
+                    unordered |= x != x;
+                }
             }
         }
     }
-    __builtin_memcpy(m.laneSums, sum, sizeof sum);
-    __builtin_memcpy(m.laneSquares, sumSq, sizeof sumSq);
-    m.position += run.size;
+    if constexpr (F != Figures::Extremes) {
+        __builtin_memcpy(m.laneSums, sum, sizeof sum);
+        __builtin_memcpy(m.laneSquares, sumSq, sizeof sumSq);
+        m.position += run.size;
+    }
     if constexpr (R::isMasked) {
         const std::uint64_t selected = count.flush();
         m.selected += selected;
@@ -267,38 +282,42 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
         }
     }
 
-    float los[Moments::lanes];
-    float his[Moments::lanes];
-    __builtin_memcpy(los, lo, sizeof los);
-    __builtin_memcpy(his, hi, sizeof his);
+    if constexpr (F == Figures::Sum) {
+        return;
+    }
     double total = 0;
     for (const double lane : m.laneSums) {
         total += lane;
     }
-    if (total != total) {
+    if (total != total || laneBits<D>(unordered) != 0) {
         widenInOrder(run, m); // a NaN, perhaps: lanes would lose track of what came after it
         return;
     }
-    for (std::size_t k = 0; k < Moments::lanes; ++k) {
-        widen(m, los[k], his[k]);
+    // By halves, as leastLane() goes on: so all widths come to the same zero, if there are two.
+    for (std::size_t width = floats / 2; width != 0; width /= 2) {
+        for (std::size_t k = 0; k < width; ++k) {
+            lo[k] = least(lo[k], lo[k + width]);
+            hi[k] = most(hi[k], hi[k + width]);
+        }
     }
+    widen(m, leastLane<float>(lo[0]), mostLane<float>(hi[0]));
 }
 
-template <Domain::domain D, class R>
+template <Domain::domain D, Figures F, class R>
 void accumulateFloats(R run, Moments& m)
 {
     const std::size_t toLane0 = (Moments::lanes - m.position % Moments::lanes) % Moments::lanes;
     const std::size_t head = toLane0 < run.size ? toLane0 : run.size;
     const std::size_t blocks = (run.size - head) / Moments::lanes * Moments::lanes;
-    accumulateOneByOne(part(run, 0, head), m);
+    accumulateOneByOne<F>(part(run, 0, head), m);
     if (blocks != 0) {
-        accumulateBlocks<D>(part(run, head, blocks), m);
+        accumulateBlocks<D, F>(part(run, head, blocks), m);
     }
-    accumulateOneByOne(part(run, head + blocks, run.size - head - blocks), m);
+    accumulateOneByOne<F>(part(run, head + blocks, run.size - head - blocks), m);
 }
 
 /// The generic domain: one pixel after the other.
-template <class R>
+template <Figures F, class R>
 void accumulateGeneric(R run, Moments& m)
 {
     using T = typename R::Pixel;
@@ -307,12 +326,18 @@ void accumulateGeneric(R run, Moments& m)
         for (std::size_t i = 0; i < run.size; ++i) {
             if (counts(run, i)) {
                 const double x = run.pixels[i];
-                m.laneSums[0] += x;
-                m.laneSquares[0] += x * x;
+                if constexpr (F != Figures::Extremes) {
+                    m.laneSums[0] += x;
+                }
+                if constexpr (F == Figures::All) {
+                    m.laneSquares[0] += x * x;
+                }
                 ++selected;
             }
         }
-        widenInOrder(run, m);
+        if constexpr (F != Figures::Sum) {
+            widenInOrder(run, m);
+        }
     } else {
         constexpr std::size_t block = std::size_t{1} << 20; // of squares below 2^32, which fit 64 bits
         Totals totals;
@@ -335,27 +360,31 @@ void accumulateGeneric(R run, Moments& m)
             totals.sum += sum;
             totals.sumSq += sumSq;
         }
-        if (selected != 0) {
+        if (F != Figures::Sum && selected != 0) {
             widen(m, min, max);
         }
-        m.sum += totals.sum;
-        m.sumSq += totals.sumSq;
+        if constexpr (F != Figures::Extremes) {
+            m.sum += totals.sum;
+        }
+        if constexpr (F == Figures::All) {
+            m.sumSq += totals.sumSq;
+        }
     }
     m.selected += R::isMasked ? selected : 0;
 }
 
-template <class R, Domain::domain D>
+template <class R, Domain::domain D, Figures F = Figures::All>
 void accumulate(R run, Moments& m)
 {
     if (run.size == 0) {
         return;
     }
     if constexpr (D == Domain::eIS_Generic) {
-        accumulateGeneric(run, m);
+        accumulateGeneric<F>(run, m);
     } else if constexpr (isFloat<typename R::Pixel>) {
-        accumulateFloats<D>(run, m);
+        accumulateFloats<D, F>(run, m);
     } else {
-        accumulateIntegers<D>(run, m);
+        accumulateIntegers<D, F>(run, m);
     }
 }
 

@@ -10,8 +10,8 @@
 namespace orlix::imaproc::glbmsr
 {
 
-const KernelTables<HistogramKernel>& getHistogramKernels();
-const KernelTables<HistogramMaskKernel>& getHistogramMaskKernels();
+const KernelTables<HistogramKernels>& getHistogramKernels();
+const KernelTables<HistogramMaskKernels>& getHistogramMaskKernels();
 
 /// The counts of one strip, from the histogram's classes to its frequencies.
 class StripCounts

@@ -6,7 +6,7 @@
 namespace orlix::imaproc::glbmsr
 {
 
-const KernelTables<StatsKernel>& getStatsKernels();
-const KernelTables<StatsMaskKernel>& getStatsMaskKernels();
+const KernelTables<StatsKernels>& getStatsKernels();
+const KernelTables<StatsMaskKernels>& getStatsMaskKernels();
 
 } // namespace orlix::imaproc::glbmsr

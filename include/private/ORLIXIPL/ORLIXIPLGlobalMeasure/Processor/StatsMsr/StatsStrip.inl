@@ -3,6 +3,7 @@
 #pragma once
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Declare.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/MomentSums.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsKernelTables.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsLevels.hpp>
 
@@ -12,17 +13,6 @@
 
 namespace orlix::imaproc::glbmsr
 {
-
-/// In pairs, then pairs of pairs, ...: an order that does not depend on the instruction set.
-inline double addLanes(double (&lane)[Moments::lanes])
-{
-    for (std::size_t width = Moments::lanes / 2; width != 0; width /= 2) {
-        for (std::size_t k = 0; k < width; ++k) {
-            lane[k] += lane[k + width];
-        }
-    }
-    return lane[0];
-}
 
 template <class Self, class Strip, class... Mask>
 const auto& StatsStrip<Self, Strip, Mask...>::getKernels()
@@ -59,13 +49,8 @@ core::ProcessingResult StatsStrip<Self, Strip, Mask...>::genericProcessFunction(
             kernel({pixels, info.rowSize}, moments);
         }
     }
-    if constexpr (std::is_floating_point_v<T>) {
-        result.Sum = addLanes(moments.laneSums);
-        sumSq_ = addLanes(moments.laneSquares);
-    } else {
-        result.Sum = static_cast<double>(moments.sum);
-        sumSq_ = static_cast<double>(moments.sumSq);
-    }
+    result.Sum = getSum<T>(moments);
+    sumSq_ = getSumOfSquares<T>(moments);
     result.NbPixels = isMasked ? moments.selected : info.size;
     result.Min = moments.min;
     result.Max = moments.max;

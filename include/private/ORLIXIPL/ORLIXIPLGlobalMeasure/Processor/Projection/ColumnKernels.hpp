@@ -1,0 +1,33 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Columns.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelsByType.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// What is made of columns of pixels of type T. All take any part of the columns; sum, squares, least and most go on
+/// from what earlier parts left. All sets give the same bits.
+template <class T>
+struct ColumnKernel
+{
+    void (*sum)(Columns<T>, double* sums);
+    void (*squares)(Columns<T>, double* sums, double* sumsOfSquares);
+    void (*least)(Columns<T>, T* least); ///< m = m < x ? m : x
+    void (*most)(Columns<T>, T* most);   ///< m = m > x ? m : x
+    /// The pixels of rank count / 2, NaN coming after every number. `scratch` has `scratchBytes` for every pixel of a
+    /// column, and 64 more.
+    void (*median)(Columns<T>, unsigned char* scratch, T* medians);
+    std::size_t scratchBytes;
+};
+
+using ColumnKernels = KernelsByType<ColumnKernel>;
+
+// One table per kernel file, each usable only where its instruction set is.
+extern const ColumnKernels columnKernels_generic;
+extern const ColumnKernels columnKernels_sse2;
+extern const ColumnKernels columnKernels_avx; ///< float alone, and no median
+extern const ColumnKernels columnKernels_avx2;
+extern const ColumnKernels columnKernels_avx512;
+
+} // namespace orlix::imaproc::glbmsr

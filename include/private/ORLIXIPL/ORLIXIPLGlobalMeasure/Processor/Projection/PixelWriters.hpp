@@ -1,0 +1,39 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelsByType.hpp>
+
+#include <cstddef>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// How numbers and pixels become each other. All sets give the same bits.
+template <class T>
+struct PixelWriter
+{
+    /// Integers: rounded half away from zero (0.5 is added with the sign of the number, the rest cut off) and limited
+    /// to the range of T; NaN becomes 0. Float: narrowed.
+    void (*write)(const double* numbers, std::size_t size, T* pixels);
+    void (*read)(const T* pixels, std::size_t size, double* numbers);
+};
+
+/// What sums become; in place of them.
+struct ProjectionFinish
+{
+    void (*mean)(double* sums, std::size_t size, double count);
+    void (*variance)(double* sums, const double* squares, std::size_t size, double count); ///< (q - s s / n) / n
+    void (*deviation)(double* sums, const double* squares, std::size_t size, double count);
+};
+
+struct PixelWriters : KernelsByType<PixelWriter>
+{
+    ProjectionFinish finish;
+};
+
+// One table per kernel file, each usable only where its instruction set is.
+extern const PixelWriters pixelWriters_generic;
+extern const PixelWriters pixelWriters_sse2;
+extern const PixelWriters pixelWriters_avx2;
+extern const PixelWriters pixelWriters_avx512;
+
+} // namespace orlix::imaproc::glbmsr

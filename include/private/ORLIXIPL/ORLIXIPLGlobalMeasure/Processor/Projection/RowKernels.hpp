@@ -1,0 +1,35 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsKernels.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// What is made of rows of pixels of type T, beside what the statistics kernels make of them. A row may come in several
+/// runs; sums and extremes go on from what earlier runs left.
+template <class T>
+struct RowKernel
+{
+    StatsKernel<T> sum;      ///< fills in the sums of Moments alone
+    StatsKernel<T> extremes; ///< fills in minimum and maximum alone
+    /// The pixel of rank size / 2, NaN coming after every number. `scratch` has medianScratch(size) bytes.
+    T (*median)(Run<T>, unsigned char* scratch);
+};
+
+/// Room for the keys of a row and their bytes, filled up to whole groups of at most 64.
+template <class T>
+constexpr std::size_t medianScratch(std::size_t size)
+{
+    return (size + 64) * (sizeof(T) + 1) + 64;
+}
+
+using RowKernels = KernelsByType<RowKernel>;
+
+// One table per kernel file, each usable only where its instruction set is.
+extern const RowKernels rowKernels_generic;
+extern const RowKernels rowKernels_sse2;
+extern const RowKernels rowKernels_avx; ///< float alone, and no median
+extern const RowKernels rowKernels_avx2;
+extern const RowKernels rowKernels_avx512;
+
+} // namespace orlix::imaproc::glbmsr

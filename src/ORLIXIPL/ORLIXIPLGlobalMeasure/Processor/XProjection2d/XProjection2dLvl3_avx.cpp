@@ -1,0 +1,16 @@
+#include "ColumnKernel.inl"
+
+namespace orlix::imaproc::glbmsr
+{
+
+extern const ColumnKernels columnKernels_avx{
+    {},
+    {},
+    {},
+    {},
+    {},
+    {},
+    {{&columnSum<float, Domain::eIS_AVX>, &columnSquares<float, Domain::eIS_AVX>, &columnLeast<float>,
+      &columnMost<float>, nullptr, 0}}};
+
+} // namespace orlix::imaproc::glbmsr
