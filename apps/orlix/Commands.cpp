@@ -138,7 +138,7 @@ struct Verb
     const char* name;
     const char* help;
     Report (*run)(const Options&);
-    bool takesImage = true;
+    int images = 1;
     Per per = Per::None;
     bool takesMask = false;
     bool takesClasses = false;
@@ -165,6 +165,20 @@ constexpr Verb verbs[] = {
      .run = &runEntropy,
      .takesClasses = true},
     {.name = "count", .help = "number of objects in a label image", .run = &runCount, .per = Per::Parts},
+    {.name = "ncc",
+     .help = "normalized cross correlation of two images",
+     .run = &runNcc,
+     .images = 2,
+     .per = Per::Parts},
+    {.name = "pearson",
+     .help = "Pearson correlation of two images: times the number of pixels, and the coefficient r",
+     .run = &runPearson,
+     .images = 2,
+     .per = Per::Parts},
+    {.name = "similarity",
+     .help = "squared differences of two images, their mean and the peak signal-to-noise ratio",
+     .run = &runSimilarity,
+     .images = 2},
     {.name = "project",
      .help = "a statistic of the pixels along x, y, z or the time",
      .run = &runProject,
@@ -173,12 +187,11 @@ constexpr Verb verbs[] = {
     {.name = "processors",
      .help = "the processor classes and their kernels",
      .run = &runProcessors,
-     .takesImage = false,
+     .images = 0,
      .forPeople = &summariseKernels},
 };
 
-constexpr std::string_view laterVerbs[] = {"noise",   "kde",    "ncc",        "pearson", "similarity",
-                                           "percent", "locate", "paraboloid", "report"};
+constexpr std::string_view laterVerbs[] = {"noise", "kde", "percent", "locate", "paraboloid", "report"};
 
 CLI::Validator finiteAbove(double least)
 {
@@ -194,8 +207,11 @@ CLI::Validator finiteAbove(double least)
 
 void addOptions(CLI::App& command, const Verb& verb, Options& options)
 {
-    if (verb.takesImage) {
+    if (verb.images > 0) {
         command.add_option("IMAGE", options.image, "a TIFF file")->required();
+    }
+    if (verb.images > 1) {
+        command.add_option("IMAGE2", options.image2, "another one, of the same size")->required();
     }
     command.add_option("--pages", options.pages, "how the pages nest, fastest first, such as z=4,c=2,t=3")
         ->type_name("ORDER");

@@ -13,7 +13,12 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramMsr.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr2d/HistogramMsr2d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr3d/HistogramMsr3d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/NormalizedCrossCorrelationMsr2d/NormalizedCrossCorrelationMsr2d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/NormalizedCrossCorrelationMsr3d/NormalizedCrossCorrelationMsr3d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/PearsonCorrelationCoefficient2d/PearsonCorrelationCoefficient2d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/PearsonCorrelationCoefficient3d/PearsonCorrelationCoefficient3d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SeqProjectionImg/SeqProjectionImg.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SimilarityMsr/SimilarityMsr.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMaskMsr/StatsMaskMsr.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMaskMsr2d/StatsMaskMsr2d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMaskMsr3d/StatsMaskMsr3d.hpp>
@@ -80,20 +85,30 @@ struct Inputs
         const TiffFile file{options.image, options.pages};
         image = asNumbers(file.read());
         report.images.emplace_back("image", describeImage(options.image, file.getType(), file.getGeometry()));
-        if (options.mask.empty()) {
-            return;
+        if (!options.image2.empty()) {
+            image2 = asNumbers(readOther(options, options.image2, "image2"));
         }
-        const TiffFile maskFile{options.mask, options.pages};
-        if (!(maskFile.getGeometry() == file.getGeometry())) {
-            throw FileError{options.mask + ": the mask has " + toString(maskFile.getGeometry()) + ", but " +
-                            options.image + " has " + toString(file.getGeometry()) + ": both need the same size"};
+        if (!options.mask.empty()) {
+            mask = asMask(options.mask, *readOther(options, options.mask, "mask"));
         }
-        mask = asMask(options.mask, *maskFile.read());
-        report.images.emplace_back("mask", describeImage(options.mask, maskFile.getType(), maskFile.getGeometry()));
+    }
+
+    /// Another image, which has the size of the first.
+    Ptr<const BaseImage> readOther(const Options& options, const std::string& path, const std::string& role)
+    {
+        const TiffFile file{path, options.pages};
+        const image::ImageGeometry& size = image->getGeometry();
+        if (!(file.getGeometry() == size)) {
+            throw FileError{path + ": it has " + toString(file.getGeometry()) + ", but " + options.image + " has " +
+                            toString(size) + ": both need the same size"};
+        }
+        report.images.emplace_back(role, describeImage(path, file.getType(), size));
+        return file.read();
     }
 
     Ptr<const BaseImage> image;
-    Ptr<const BaseImage> mask; ///< null: none
+    Ptr<const BaseImage> image2; ///< null: none
+    Ptr<const BaseImage> mask;   ///< null: none
     Report report;
 };
 
@@ -116,21 +131,31 @@ std::vector<Json> listResults(const Collection& collection, ePlanKind kind)
     return rows;
 }
 
-/// Measures the whole image, its plans or its volumes, as `--per` says. `name` is the measure of the whole image.
+/// Measures the plans of an image or, if `--per` says so, its volumes.
+template <class Plans, class Volumes>
+Report reportParts(const Options& options, Report report, const std::string& ofPlans, Plans plans,
+                   const std::string& ofVolumes, Volumes volumes)
+{
+    if (options.per == "volume") {
+        report.measure = ofVolumes;
+        report.results = listResults(*volumes(), ePlanKind::ePK_Volume3d);
+    } else {
+        report.measure = ofPlans;
+        report.results = listResults(*plans(), ePlanKind::ePK_Plan2d);
+    }
+    return report;
+}
+
+/// Measures the whole image or, if `--per` says so, its plans or volumes. `name` is the measure of the whole image.
 template <class Whole, class Plans, class Volumes>
 Report reportPer(const Options& options, Report report, const std::string& name, Whole whole, Plans plans,
                  Volumes volumes)
 {
-    if (options.per == "plan") {
-        report.measure = name + "2d";
-        report.results = listResults(*plans(), ePlanKind::ePK_Plan2d);
-    } else if (options.per == "volume") {
-        report.measure = name + "3d";
-        report.results = listResults(*volumes(), ePlanKind::ePK_Volume3d);
-    } else {
-        report.measure = name;
-        report.results = {toJson(*whole())};
+    if (!options.per.empty() && options.per != "image") {
+        return reportParts(options, std::move(report), name + "2d", plans, name + "3d", volumes);
     }
+    report.measure = name;
+    report.results = {toJson(*whole())};
     return report;
 }
 
@@ -275,20 +300,50 @@ Report runProject(const Options& options)
 
 Report runCount(const Options& options)
 {
-    Inputs inputs{options};
-    Report& report = inputs.report;
-    if (options.per == "volume") {
-        report.measure = "counting3dMsr";
-        report.results = listResults(*multiSlice_counting3dMsr(inputs.image), ePlanKind::ePK_Volume3d);
-    } else {
-        report.measure = "counting2dMsr";
-        report.results = listResults(*multiSlice_counting2dMsr(inputs.image), ePlanKind::ePK_Plan2d);
-    }
+    const Inputs inputs{options};
+    Report report = reportParts(
+        options, inputs.report, "counting2dMsr", [&] { return multiSlice_counting2dMsr(inputs.image); },
+        "counting3dMsr", [&] { return multiSlice_counting3dMsr(inputs.image); });
     for (Json& row : report.results) {
         row["Count"] = row["Value"];
         row.erase("Value");
     }
     return report;
+}
+
+Report runNcc(const Options& options)
+{
+    const Inputs inputs{options};
+    return reportParts(
+        options, inputs.report, "normalizedCrossCorrelationMsr2d",
+        [&] { return multiSlice_normalizedCrossCorrelationMsr2d(inputs.image, inputs.image2); },
+        "normalizedCrossCorrelationMsr3d",
+        [&] { return multiSlice_normalizedCrossCorrelationMsr3d(inputs.image, inputs.image2); });
+}
+
+Report runPearson(const Options& options)
+{
+    const Inputs inputs{options};
+    Report report = reportParts(
+        options, inputs.report, "pearsonCorrelationCoefficient2d",
+        [&] { return multiSlice_pearsonCorrelationCoefficient2d(inputs.image, inputs.image2); },
+        "pearsonCorrelationCoefficient3d",
+        [&] { return multiSlice_pearsonCorrelationCoefficient3d(inputs.image, inputs.image2); });
+    // The library's value is the number of pixels times r.
+    const ePlanKind kind = options.per == "volume" ? ePlanKind::ePK_Volume3d : ePlanKind::ePK_Plan2d;
+    const auto pixels = static_cast<double>(getSubGeometry(inputs.image->getGeometry(), kind).nbPixels());
+    for (Json& row : report.results) {
+        row["r"] = row["PearsonCC"].is_number() ? toJson(row["PearsonCC"].get<double>() / pixels) : row["PearsonCC"];
+    }
+    return report;
+}
+
+Report runSimilarity(const Options& options)
+{
+    Inputs inputs{options};
+    inputs.report.measure = "similarityMsr";
+    inputs.report.results = {toJson(*similarityMsr(inputs.image, inputs.image2))};
+    return inputs.report;
 }
 
 } // namespace orlix::app

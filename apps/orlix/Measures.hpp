@@ -13,5 +13,8 @@ Report runHistogram(const Options& options);
 Report runEntropy(const Options& options);
 Report runCount(const Options& options);
 Report runProject(const Options& options);
+Report runNcc(const Options& options);
+Report runPearson(const Options& options);
+Report runSimilarity(const Options& options);
 
 } // namespace orlix::app

@@ -10,6 +10,7 @@ namespace orlix::app
 struct Options
 {
     std::string image;
+    std::string image2;
     std::string mask;
     std::string pages;
     std::string per; ///< empty: the verb's default

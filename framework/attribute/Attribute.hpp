@@ -178,10 +178,10 @@ public:
         if (!archive.has(Self::name)) {
             return {};
         }
-        T value{};
+        std::conditional_t<std::is_floating_point_v<T>, double, T> value{};
         core::ProcessingResult result = archive.read(Self::name, value);
         if (result) {
-            this->init(value);
+            this->init(static_cast<T>(value));
         }
         return result;
     }

@@ -161,4 +161,78 @@ public:
     static constexpr const char* name = "InMaskZStrip3d";
 };
 
+// The first and the second of two images.
+
+class ORLIX_API InImg1 final : public ImageInput<InImg1, image::ePlanKind::ePK_Plan2d, eExtent::eE_AllPlans>
+{
+public:
+    static constexpr const char* name = "InImg1";
+};
+
+class ORLIX_API InImg3d1 final : public ImageInput<InImg3d1, image::ePlanKind::ePK_Volume3d, eExtent::eE_AllPlans>
+{
+public:
+    static constexpr const char* name = "InImg3d1";
+};
+
+class ORLIX_API InSubImg2d1 final : public ImageInput<InSubImg2d1, image::ePlanKind::ePK_Plan2d, eExtent::eE_OnePlan>
+{
+public:
+    static constexpr const char* name = "InSubImg2d1";
+};
+
+class ORLIX_API InSubImg3d1 final : public ImageInput<InSubImg3d1, image::ePlanKind::ePK_Volume3d, eExtent::eE_OnePlan>
+{
+public:
+    static constexpr const char* name = "InSubImg3d1";
+};
+
+class ORLIX_API InYStrip2d1 final : public StripInput<InYStrip2d1, image::YStrip2d>
+{
+public:
+    static constexpr const char* name = "InYStrip2d1";
+};
+
+class ORLIX_API InZStrip3d1 final : public StripInput<InZStrip3d1, image::ZStrip3d>
+{
+public:
+    static constexpr const char* name = "InZStrip3d1";
+};
+
+class ORLIX_API InImg2 final : public ImageInput<InImg2, image::ePlanKind::ePK_Plan2d, eExtent::eE_AllPlans>
+{
+public:
+    static constexpr const char* name = "InImg2";
+};
+
+class ORLIX_API InImg3d2 final : public ImageInput<InImg3d2, image::ePlanKind::ePK_Volume3d, eExtent::eE_AllPlans>
+{
+public:
+    static constexpr const char* name = "InImg3d2";
+};
+
+class ORLIX_API InSubImg2d2 final : public ImageInput<InSubImg2d2, image::ePlanKind::ePK_Plan2d, eExtent::eE_OnePlan>
+{
+public:
+    static constexpr const char* name = "InSubImg2d2";
+};
+
+class ORLIX_API InSubImg3d2 final : public ImageInput<InSubImg3d2, image::ePlanKind::ePK_Volume3d, eExtent::eE_OnePlan>
+{
+public:
+    static constexpr const char* name = "InSubImg3d2";
+};
+
+class ORLIX_API InYStrip2d2 final : public StripInput<InYStrip2d2, image::YStrip2d>
+{
+public:
+    static constexpr const char* name = "InYStrip2d2";
+};
+
+class ORLIX_API InZStrip3d2 final : public StripInput<InZStrip3d2, image::ZStrip3d>
+{
+public:
+    static constexpr const char* name = "InZStrip3d2";
+};
+
 } // namespace orlix::imaproc::attr

@@ -141,6 +141,16 @@ protected:
     virtual std::size_t retrieveSequenceInfo() const { return 1; }
     /// The processor, with its inputs set, that stage `index` before the last one runs; null skips the stage.
     virtual Ptr<BaseProcessor> makeStage(std::size_t index) { return (void)index, nullptr; }
+    /// A processor of another class to run as a stage, with this one's policy; A are its inputs.
+    template <class Stage, class... A>
+    Ptr<Stage> makeStageProcessor(const typename A::Storage&... inputs) const
+    {
+        auto stage = makePtr<Stage>();
+        (void)stage->init(eProcessorRulePolicy::eRP_CheckRules);
+        stage->setDispatchPolicy(getDispatchPolicy());
+        (stage->template set<A>(inputs), ...);
+        return stage;
+    }
     /// The provider of stage `index` of `count`; a null provider skips the stage.
     virtual core::ProcessingResult retrieveProvider(ePriority priority, std::size_t index, std::size_t count,
                                                     Ptr<ActionProvider>& provider);

@@ -257,15 +257,22 @@ protected:
 
     core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override
     {
+        provider = makeStripsProvider(priority);
+        return {};
+    }
+
+    /// The provider of the strips; `more` are splits of values that are none of the inputs.
+    template <class... More>
+    Ptr<ActionProvider> makeStripsProvider(ePriority priority, More... more)
+    {
         const image::BaseImage& image = this->template value<Image>();
         const std::size_t minBytes = this->getMinStripPixels() * image.getPixelSize();
         cut_.emplace(StripCut::of<Strip>(image, std::max(this->getDispatchPolicy().stripBytes, minBytes), 1));
         results_.begin(this->template attribute<typename Output::Source>(), cut_->size());
-        provider = makeDynamicDispatcher<Child>(
-            priority, this->getDispatchPolicy(), cut_->size(), results_.template split<Child>(),
+        return makeDynamicDispatcher<Child>(
+            priority, this->getDispatchPolicy(), cut_->size(), results_.template split<Child>(), std::move(more)...,
             detail::splitByStrip<Child, typename Inputs::Source, typename Inputs::Target>(
                 this->template attribute<typename Inputs::Source>(), *cut_)...);
-        return {};
     }
 
     core::ProcessingResult postProcess() override

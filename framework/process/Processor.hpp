@@ -228,12 +228,16 @@ public:
 
 protected:
     /// Enters Self's kernels of every domain that this machine has, for those pixel types of which
-    /// `exists(std::type_identity<T>, domain)`.
+    /// `exists(std::type_identity<T>, domain)`; all strips but masks have that type.
     template <class Exists>
     static void registerKernels(AlgorithmFunctionSelector& selector, Exists exists)
     {
         forEachKernel(exists, [&]<class T, core::eInstructionSet::domain Set>(Kernel<T, Set>) {
-            registerKernel<T, Set>(selector, {identify<T>()});
+            image::DataTypeIdentifierColl types;
+            for (std::size_t i = 0; i < nbTypedStrips; ++i) {
+                types.add(identify<T>());
+            }
+            registerKernel<T, Set>(selector, types);
         });
     }
 
@@ -266,6 +270,10 @@ private:
     struct Kernel
     {
     };
+
+    template <class A>
+    static constexpr bool isTypedStrip = attr::StripAttribute<A> && !attr::MaskAttribute<A>;
+    static constexpr std::size_t nbTypedStrips = (std::size_t{isTypedStrip<Attributes>} + ...);
 
     template <class T>
     static constexpr image::ImageBufferTypeIdentifier identify()

@@ -25,6 +25,7 @@ enum class eProcessorMessage : unsigned
     eNotShared = 14,          ///< processor
     eUnequalSizes = 15,       ///< attribute, geometry, attribute, geometry
     eWrongOutputSize = 16,    ///< output attribute, geometry, geometry needed, input attribute, geometry
+    eUnequalTypes = 17,       ///< attribute, pixel type, attribute, pixel type
     eUninitialisedAccess = 33 ///< processor
 };
 

@@ -83,4 +83,18 @@ Rule matchSize(const attr::BaseAttribute& first, const attr::BaseAttribute& seco
     }};
 }
 
+Rule matchType(const attr::BaseAttribute& first, const attr::BaseAttribute& second)
+{
+    return Rule{[&first, &second]() -> ProcessingResult {
+        const image::BaseImage* const one = first.getImage();
+        const image::BaseImage* const other = second.getImage();
+        if (one == nullptr || other == nullptr || one->getType() == other->getType()) {
+            return {};
+        }
+        return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eUnequalTypes, second.getName(),
+                                                             image::getName(other->getType()), first.getName(),
+                                                             image::getName(one->getType())));
+    }};
+}
+
 } // namespace orlix::imaproc

@@ -68,4 +68,7 @@ Rule matchOutputSize(const Output& output, const Input& input)
 /// Both images have the same size; satisfied where one is not set. The attributes outlive the rule.
 ORLIX_API Rule matchSize(const attr::BaseAttribute& first, const attr::BaseAttribute& second);
 
+/// Both images have the same pixel type; satisfied where one is not set. The attributes outlive the rule.
+ORLIX_API Rule matchType(const attr::BaseAttribute& first, const attr::BaseAttribute& second);
+
 } // namespace orlix::imaproc

@@ -456,6 +456,29 @@ TEST_F(CommandTest, AMaskSelects)
               "histogramMaskMsr3d");
 }
 
+TEST_F(CommandTest, ComparesTwoImages)
+{
+    const std::string first = write("first.tif", 2, {});
+    const std::string second = write("second.tif", 2, {.bits = 16});
+    const Outcome ncc = run({"ncc", first, second, "--json"});
+    EXPECT_EQ(ncc.json()["measure"], "normalizedCrossCorrelationMsr2d");
+    EXPECT_EQ(ncc.json()["image2"]["type"], "uint16");
+    EXPECT_EQ(ncc.json()["results"].size(), 2u);
+    EXPECT_NEAR(ncc.result(1)["Correlation"].get<double>(), 1, 1e-6);
+    const Outcome pearson = run({"pearson", first, second, "--per", "volume", "--json"});
+    EXPECT_EQ(pearson.json()["measure"], "pearsonCorrelationCoefficient3d");
+    EXPECT_NEAR(pearson.result()["PearsonCC"].get<double>(), 2 * width * height, 1e-6);
+    EXPECT_NEAR(pearson.result()["r"].get<double>(), 1, 1e-9);
+    const Outcome similarity = run({"similarity", first, first, "--json"});
+    EXPECT_EQ(similarity.json()["measure"], "similarityMsr");
+    EXPECT_EQ(similarity.result(), (Json{{"NbPixels", 2 * width * height},
+                                         {"SumSquaredDiff", 0},
+                                         {"MSE", 0},
+                                         {"PSNR", std::numeric_limits<double>::max()}}));
+    EXPECT_NE(run({"similarity", first, second}).error.find("a uint16 image, but InImg1 a uint8 image"),
+              std::string::npos);
+}
+
 // Profiles are numbers, one list per plan; along z and t an image comes out, which reads back with the axes that
 // remain.
 TEST_F(CommandTest, ProjectsAlongEveryAxis)
@@ -591,8 +614,11 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         {{"project", good, "--axis", "z", "--stat", "max", "-o", good}, 1, "it is the image that is read"},
         {{"project", good, "--axis", "z", "--stat", "max", "-o", "/dev/null"}, 1, "it is no regular file"},
         {{"project", cut, "--axis", "z", "--stat", "max", "-o", path("x.tif")}, 1, "cut.tif"},
+        {{"ncc", good}, 2, "IMAGE2 is required"},
+        {{"similarity", good, good, "--per", "plan"}, 2, "--per"},
+        {{"pearson", good, one}, 1, "one.tif: it has 21 x 10 x 1 x 1 x 1 (x, y, z, c, t), but"},
         {{"stats", good, "--mask", path("none.tif")}, 1, "none.tif: No such file or directory"},
-        {{"stats", good, "--mask", one}, 1, "one.tif: the mask has 21 x 10 x 1 x 1 x 1 (x, y, z, c, t), but"},
+        {{"stats", good, "--mask", one}, 1, "one.tif: it has 21 x 10 x 1 x 1 x 1 (x, y, z, c, t), but"},
         {{"stats", floats, "--mask", floats}, 1, "f.tif: a float32 image is no mask"},
         {{"stats", ome}, 1, "ome.tif: its OME axes want 2 pages, where there are 1"},
     };

@@ -91,6 +91,21 @@ const std::map<std::string, unsigned> toolTips{
     {"YProjectionVar2dLvl3", 110},
     {"ZProjectionImgLvl1", 111},
     {"ZProjectionImgLvl2", 112},
+    {"NormalizedCrossCorrelationMsr2dLvl1", 41},
+    {"NormalizedCrossCorrelationMsr2dLvl2", 42},
+    {"NormalizedCrossCorrelationMsr2dLvl3", 43},
+    {"NormalizedCrossCorrelationMsr3dLvl1", 44},
+    {"NormalizedCrossCorrelationMsr3dLvl2", 45},
+    {"NormalizedCrossCorrelationMsr3dLvl3", 46},
+    {"PearsonCorrelationCoefficient2dLvl1", 50},
+    {"PearsonCorrelationCoefficient2dLvl2", 51},
+    {"PearsonCorrelationCoefficient2dLvl3", 52},
+    {"PearsonCorrelationCoefficient3dLvl1", 53},
+    {"PearsonCorrelationCoefficient3dLvl2", 54},
+    {"PearsonCorrelationCoefficient3dLvl3", 55},
+    {"SimilarityMsrLvl1", 66},
+    {"SimilarityMsrLvl2", 67},
+    {"SimilarityMsrLvl3", 68},
     {"StatsMsrLvl1", 87},
     {"StatsMsrLvl2", 88},
     {"StatsMsrLvl3", 89},
@@ -172,14 +187,16 @@ TEST(Registry, KernelsFollowTheMachine)
                 }
             }
             // One for every type, or for every pair of types.
-            const std::size_t each = info.objectName.starts_with("SeqProjection") ? 49 : 7;
+            const auto starts = [&](const char* name) { return info.objectName.starts_with(name); };
+            const bool ofPairs = starts("SeqProjection") || starts("NormalizedCross") || starts("Pearson");
+            const std::size_t each = ofPairs ? 49 : 7;
             const bool isGeneric = info.objectName.find("ProjectionMedian2d") != std::string::npos;
             EXPECT_EQ(kernels[Set::eIS_Generic], each);
             for (const Set::domain set : {Set::eIS_SSE2, Set::eIS_AVX2, Set::eIS_AVX512}) {
                 EXPECT_EQ(kernels[set], core::isAvailable(set) && !isGeneric ? each : 0) << core::getName(set);
             }
-            const bool hasAvx =
-                core::isAvailable(Set::eIS_AVX) && each == 7 && !isGeneric && !info.objectName.starts_with("StatsMask");
+            const bool hasAvx = core::isAvailable(Set::eIS_AVX) && !ofPairs && !isGeneric && !starts("StatsMask") &&
+                                !starts("Similarity");
             EXPECT_EQ(kernels[Set::eIS_AVX], hasAvx ? 1u : 0u);
         }
     }

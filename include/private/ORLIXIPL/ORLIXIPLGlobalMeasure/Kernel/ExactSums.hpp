@@ -51,6 +51,18 @@ ORLIX_KERNEL Pack<Canonical<T>, D> loadCanonical(const T* pixels)
     }
 }
 
+/// Holds a sum of squares of 2^20 pixels of `Size` bytes.
+template <std::size_t Size>
+struct SquaresOf
+{
+    using Type = std::uint64_t;
+};
+template <>
+struct SquaresOf<4>
+{
+    using Type = Int128;
+};
+
 /// Sums over canonical pixels.
 struct Totals
 {

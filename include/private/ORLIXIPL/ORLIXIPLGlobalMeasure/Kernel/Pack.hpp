@@ -342,31 +342,44 @@ ORLIX_KERNEL P addSquare(P sum, P x)
     return sum + x * x;
 }
 
-/// The lowest lane, for lanes without NaN.
+/// Lane 0 of what `combine` makes of all lanes: the upper half of them with the lower half, and so on.
+template <class Lane, class P, class Combine>
+ORLIX_KERNEL Lane combineLanes(P pack, Combine combine)
+{
+    using Sixteen = typename PackOf<Lane, 16>::Type;
+    Sixteen part[sizeof(P) / 16];
+    __builtin_memcpy(part, &pack, sizeof(P));
+    for (std::size_t width = sizeof(P) / 32; width != 0; width /= 2) {
+        for (std::size_t k = 0; k < width; ++k) {
+            part[k] = combine(part[k], part[k + width]);
+        }
+    }
+    Sixteen x = part[0];
+    x = combine(x, (Sixteen)_mm_srli_si128((__m128i)x, 8));
+    if constexpr (sizeof(Lane) <= 4) {
+        x = combine(x, (Sixteen)_mm_srli_si128((__m128i)x, 4));
+    }
+    if constexpr (sizeof(Lane) <= 2) {
+        x = combine(x, (Sixteen)_mm_srli_si128((__m128i)x, 2));
+    }
+    if constexpr (sizeof(Lane) == 1) {
+        x = combine(x, (Sixteen)_mm_srli_si128((__m128i)x, 1));
+    }
+    return x[0];
+}
+
+/// The lowest and the highest lane, for lanes without NaN.
 template <class Lane, class P>
 ORLIX_KERNEL Lane leastLane(P pack)
 {
-    Lane lane[sizeof(P) / sizeof(Lane)];
-    __builtin_memcpy(lane, &pack, sizeof(P));
-    for (std::size_t width = sizeof(P) / sizeof(Lane) / 2; width != 0; width /= 2) {
-        for (std::size_t k = 0; k < width; ++k) {
-            lane[k] = lane[k] < lane[k + width] ? lane[k] : lane[k + width];
-        }
-    }
-    return lane[0];
+    return combineLanes<Lane>(
+        pack, [](auto a, auto b) __attribute__((always_inline)) { return least(a, b); });
 }
-
 template <class Lane, class P>
 ORLIX_KERNEL Lane mostLane(P pack)
 {
-    Lane lane[sizeof(P) / sizeof(Lane)];
-    __builtin_memcpy(lane, &pack, sizeof(P));
-    for (std::size_t width = sizeof(P) / sizeof(Lane) / 2; width != 0; width /= 2) {
-        for (std::size_t k = 0; k < width; ++k) {
-            lane[k] = lane[k] > lane[k + width] ? lane[k] : lane[k + width];
-        }
-    }
-    return lane[0];
+    return combineLanes<Lane>(
+        pack, [](auto a, auto b) __attribute__((always_inline)) { return most(a, b); });
 }
 
 /// The sum of all lanes, seen as numbers of type Lane.

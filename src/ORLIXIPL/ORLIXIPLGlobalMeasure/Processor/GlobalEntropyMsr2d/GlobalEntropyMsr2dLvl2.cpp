@@ -25,10 +25,7 @@ Ptr<BaseProcessor> GlobalEntropyMsr2dLvl2::makeStage(std::size_t)
     if (attribute<InOptHistoMsrParams>().isSet()) {
         return nullptr;
     }
-    statistics_ = makePtr<StatsMsr2dLvl2>();
-    (void)statistics_->init(eProcessorRulePolicy::eRP_CheckRules);
-    statistics_->setDispatchPolicy(getDispatchPolicy());
-    statistics_->set<InSubImg2d>(attribute<InSubImg2d>().get());
+    statistics_ = makeStageProcessor<StatsMsr2dLvl2, InSubImg2d>(attribute<InSubImg2d>().get());
     return statistics_;
 }
 
@@ -56,11 +53,8 @@ Ptr<const HistoMsrParams> GlobalEntropyMsr2dLvl2::chooseParams() const
 
 core::ProcessingResult GlobalEntropyMsr2dLvl2::retrieveProvider(ePriority, Ptr<ActionProvider>& provider)
 {
-    histogram_ = makePtr<HistogramMsr2dLvl2>();
-    (void)histogram_->init(eProcessorRulePolicy::eRP_CheckRules);
-    histogram_->setDispatchPolicy(getDispatchPolicy());
-    histogram_->set<InSubImg2d>(attribute<InSubImg2d>().get());
-    histogram_->set<InOptHistoMsrParams>(chooseParams());
+    histogram_ = makeStageProcessor<HistogramMsr2dLvl2, InSubImg2d, InOptHistoMsrParams>(attribute<InSubImg2d>().get(),
+                                                                                         chooseParams());
     provider = makeSingleActionProvider(histogram_);
     return {};
 }

@@ -19,21 +19,17 @@ namespace
 enum class Figures
 {
     All,
+    Sums, ///< of pixels and of their squares
     Sum,
     Extremes
 };
 
-/// Holds a sum of squares of 2^20 pixels of `Size` bytes.
-template <std::size_t Size>
-struct SquaresOf
-{
-    using Type = std::uint64_t;
-};
-template <>
-struct SquaresOf<4>
-{
-    using Type = Int128;
-};
+template <Figures F>
+inline constexpr bool hasSum = F != Figures::Extremes;
+template <Figures F>
+inline constexpr bool hasSquares = F == Figures::All || F == Figures::Sums;
+template <Figures F>
+inline constexpr bool hasExtremes = F == Figures::All || F == Figures::Extremes;
 
 ORLIX_KERNEL void widen(Moments& m, double lo, double hi)
 {
@@ -153,12 +149,12 @@ void accumulateIntegers(R run, Moments& m)
     if (R::isMasked && selected == 0) {
         return;
     }
-    if constexpr (F != Figures::Sum) {
+    if constexpr (hasExtremes<F>) {
         const Y min = leastLane<Y>(least(lo[0], lo[1]));
         const Y max = mostLane<Y>(most(hi[0], hi[1]));
         widen(m, double(std::int64_t{min} + bias<T>), double(std::int64_t{max} + bias<T>));
     }
-    if constexpr (F == Figures::Extremes) {
+    if constexpr (!hasSum<F>) {
         return;
     }
     if (!R::isMasked && rest != 0) {
@@ -170,7 +166,7 @@ void accumulateIntegers(R run, Moments& m)
     const Int128 n = R::isMasked ? selected : run.size;
     m.selected += selected;
     m.sum += totals.sum + n * bias<T>;
-    if constexpr (F == Figures::All) {
+    if constexpr (hasSquares<F>) {
         m.sumSq += totals.sumSq + 2 * Int128{bias<T>} * totals.sum + n * bias<T> * bias<T>;
     }
 }
@@ -190,19 +186,19 @@ ORLIX_KERNEL void widenInOrder(R run, Moments& m)
 template <Figures F, class R>
 ORLIX_KERNEL void accumulateOneByOne(R run, Moments& m)
 {
-    if constexpr (F != Figures::Extremes) {
+    if constexpr (hasSum<F>) {
         for (std::size_t i = 0; i < run.size; ++i, ++m.position) {
             if (counts(run, i)) {
                 const double x = run.pixels[i];
                 m.laneSums[m.position % Moments::lanes] += x;
-                if constexpr (F == Figures::All) {
+                if constexpr (hasSquares<F>) {
                     m.laneSquares[m.position % Moments::lanes] += x * x;
                 }
                 m.selected += R::isMasked;
             }
         }
     }
-    if constexpr (F != Figures::Sum) {
+    if constexpr (hasExtremes<F>) {
         widenInOrder(run, m);
     }
 }
@@ -225,10 +221,10 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
     }
     const auto add = [&](std::size_t k, Doubles x) __attribute__((always_inline))
     {
-        if constexpr (F != Figures::Extremes) {
+        if constexpr (hasSum<F>) {
             sum[k] += x;
         }
-        if constexpr (F == Figures::All) {
+        if constexpr (hasSquares<F>) {
             sumSq[k] = addSquare<D>(sumSq[k], x);
         }
     };
@@ -263,13 +259,13 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
                 const Floats x = load<Floats>(pixels + k * lanes<float, D>);
                 lo[k] = least(lo[k], x);
                 hi[k] = most(hi[k], x);
-                if constexpr (F == Figures::Extremes) {
+                if constexpr (!hasSum<F>) {
                     unordered |= x != x;
                 }
             }
         }
     }
-    if constexpr (F != Figures::Extremes) {
+    if constexpr (hasSum<F>) {
         __builtin_memcpy(m.laneSums, sum, sizeof sum);
         __builtin_memcpy(m.laneSquares, sumSq, sizeof sumSq);
         m.position += run.size;
@@ -282,7 +278,7 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
         }
     }
 
-    if constexpr (F == Figures::Sum) {
+    if constexpr (!hasExtremes<F>) {
         return;
     }
     double total = 0;
@@ -326,16 +322,16 @@ void accumulateGeneric(R run, Moments& m)
         for (std::size_t i = 0; i < run.size; ++i) {
             if (counts(run, i)) {
                 const double x = run.pixels[i];
-                if constexpr (F != Figures::Extremes) {
+                if constexpr (hasSum<F>) {
                     m.laneSums[0] += x;
                 }
-                if constexpr (F == Figures::All) {
+                if constexpr (hasSquares<F>) {
                     m.laneSquares[0] += x * x;
                 }
                 ++selected;
             }
         }
-        if constexpr (F != Figures::Sum) {
+        if constexpr (hasExtremes<F>) {
             widenInOrder(run, m);
         }
     } else {
@@ -360,13 +356,13 @@ void accumulateGeneric(R run, Moments& m)
             totals.sum += sum;
             totals.sumSq += sumSq;
         }
-        if (F != Figures::Sum && selected != 0) {
+        if (hasExtremes<F> && selected != 0) {
             widen(m, min, max);
         }
-        if constexpr (F != Figures::Extremes) {
+        if constexpr (hasSum<F>) {
             m.sum += totals.sum;
         }
-        if constexpr (F == Figures::All) {
+        if constexpr (hasSquares<F>) {
             m.sumSq += totals.sumSq;
         }
     }

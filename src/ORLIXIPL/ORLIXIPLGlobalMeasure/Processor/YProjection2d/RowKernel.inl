@@ -47,8 +47,8 @@ T rowMedian(Run<T> run, unsigned char* scratch)
 
 /// The kernels of one type of a vector set.
 template <class T, Domain::domain D>
-constexpr RowKernel<T> rowKernel{&accumulate<Run<T>, D, Figures::Sum>, &accumulate<Run<T>, D, Figures::Extremes>,
-                                 &rowMedian<T, D>};
+constexpr RowKernel<T> rowKernel{&accumulate<Run<T>, D, Figures::Sum>, &accumulate<Run<T>, D, Figures::Sums>,
+                                 &accumulate<Run<T>, D, Figures::Extremes>, &rowMedian<T, D>};
 
 template <Domain::domain D>
 constexpr RowKernels everyRowKernel{

@@ -3,7 +3,6 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Declare.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Projection/ProjectionTables.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/MomentSums.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsKernelTables.hpp>
 
 #include <cmath>
 #include <limits>
@@ -29,7 +28,7 @@ namespace
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
 template <eProjStatType Statistic, class T>
-double reduceRow(Run<T> row, const RowKernel<T>& kernel, StatsKernel<T> allMoments)
+double reduceRow(Run<T> row, const RowKernel<T>& kernel)
 {
     Moments moments{};
     const auto n = static_cast<double>(row.size);
@@ -37,7 +36,7 @@ double reduceRow(Run<T> row, const RowKernel<T>& kernel, StatsKernel<T> allMomen
         kernel.sum(row, moments);
         return Statistic == ePST_Sum ? getSum<T>(moments) : getSum<T>(moments) / n;
     } else if constexpr (Statistic == ePST_Var || Statistic == ePST_StdDev) {
-        allMoments(row, moments);
+        kernel.squares(row, moments);
         const double sum = getSum<T>(moments);
         // On purpose: no clamp. Rounding may make the variance negative, and the deviation NaN.
         const double variance = (getSumOfSquares<T>(moments) - sum * sum / n) / n;
@@ -70,9 +69,8 @@ core::ProcessingResult YProjectionStrip<Self>::genericProcessFunction(Processing
         }
     } else {
         const auto kernel = kernelOf<T>(getRowKernels().of(D));
-        const auto allMoments = kernelOf<T>(getStatsKernels().of(D));
         for (std::size_t y = 0; y < box.y; ++y) {
-            values[y] = reduceRow<Self::statistic, T>(row(y), kernel, allMoments);
+            values[y] = reduceRow<Self::statistic, T>(row(y), kernel);
         }
     }
     return {};

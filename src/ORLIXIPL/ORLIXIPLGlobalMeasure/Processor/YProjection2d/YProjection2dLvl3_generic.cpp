@@ -19,6 +19,7 @@ T rowMedianGeneric(Run<T> run, unsigned char* scratch)
 
 template <class T>
 constexpr RowKernel<T> genericKernel{&accumulate<Run<T>, Domain::eIS_Generic, Figures::Sum>,
+                                     &accumulate<Run<T>, Domain::eIS_Generic, Figures::Sums>,
                                      &accumulate<Run<T>, Domain::eIS_Generic, Figures::Extremes>, &rowMedianGeneric<T>};
 
 } // namespace

@@ -5,12 +5,13 @@
 namespace orlix::imaproc::glbmsr
 {
 
-/// What is made of rows of pixels of type T, beside what the statistics kernels make of them. A row may come in several
-/// runs; sums and extremes go on from what earlier runs left.
+/// What is made of rows of pixels of type T: parts of what the statistics kernels do. A row may come in several runs;
+/// sums and extremes go on from what earlier runs left.
 template <class T>
 struct RowKernel
 {
-    StatsKernel<T> sum;      ///< fills in the sums of Moments alone
+    StatsKernel<T> sum;      ///< fills in the sum of Moments alone
+    StatsKernel<T> squares;  ///< fills in sum and sum of squares
     StatsKernel<T> extremes; ///< fills in minimum and maximum alone
     /// The pixel of rank size / 2, NaN coming after every number. `scratch` has medianScratch(size) bytes.
     T (*median)(Run<T>, unsigned char* scratch);

@@ -22,16 +22,23 @@ inline double addLanes(const double (&lanes)[Moments::lanes])
     return lane[0];
 }
 
+/// Rounded once. (Compilers call a slow function for 128 bits.)
+inline double toDouble(Int128 sum)
+{
+    const auto low = static_cast<std::int64_t>(sum);
+    return low == sum ? static_cast<double>(low) : static_cast<double>(sum);
+}
+
 template <class T>
 double getSum(const Moments& moments)
 {
-    return std::is_floating_point_v<T> ? addLanes(moments.laneSums) : static_cast<double>(moments.sum);
+    return std::is_floating_point_v<T> ? addLanes(moments.laneSums) : toDouble(moments.sum);
 }
 
 template <class T>
 double getSumOfSquares(const Moments& moments)
 {
-    return std::is_floating_point_v<T> ? addLanes(moments.laneSquares) : static_cast<double>(moments.sumSq);
+    return std::is_floating_point_v<T> ? addLanes(moments.laneSquares) : toDouble(moments.sumSq);
 }
 
 } // namespace orlix::imaproc::glbmsr

@@ -174,11 +174,8 @@ protected:
         if (hasUserRange(params(), this->template value<Image>().getType())) {
             return nullptr;
         }
-        statistics_ = makePtr<Statistics>();
-        (void)statistics_->init(eProcessorRulePolicy::eRP_CheckRules);
-        statistics_->setDispatchPolicy(this->getDispatchPolicy());
-        statistics_->template set<Image>(this->template attribute<Image>().get());
-        (statistics_->template set<Mask>(this->template attribute<Mask>().get()), ...);
+        statistics_ = this->template makeStageProcessor<Statistics, Image, Mask...>(
+            this->template attribute<Image>().get(), this->template attribute<Mask>().get()...);
         return statistics_;
     }
 

@@ -1,0 +1,13 @@
+#include <framework/attribute/SimilarityStats.hpp>
+
+#include <framework/data/DynamicObjectFactory.hpp>
+
+namespace orlix::imaproc::attr
+{
+
+namespace
+{
+const data::DynamicClassRegistration<SimilarityStats> element{SimilarityStats::typeName};
+} // namespace
+
+} // namespace orlix::imaproc::attr

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelsByType.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// What a kernel accumulates over the segments of a pair of strips.
+struct SquaredDifferences
+{
+    static constexpr std::size_t lanes = 16;
+
+    Int128 sum;             ///< of integer pixels
+    std::size_t position;   ///< float pixels so far
+    double laneSums[lanes]; ///< float pixel i is added to lane i mod 16; the generic kernel uses lane 0 alone
+};
+
+/// Adds the squares of the differences of two runs of one size.
+template <class T>
+using SimilarityKernel = void (*)(Run<T>, Run<T>, SquaredDifferences&);
+
+using SimilarityKernels = KernelsByType<SimilarityKernel>;
+
+// One table per kernel file, each usable only where its instruction set is.
+extern const SimilarityKernels similarityKernels_generic;
+extern const SimilarityKernels similarityKernels_sse2;
+extern const SimilarityKernels similarityKernels_avx2;
+extern const SimilarityKernels similarityKernels_avx512;
+
+} // namespace orlix::imaproc::glbmsr

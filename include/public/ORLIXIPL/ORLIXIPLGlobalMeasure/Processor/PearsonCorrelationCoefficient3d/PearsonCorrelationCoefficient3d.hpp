@@ -1,0 +1,30 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/PearsonCorrelationCoefficient3d/PearsonCorrelationCoefficient3dLvl1.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// The Pearson correlation of two images of one size: one result per 3d volume (c, t). The images may have different
+/// types of the seven numeric ones. `PearsonCC` is the sum of the products of the deviations over the product of the
+/// standard deviations, that is the number of pixels times the coefficient r; 0 where an image is constant. The
+/// synchronous forms throw ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0,
+/// 0) alone.
+ORLIX_API Ptr<PearsonCCResult> pearsonCorrelationCoefficient3d(const Ptr<const image::BaseImage>& image1,
+                                                               const Ptr<const image::BaseImage>& image2);
+ORLIX_API Ptr<PearsonCorrelationCoefficient3dLvl1>
+pearsonCorrelationCoefficient3d_async(const Ptr<const image::BaseImage>& image1,
+                                      const Ptr<const image::BaseImage>& image2);
+ORLIX_API Ptr<PlanIndexedPearsonCCResult>
+multiSlice_pearsonCorrelationCoefficient3d(const Ptr<const image::BaseImage>& image1,
+                                           const Ptr<const image::BaseImage>& image2);
+ORLIX_API Ptr<PearsonCorrelationCoefficient3dLvl1>
+multiSlice_pearsonCorrelationCoefficient3d_async(const Ptr<const image::BaseImage>& image1,
+                                                 const Ptr<const image::BaseImage>& image2);
+
+/// What a run has written so far; wait for it first.
+ORLIX_API Ptr<PearsonCCResult> getAsyncProcessorOutput(const Ptr<PearsonCorrelationCoefficient3dLvl1>& processor);
+ORLIX_API Ptr<PlanIndexedPearsonCCResult>
+getAsyncProcessorMultiSliceOutput(const Ptr<PearsonCorrelationCoefficient3dLvl1>& processor);
+
+} // namespace orlix::imaproc::glbmsr
