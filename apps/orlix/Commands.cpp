@@ -250,7 +250,8 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
             ->required();
         command.add_option("-o", options.output, "with --axis z or t: the TIFF file to write")->type_name("FILE");
         command.add_option("--out-type", options.outType, "pixel type of that file (default: the image's)")
-            ->check(CLI::IsMember({"uint8", "int8", "uint16", "int16", "uint32", "int32", "float32"}))
+            ->transform(
+                CLI::IsMember({"uint8", "int8", "uint16", "int16", "uint32", "int32", "float32"}, CLI::ignore_case))
             ->type_name("TYPE");
     }
     command.add_option("--isa", options.isa, "force an instruction set: generic, sse2, avx, avx2 or avx512")

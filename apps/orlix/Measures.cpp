@@ -341,6 +341,11 @@ Report runPearson(const Options& options)
 Report runSimilarity(const Options& options)
 {
     Inputs inputs{options};
+    if (inputs.image->getType() != inputs.image2->getType()) {
+        throw FileError{options.image2 + ": it is " + image::getName(inputs.image2->getType()) + ", but " +
+                        options.image + " is " + image::getName(inputs.image->getType()) +
+                        ": both need the same pixel type"};
+    }
     inputs.report.measure = "similarityMsr";
     inputs.report.results = {toJson(*similarityMsr(inputs.image, inputs.image2))};
     return inputs.report;

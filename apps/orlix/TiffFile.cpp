@@ -170,7 +170,7 @@ private:
     /// reduced pages or masks is taken as it is.
     void listPages(std::string& description, std::uint32_t passedOver = FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)
     {
-        for (tdir_t directory = 0;; ++directory) {
+        for (;;) {
             std::uint32_t kind = 0;
             TIFFGetFieldDefaulted(tiff_.get(), TIFFTAG_SUBFILETYPE, &kind);
             if ((kind & passedOver) == 0) {
@@ -188,7 +188,7 @@ private:
                          std::to_string(page_.y) + " of " + std::to_string(page_.samples) + " " + nameSamples(page_) +
                          ": pages of one size and type are needed");
                 }
-                directories_.push_back(directory);
+                directories_.push_back(TIFFCurrentDirOffset(tiff_.get()));
             }
             if (TIFFLastDirectory(tiff_.get()) != 0) {
                 break;
@@ -279,7 +279,7 @@ private:
 
     void readPage(std::size_t page, const Target& target)
     {
-        if (TIFFSetDirectory(tiff_.get(), directories_[page]) == 0) {
+        if (TIFFSetSubDirectory(tiff_.get(), directories_[page]) == 0) {
             failReading("page " + std::to_string(page) + " cannot be read");
         }
         std::uint16_t photometric = PHOTOMETRIC_MINISBLACK;
@@ -407,7 +407,7 @@ private:
     std::string error_; // before tiff_, which writes to it until it is closed
     TiffHandle tiff_;
     Page page_;
-    std::vector<tdir_t> directories_;
+    std::vector<std::uint64_t> directories_; ///< where they lie in the file
     bool hidden_ = false;
     eImageBufferType type_ = eImageBufferType::eIBT_UInt8;
     Axes axes_;

@@ -4,7 +4,12 @@
 #include <orlix/LibTiff.hpp>
 
 #include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstring>
 #include <filesystem>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace orlix::app
@@ -13,17 +18,44 @@ namespace orlix::app
 namespace
 {
 
-/// A file that is gone unless it was kept.
+namespace fs = std::filesystem;
+
+/// Where a signal finds the file that it must remove; empty if there is none.
+char unfinished[PATH_MAX] = "";
+
+/// Removes the unfinished file, and lets the signal do what it does.
+void removeUnfinished(int signal)
+{
+    if (unfinished[0] != '\0') {
+        ::unlink(unfinished);
+    }
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+/// A new file beside the target, which takes the target's place and mode when it is kept, and is gone otherwise.
 class TemporaryFile
 {
 public:
-    explicit TemporaryFile(const std::string& target)
-        : target_{target}, path_{target + ".part" + std::to_string(::getpid())}
-    {}
+    explicit TemporaryFile(const fs::path& target)
+        : target_{resolve(target)}, path_{(target_.parent_path() / ".orlix-XXXXXX").string()}
+    {
+        const int file = ::mkstemp(path_.data());
+        if (file < 0) {
+            throw FileError{target.string() + ": it cannot be written (" + std::strerror(errno) + ")"};
+        }
+        ::close(file);
+        std::strncpy(unfinished, path_.c_str(), sizeof unfinished - 1);
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+            std::signal(signal, removeUnfinished);
+        }
+        std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is an error like others
+    }
     ~TemporaryFile()
     {
         std::error_code ignored;
-        std::filesystem::remove(path_, ignored);
+        fs::remove(path_, ignored);
+        unfinished[0] = '\0';
     }
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -32,14 +64,26 @@ public:
     void keep() const
     {
         std::error_code error;
-        std::filesystem::rename(path_, target_, error);
+        const auto old = fs::status(target_, error);
+        const ::mode_t mask = ::umask(0);
+        ::umask(mask);
+        fs::permissions(path_, fs::exists(old) ? old.permissions() : fs::perms{0666u & ~mask}, error);
+        fs::rename(path_, target_, error);
         if (error) {
-            throw FileError{target_ + ": " + error.message()};
+            throw FileError{target_.string() + ": " + error.message()};
         }
     }
 
 private:
-    std::string target_;
+    /// The file behind a link.
+    static fs::path resolve(const fs::path& path)
+    {
+        std::error_code error;
+        const fs::path resolved = fs::weakly_canonical(path, error);
+        return error ? path : resolved;
+    }
+
+    fs::path target_;
     std::string path_;
 };
 
@@ -102,15 +146,20 @@ bool writePage(TIFF* tiff, const image::BaseImage& image, const image::PlanIndex
 
 void checkOutputPath(const std::string& path, const std::string& input)
 {
-    namespace fs = std::filesystem;
     std::error_code error;
-    const fs::path folder = fs::path{path}.parent_path();
-    if (!folder.empty() && !fs::is_directory(folder, error)) {
-        throw FileError{path + ": there is no folder " + folder.string()};
+    const fs::path folder = fs::absolute(path).parent_path();
+    if (!fs::is_directory(folder, error)) {
+        throw FileError{
+            path + ": " +
+            (error == std::errc::permission_denied ? error.message() : "there is no folder " + folder.string())};
     }
     const auto status = fs::status(path, error);
     if (fs::exists(status) && !fs::is_regular_file(status)) {
         throw FileError{path + ": it is no regular file"};
+    }
+    const std::string target = fs::exists(status) ? path : folder.string();
+    if (::access(target.c_str(), W_OK) != 0) {
+        throw FileError{path + ": it cannot be written (" + std::strerror(errno) + ")"};
     }
     if (fs::equivalent(path, input, error)) {
         throw FileError{path + ": it is the image that is read: name another file"};
@@ -123,9 +172,12 @@ void writeTiff(const std::string& path, const image::BaseImage& image)
     const TemporaryFile file{path};
     std::string reason;
     bool written = false;
+    errno = 0;
     {
         constexpr std::size_t largestClassic = std::size_t{4000} << 20;
-        const bool isBig = size.nbPixels() * image.getPixelSize() > largestClassic;
+        constexpr std::size_t bytesOfPage = 512; // of what is said of it
+        const bool isBig =
+            size.nbPixels() * image.getPixelSize() + size.z * size.c * size.t * bytesOfPage > largestClassic;
         const TiffHandle tiff = openTiff(file.getPath(), isBig ? "w8" : "w", reason);
         written = tiff != nullptr;
         for (std::size_t t = 0; t < size.t; ++t) {
@@ -139,7 +191,9 @@ void writeTiff(const std::string& path, const image::BaseImage& image)
         }
     }
     if (!written || !reason.empty()) {
-        throw FileError{path + ": it cannot be written" + (reason.empty() ? "" : " (" + reason + ")")};
+        const std::string error = errno != 0 ? std::strerror(errno) : "";
+        throw FileError{path + ": it cannot be written (" + reason + (reason.empty() || error.empty() ? "" : ", ") +
+                        error + ")"};
     }
     file.keep();
 }

@@ -475,8 +475,7 @@ TEST_F(CommandTest, ComparesTwoImages)
                                          {"SumSquaredDiff", 0},
                                          {"MSE", 0},
                                          {"PSNR", std::numeric_limits<double>::max()}}));
-    EXPECT_NE(run({"similarity", first, second}).error.find("a uint16 image, but InImg1 a uint8 image"),
-              std::string::npos);
+    EXPECT_NE(run({"similarity", first, second}).error.find("second.tif: it is uint16, but"), std::string::npos);
 }
 
 // Profiles are numbers, one list per plan; along z and t an image comes out, which reads back with the axes that
@@ -527,6 +526,14 @@ TEST_F(CommandTest, ProjectsAlongEveryAxis)
         const Json plans = run({"stats", output, "--per", "plan", "--json"}).json()["results"];
         EXPECT_NEAR(plans.back()["Sum"].get<double>(), total, 1e-6 * total);
     }
+    // A link stays one, and a file keeps its mode.
+    std::filesystem::create_symlink("projection.tif", path("link.tif"));
+    std::filesystem::permissions(path("projection.tif"), std::filesystem::perms{0640});
+    EXPECT_EQ(run({"project", stack, "--axis", "z", "--stat", "max", "-o", path("link.tif")}).status, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(path("link.tif")));
+    EXPECT_EQ(std::filesystem::status(path("projection.tif")).permissions(), std::filesystem::perms{0640});
+    EXPECT_EQ(run({"info", path("projection.tif"), "--json"}).result()["type"], "uint8");
+    std::filesystem::remove(path("link.tif"));
     std::vector<std::string> files;
     for (const auto& entry : std::filesystem::directory_iterator{path("")}) {
         files.push_back(entry.path().filename());

@@ -98,7 +98,7 @@ TYPED_TEST(ProjectionText, ReducesColumns)
                 std::vector<T> least(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(width));
                 std::vector<T> most = least;
                 std::vector<T> medians(width);
-                std::vector<unsigned char> scratch(count * kernel.scratchBytes + 64);
+                std::vector<unsigned char> scratch(kernel.scratchBytes(width, count));
                 // Four segments: a cut across the columns and one along them.
                 for (const auto& [x, w] : {std::pair{std::size_t{0}, width / 3}, {width / 3, width - width / 3}}) {
                     for (const auto& [y, h] : {std::pair{std::size_t{0}, count / 2}, {count / 2, count - count / 2}}) {
@@ -136,7 +136,7 @@ TYPED_TEST(ProjectionText, ReducesRowsInAnySegments)
         SCOPED_TRACE(size);
         auto pixels = makePixels<T>(size);
         forTexts<RowText, T>([&](const RowKernel<T>& kernel) {
-            std::vector<unsigned char> scratch(medianScratch<T>(size));
+            std::vector<unsigned char> scratch(rowScratchBytes<T>(size));
             const double median = kernel.median({pixels.data(), size}, scratch.data());
             EXPECT_TRUE(isSame(median, projectPixels(pixels, eProjStatType::ePST_Median)));
             Moments whole{};

@@ -212,6 +212,18 @@ TEST(CorrelationOfPlans, KnownCases)
     EXPECT_TRUE(std::isnan(ncc(constant, image)));
     EXPECT_EQ(pearson(image, constant), 0);
     EXPECT_EQ(pearson(constant, constant), 0);
+    // Constants whose rounded sums have a deviation that is none.
+    const ImageGeometry large{50, 50, 10};
+    const Image noise = makeImage(large, makeScene<float>(large, 2));
+    for (const float x : {0.1f, 1e-7f, 12345.67f, -3e30f}) {
+        const Image same = makeImage(large, std::vector<float>(large.nbPixels(), x));
+        const Image whole = makeImage(large, std::vector<unsigned>(large.nbPixels(), 4123456789u));
+        for (const Image& flat : {same, whole}) {
+            EXPECT_EQ(pearsonCorrelationCoefficient3d(flat, noise)->PearsonCC, 0) << x;
+            EXPECT_EQ(pearson(noise, flat), 0) << x;
+            EXPECT_TRUE(std::isnan(normalizedCrossCorrelationMsr3d(flat, noise)->Correlation)) << x;
+        }
+    }
 }
 
 // A strip that is constant at the plan's mean makes the plan's value NaN; one that is constant elsewhere does not.

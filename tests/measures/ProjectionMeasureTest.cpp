@@ -251,6 +251,22 @@ TEST(ProjectionOfStacks, KeepsTheOtherAxes)
     EXPECT_EQ(pixelsOf(*getAsyncProcessorOutput(run)), pixelsOf(*single));
 }
 
+// The output may be any plane of the input: it is written only where nothing is read any more.
+TEST(ProjectionOfStacks, IntoAPlaneOfTheInput)
+{
+    const ImageGeometry size{40, 40, 4};
+    const auto values = randomValues<unsigned char>(size.nbPixels());
+    for (const eProjStatType statistic : allStatistics) {
+        const auto expected = pixelsOf(*zProjectionImg(makeImage(size, values), statistic));
+        for (unsigned z = 0; z < size.z; ++z) {
+            const auto image = makeImage(size, values);
+            const auto plane = image->getSubImage({z, 0, 0}, image::ePlanKind::ePK_Plan2d);
+            EXPECT_EQ(pixelsOf(*zProjectionImg(image, statistic, plane)), expected)
+                << static_cast<unsigned>(statistic) << " into plane " << z;
+        }
+    }
+}
+
 TEST(ProjectionOfStacks, SmallCasesByHand)
 {
     struct Case

@@ -20,6 +20,14 @@ struct Run
     std::size_t size;
 };
 
+/// What the median of a run needs for its work: room for the keys of the pixels and their bytes, filled up to whole
+/// groups of at most 64.
+template <class T>
+constexpr std::size_t rowScratchBytes(std::size_t size)
+{
+    return (size + 64) * (sizeof(T) + 1) + 64;
+}
+
 /// Pixels of which those count whose mask byte is not 0.
 template <class T>
 struct MaskedRun

@@ -2,6 +2,7 @@
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Columns.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Pack.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
 
 /// The selection of the pixel of a rank, for many columns at once or for one row.
 ///
@@ -282,6 +283,58 @@ ORLIX_KERNEL Keys selectAmongFew(Keys* keys, std::size_t count, std::size_t rank
         rank -= 4;
         count -= 4;
     }
+}
+
+ORLIX_KERNEL unsigned char* alignScratch(unsigned char* scratch)
+{
+    return scratch + (64 - reinterpret_cast<std::uintptr_t>(scratch) % 64) % 64;
+}
+
+/// The pixel of rank size / 2 of a row.
+template <class T, Domain::domain D>
+T medianOfRow(Run<T> row, unsigned char* scratch)
+{
+    if (row.size <= 16) {
+        Key<T> keys[16];
+        for (std::size_t i = 0; i < row.size; ++i) {
+            const Key<T> key = toKey(row.pixels[i]);
+            std::size_t k = i;
+            for (; k > 0 && key < keys[k - 1]; --k) {
+                keys[k] = keys[k - 1];
+            }
+            keys[k] = key;
+        }
+        return toPixel<T>(keys[row.size / 2]);
+    }
+    using Group = KeyGroup<Key<T>, D>;
+    constexpr std::size_t size = lanes<T, D> * Group::packs;
+    auto* const groups = reinterpret_cast<Group*>(alignScratch(scratch));
+    std::size_t count = 0;
+    const auto addGroup = [&](const T* pixels) __attribute__((always_inline))
+    {
+        for (std::size_t k = 0; k < Group::packs; ++k) {
+            groups[count].keys[k] = toKeys<T>(load<Pack<T, D>>(pixels + k * lanes<T, D>));
+        }
+        ++count;
+    };
+    for (std::size_t i = 0; i + size <= row.size; i += size) {
+        addGroup(row.pixels + i);
+    }
+    if (const std::size_t rest = row.size % size; rest != 0) {
+        // Filled up with keys that come after all others, so that they change no rank.
+        T filled[size];
+        for (T& pixel : filled) {
+            pixel = toPixel<T>(highestOf<Key<T>>);
+        }
+        __builtin_memcpy(filled, row.pixels + row.size - rest, rest * sizeof(T));
+        addGroup(filled);
+    }
+    const Group middle = selectKeys<Key<T>, D, Ranking::ofAll>(groups, count, row.size / 2,
+                                                               reinterpret_cast<Pack<signed char, D>*>(groups + count));
+    T median[lanes<T, D>];
+    const auto pixels = toPixels<T>(middle.keys[0]);
+    __builtin_memcpy(median, &pixels, sizeof median);
+    return median[0];
 }
 
 } // namespace

@@ -68,7 +68,7 @@ void selectPixels(const Columns<T>& columns, const ColumnKernel<T>& kernel, unsi
     if constexpr (Statistic == ePST_Median) {
         kernel.median(columns, scratch, to);
     } else {
-        std::memmove(to, columns.pixels, columns.width * sizeof(T));
+        std::memcpy(to, columns.pixels, columns.width * sizeof(T));
         const Columns<T> others = columns.part(0, columns.width, 1, columns.count - 1);
         (Statistic == ePST_Min ? kernel.least : kernel.most)(others, to);
     }
@@ -78,13 +78,13 @@ template <eProjStatType Statistic, class T>
 void writeSelected(const Columns<T>& columns, const ColumnKernel<T>& kernel, const Output& output,
                    unsigned char* scratch, std::byte* to)
 {
-    if (output.type == image::imageBufferTypeOf<T>) {
-        selectPixels<Statistic>(columns, kernel, scratch, reinterpret_cast<T*>(to));
-        return;
-    }
-    T pixels[chunk];
+    T pixels[chunk]; // not the output itself, which may be a plane of the input
     double numbers[chunk];
     selectPixels<Statistic>(columns, kernel, scratch, pixels);
+    if (output.type == image::imageBufferTypeOf<T>) {
+        std::memcpy(to, pixels, columns.width * sizeof(T));
+        return;
+    }
     kernelOf<T>(output.writers).read(pixels, columns.width, numbers);
     output.write(numbers, columns.width, to);
 }
@@ -102,7 +102,8 @@ core::ProcessingResult SeqProjectionStrip<Self>::genericProcessFunction(Processi
     const std::size_t count = sequence.getGeometry().t;
     std::unique_ptr<unsigned char[]> scratch;
     if constexpr (Self::statistic == ePST_Median) {
-        scratch = std::make_unique_for_overwrite<unsigned char[]>(count * kernel.scratchBytes + 64);
+        scratch =
+            std::make_unique_for_overwrite<unsigned char[]>(kernel.scratchBytes(std::min(chunk, info.rowSize), count));
     }
     for (std::size_t i = 0; i < info.nbRuns(); ++i) {
         const Columns<T> run{this->getParser(0).template run<T>(i, info.rowSize), info.rowSize, count,

@@ -324,10 +324,24 @@ ORLIX_KERNEL void medianOfMany(const Columns<T>& columns, unsigned char* scratch
     __builtin_memcpy(medians, pixels, columns.width * sizeof(T));
 }
 
+/// So few columns that each is selected by itself, as a row.
+constexpr std::size_t fewColumns = 8;
+
+template <class T, Domain::domain D>
+std::size_t columnScratchBytes(std::size_t width, std::size_t count)
+{
+    if (count <= fewPixels) {
+        return 0;
+    }
+    const std::size_t asRow = 64 + count * sizeof(T) + rowScratchBytes<T>(count);
+    const std::size_t together = count * ManyPixels<T, D>::scratchBytes + 64;
+    return width <= fewColumns || asRow > together ? asRow : together;
+}
+
 template <class T, Domain::domain D>
 void columnMedian(Columns<T> columns, unsigned char* scratch, T* medians)
 {
-    scratch += (64 - reinterpret_cast<std::uintptr_t>(scratch) % 64) % 64;
+    scratch = alignScratch(scratch);
     const bool few = columns.count <= fewPixels;
     const std::size_t step = few ? lanes<T, D> : ManyPixels<T, D>::width;
     for (std::size_t x = 0; x < columns.width; x += step) {
@@ -335,8 +349,17 @@ void columnMedian(Columns<T> columns, unsigned char* scratch, T* medians)
         const Columns<T> some = columns.part(x, width, 0, columns.count);
         if (few) {
             medianOfFew<T, D>(some, medians + x);
-        } else {
+        } else if (width > fewColumns) {
             medianOfMany<T, D>(some, scratch, medians + x);
+        } else {
+            auto* const row = reinterpret_cast<T*>(scratch);
+            for (std::size_t k = 0; k < width; ++k) {
+                for (std::size_t i = 0; i < some.count; ++i) {
+                    row[i] = some.row(i)[k];
+                }
+                medians[x + k] =
+                    medianOfRow<T, D>({row, some.count}, reinterpret_cast<unsigned char*>(row + some.count));
+            }
         }
     }
 }
@@ -344,7 +367,7 @@ void columnMedian(Columns<T> columns, unsigned char* scratch, T* medians)
 /// The kernels of one type of a vector set.
 template <class T, Domain::domain D>
 constexpr ColumnKernel<T> columnKernel{&columnSum<T, D>, &columnSquares<T, D>, &columnLeast<T>,
-                                       &columnMost<T>,   &columnMedian<T, D>,  ManyPixels<T, D>::scratchBytes};
+                                       &columnMost<T>,   &columnMedian<T, D>,  &columnScratchBytes<T, D>};
 
 template <Domain::domain D>
 constexpr ColumnKernels everyColumnKernel{{columnKernel<unsigned char, D>},  {columnKernel<signed char, D>},

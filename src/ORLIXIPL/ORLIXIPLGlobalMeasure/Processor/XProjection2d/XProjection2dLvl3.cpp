@@ -45,7 +45,7 @@ core::ProcessingResult XProjectionStrip<Self, Strip, Outputs...>::genericProcess
         std::vector<T> pixels(box.x);
         if constexpr (Self::statistic == ePST_Median) {
             const auto median = kernelOf<T>(getColumnKernels().of(chooseMedianSet(this->getEffectiveSets())));
-            const auto scratch = std::make_unique_for_overwrite<unsigned char[]>(box.y * median.scratchBytes + 64);
+            const auto scratch = std::make_unique_for_overwrite<unsigned char[]>(median.scratchBytes(box.x, box.y));
             median.median(columns, scratch.get(), pixels.data());
         } else if constexpr (Self::statistic == ePST_Min) {
             pixels.assign(box.x, core::NumericLimits<T>::s_max);

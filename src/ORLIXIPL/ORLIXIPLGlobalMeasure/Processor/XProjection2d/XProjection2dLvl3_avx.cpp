@@ -11,6 +11,6 @@ extern const ColumnKernels columnKernels_avx{
     {},
     {},
     {{&columnSum<float, Domain::eIS_AVX>, &columnSquares<float, Domain::eIS_AVX>, &columnLeast<float>,
-      &columnMost<float>, nullptr, 0}}};
+      &columnMost<float>, nullptr, nullptr}}};
 
 } // namespace orlix::imaproc::glbmsr

@@ -24,12 +24,18 @@ void columnMedianGeneric(Columns<T> columns, unsigned char* scratch, T* medians)
 }
 
 template <class T>
+std::size_t scratchBytesGeneric(std::size_t, std::size_t count)
+{
+    return count * sizeof(T);
+}
+
+template <class T>
 constexpr ColumnKernel<T> genericKernel{&columnSum<T, Domain::eIS_Generic>,
                                         &columnSquares<T, Domain::eIS_Generic>,
                                         &columnLeast<T>,
                                         &columnMost<T>,
                                         &columnMedianGeneric<T>,
-                                        sizeof(T)};
+                                        &scratchBytesGeneric<T>};
 
 } // namespace
 

@@ -63,7 +63,7 @@ core::ProcessingResult YProjectionStrip<Self>::genericProcessFunction(Processing
     };
     if constexpr (Self::statistic == ePST_Median) {
         const auto kernel = kernelOf<T>(getRowKernels().of(chooseMedianSet(this->getEffectiveSets())));
-        const auto scratch = std::make_unique_for_overwrite<unsigned char[]>(medianScratch<T>(box.x));
+        const auto scratch = std::make_unique_for_overwrite<unsigned char[]>(rowScratchBytes<T>(box.x));
         for (std::size_t y = 0; y < box.y; ++y) {
             values[y] = kernel.median(row(y), scratch.get());
         }

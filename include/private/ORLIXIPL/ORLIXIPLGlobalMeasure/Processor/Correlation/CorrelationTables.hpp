@@ -19,7 +19,7 @@ void readDeviations(const DeviationKernels& kernels, image::eImageBufferType typ
 void readDeviations(const DeviationKernels& kernels, image::eImageBufferType type, const std::byte* pixels,
                     std::size_t size, double mean, double* deviations);
 
-/// Calls `begin()`, then `add(d1, d2, size)` for each chunk of deviations of both images, then `end(size)`, for every
+/// Calls `begin()`, then `add(d1, d2, size)` for each chunk of deviations of both images, then `end()`, for every
 /// row of two strips of one shape.
 template <class Number, class Begin, class Add, class End>
 void forRowsOfDeviations(const DeviationKernels& kernels, const image::StripParser& strip1,

@@ -32,7 +32,7 @@ struct ProductSum
     double products[lanes];
 };
 
-/// All sets give the same bits. Segments may come in parts of multiples of `lanes`, but for the last.
+/// All sets give the same bits. The sums take segments in parts of multiples of `lanes` pixels, but for the last.
 struct DeviationKernels : KernelsByType<DeviationReader>
 {
     void (*addSquaresAndProducts)(const float* d1, const float* d2, std::size_t size, CrossSums&);

@@ -15,10 +15,10 @@ struct ColumnKernel
     void (*squares)(Columns<T>, double* sums, double* sumsOfSquares);
     void (*least)(Columns<T>, T* least); ///< m = m < x ? m : x
     void (*most)(Columns<T>, T* most);   ///< m = m > x ? m : x
-    /// The pixels of rank count / 2, NaN coming after every number. `scratch` has `scratchBytes` for every pixel of a
-    /// column, and 64 more.
+    /// The pixels of rank count / 2, NaN coming after every number. `scratch` has scratchBytes(width, count) bytes, or
+    /// those of a wider part.
     void (*median)(Columns<T>, unsigned char* scratch, T* medians);
-    std::size_t scratchBytes;
+    std::size_t (*scratchBytes)(std::size_t width, std::size_t count);
 };
 
 using ColumnKernels = KernelsByType<ColumnKernel>;

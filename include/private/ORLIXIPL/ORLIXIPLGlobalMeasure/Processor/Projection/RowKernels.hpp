@@ -13,16 +13,9 @@ struct RowKernel
     StatsKernel<T> sum;      ///< fills in the sum of Moments alone
     StatsKernel<T> squares;  ///< fills in sum and sum of squares
     StatsKernel<T> extremes; ///< fills in minimum and maximum alone
-    /// The pixel of rank size / 2, NaN coming after every number. `scratch` has medianScratch(size) bytes.
+    /// The pixel of rank size / 2, NaN coming after every number. `scratch` has rowScratchBytes<T>(size) bytes.
     T (*median)(Run<T>, unsigned char* scratch);
 };
-
-/// Room for the keys of a row and their bytes, filled up to whole groups of at most 64.
-template <class T>
-constexpr std::size_t medianScratch(std::size_t size)
-{
-    return (size + 64) * (sizeof(T) + 1) + 64;
-}
 
 using RowKernels = KernelsByType<RowKernel>;
 

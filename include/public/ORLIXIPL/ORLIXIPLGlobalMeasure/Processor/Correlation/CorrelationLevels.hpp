@@ -25,6 +25,21 @@ using attr::InZStrip3d2;
 using attr::OutStatsResult;
 using attr::StatsResult;
 
+struct Deviations
+{
+    double mean;
+    double stdDev;
+};
+
+/// Those of a constant image are exact, which rounded sums need not be: its deviation might be NaN.
+inline Deviations deviationsOf(const StatsResult& statistics)
+{
+    if (statistics.Min == statistics.Max) {
+        return {statistics.Min, 0};
+    }
+    return {statistics.Mean, statistics.StdDev};
+}
+
 /// A pair of sub images in three stages: the statistics of the first, those of the second, and the strips of both, to
 /// which they are handed down. Statistics is the processor of the first two, which takes a sub image as SubImage.
 template <class Self, class Child, class Output, class Merge, class Statistics, class SubImage, class Input1,
@@ -57,8 +72,8 @@ protected:
     }
 
     /// What the first two stages found.
-    const StatsResult& statistics1() const { return *statistics1_->template getStorage<OutStatsResult>(); }
-    const StatsResult& statistics2() const { return *statistics2_->template getStorage<OutStatsResult>(); }
+    Deviations deviations1() const { return deviationsOf(*statistics1_->template getStorage<OutStatsResult>()); }
+    Deviations deviations2() const { return deviationsOf(*statistics2_->template getStorage<OutStatsResult>()); }
 
 private:
     Ptr<Statistics> statistics1_;

@@ -8,7 +8,8 @@
 
 /// What the normalized cross correlations of plans and of volumes share. Deviations are summed in single precision over
 /// one row at most, in 32 lanes, and in double from there on; so results are within 1e-5 of those of double precision
-/// for natural images of up to 16384 columns. All instruction sets give the same bits.
+/// for natural images of up to 16384 columns. All instruction sets give the same bits, but that the means of float
+/// images may differ in the generic one by the rounding of double additions.
 namespace orlix::imaproc::glbmsr
 {
 
@@ -53,8 +54,8 @@ protected:
     core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override
     {
         provider = this->makeStripsProvider(
-            priority, DynamicNoSplit<Child, InOffset1>{static_cast<float>(this->statistics1().Mean)},
-            DynamicNoSplit<Child, InOffset2>{static_cast<float>(this->statistics2().Mean)});
+            priority, DynamicNoSplit<Child, InOffset1>{static_cast<float>(this->deviations1().mean)},
+            DynamicNoSplit<Child, InOffset2>{static_cast<float>(this->deviations2().mean)});
         return {};
     }
 

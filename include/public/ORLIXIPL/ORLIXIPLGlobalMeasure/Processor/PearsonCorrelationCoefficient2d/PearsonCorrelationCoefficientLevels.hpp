@@ -7,7 +7,8 @@
 #include <span>
 
 /// What the Pearson correlations of plans and of volumes share. Everything is computed in double precision; products
-/// are summed over one row at most, in 16 lanes. All instruction sets give the same bits.
+/// are summed over one row at most, in 16 lanes. All instruction sets give the same bits, but that the means and
+/// deviations of float images may differ in the generic one by the rounding of double additions.
 namespace orlix::imaproc::glbmsr
 {
 
@@ -45,11 +46,11 @@ class PearsonCCSubImages : public CorrelationLvl2<Self, Child, Pass<OutPearsonCC
 protected:
     core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override
     {
-        const StatsResult& first = this->statistics1();
-        const StatsResult& second = this->statistics2();
-        provider = this->makeStripsProvider(priority, DynamicNoSplit<Child, InImgMean1>{first.Mean},
-                                            DynamicNoSplit<Child, InImgMean2>{second.Mean},
-                                            DynamicNoSplit<Child, InFactor>{first.StdDev * second.StdDev});
+        const Deviations first = this->deviations1();
+        const Deviations second = this->deviations2();
+        provider = this->makeStripsProvider(priority, DynamicNoSplit<Child, InImgMean1>{first.mean},
+                                            DynamicNoSplit<Child, InImgMean2>{second.mean},
+                                            DynamicNoSplit<Child, InFactor>{first.stdDev * second.stdDev});
         return {};
     }
 
