@@ -10,21 +10,39 @@ namespace orlix::test
 
 using namespace imaproc::glbmsr;
 
-// Sums of deviations, whole and in parts: the same bits in every text.
-TEST(CorrelationText, IsThatOfOtherDomains)
+template <class T>
+class CorrelationText : public testing::Test
 {
+};
+TYPED_TEST_SUITE(CorrelationText, PixelTypes);
+
+// Sums of deviations, of pairs of one type and of two, whole and in parts: the same bits in every text.
+TYPED_TEST(CorrelationText, IsThatOfOtherDomains)
+{
+    using T = TypeParam;
     for (const std::size_t size : {1, 31, 32, 33, 64, 100, 1000}) {
         SCOPED_TRACE(size);
-        const auto d1 = randomValues<float>(size, 1);
-        const auto d2 = randomValues<float>(size, 2);
-        const std::vector<double> e1(d1.begin(), d1.end());
-        const std::vector<double> e2(d2.begin(), d2.end());
-        const auto run = [&](const DeviationKernels& kernels, std::size_t first) {
+        const auto a = randomValues<T>(size, 1);
+        const auto b = randomValues<T>(size, 2);
+        const auto run = [&](const DeviationKernel<T>& kernel, std::size_t first, bool isPair) {
             CrossSums cross{};
             ProductSum products{};
             for (const auto& [i, n] : {std::pair{std::size_t{0}, first}, {first, size - first}}) {
-                kernels.addSquaresAndProducts(d1.data() + i, d2.data() + i, n, cross);
-                kernels.addProducts(e1.data() + i, e2.data() + i, n, products);
+                const DeviationsOf<T, float> floats1{a.data() + i, 3.7f};
+                const DeviationsOf<T, float> floats2{b.data() + i, -1.1f};
+                const DeviationsOf<T, double> doubles1{a.data() + i, 3.7};
+                const DeviationsOf<T, double> doubles2{b.data() + i, -1.1};
+                if (isPair) {
+                    kernel.addCrossOfPair(floats1, floats2, n, cross);
+                    kernel.addProductsOfPair(doubles1, doubles2, n, products);
+                } else {
+                    std::vector<float> floats(n);
+                    std::vector<double> doubles(n);
+                    kernel.readFloats(floats2, n, floats.data());
+                    kernel.readDoubles(doubles2, n, doubles.data());
+                    kernel.addCross(floats1, floats.data(), n, cross);
+                    kernel.addProducts(doubles1, doubles.data(), n, products);
+                }
             }
             std::vector<double> all(std::begin(products.products), std::end(products.products));
             for (const auto* const lanes : {&cross.squares1, &cross.squares2, &cross.products}) {
@@ -32,10 +50,12 @@ TEST(CorrelationText, IsThatOfOtherDomains)
             }
             return all;
         };
-        const auto expected = run(everyDeviationKernel<Domain::eIS_Generic>, 0);
+        const auto expected = run(deviationKernel<T, Domain::eIS_Generic>, 0, true);
         for (const std::size_t first : {std::size_t{0}, size / 2 / CrossSums::lanes * CrossSums::lanes}) {
-            EXPECT_EQ(run(everyDeviationKernel<Domain::eIS_SSE2>, first), expected);
-            EXPECT_EQ(run(everyDeviationKernel<Domain::eIS_AVX512>, first), expected);
+            for (const bool isPair : {false, true}) {
+                EXPECT_EQ(run(deviationKernel<T, Domain::eIS_SSE2>, first, isPair), expected);
+                EXPECT_EQ(run(deviationKernel<T, Domain::eIS_AVX512>, first, isPair), expected);
+            }
         }
     }
 }

@@ -182,7 +182,9 @@ void storeUnaligned(void* to, const Register& from)
 #undef _mm512_cmpeq_epi16_mask
 #undef _mm512_cmpeq_epi32_mask
 #undef _mm512_cvtepi16_epi32
+#undef _mm512_cvtepi32_pd
 #undef _mm512_cvtepi32_ps
+#undef _mm512_cvtepi8_epi32
 #undef _mm512_cvtepu16_epi32
 #undef _mm512_cvtepu8_epi16
 #undef _mm512_cvtepu8_epi32
@@ -215,6 +217,8 @@ void storeUnaligned(void* to, const Register& from)
 #define _mm512_cmpeq_epi16_mask(a, b) ORLIX_EMULATED::equal<std::uint16_t>(a, b)
 #define _mm512_cmpeq_epi32_mask(a, b) ORLIX_EMULATED::equal<std::uint32_t>(a, b)
 #define _mm512_cvtepi16_epi32(a) ORLIX_EMULATED::convert<std::int32_t, __m512i, std::int16_t>(a)
+#define _mm512_cvtepi32_pd(a) ORLIX_EMULATED::convert<double, __m512d, std::int32_t>(a)
+#define _mm512_cvtepi8_epi32(a) ORLIX_EMULATED::convert<std::int32_t, __m512i, std::int8_t>(a)
 #define _mm512_cvtepi32_ps(a) ORLIX_EMULATED::convert<float, __m512, std::int32_t>(a)
 #define _mm512_cvtepu16_epi32(a) ORLIX_EMULATED::convert<std::int32_t, __m512i, std::uint16_t>(a)
 #define _mm512_cvtepu8_epi16(a) ORLIX_EMULATED::convert<std::int16_t, __m512i, std::uint8_t>(a)

@@ -277,6 +277,21 @@ ORLIX_KERNEL Pack<float, D> loadAsFloats(const T* pixels)
     using Floats = Pack<float, D>;
     if constexpr (isFloat<T>) {
         return load<Floats>(pixels);
+    } else if constexpr (sizeof(T) == 1 && D == Domain::eIS_SSE2) {
+        std::int32_t four;
+        __builtin_memcpy(&four, pixels, sizeof four);
+        const __m128i zero = _mm_setzero_si128();
+        const __m128i bytes = _mm_cvtsi32_si128(four);
+        // A signed byte is moved to the top of its lane, and from there down with its sign.
+        return (Floats)_mm_cvtepi32_ps(
+            isSigned<T> ? _mm_srai_epi32(_mm_unpacklo_epi16(zero, _mm_unpacklo_epi8(zero, bytes)), 24)
+                        : _mm_unpacklo_epi16(_mm_unpacklo_epi8(bytes, zero), zero));
+    } else if constexpr (sizeof(T) == 1 && D == Domain::eIS_AVX512) {
+        const __m128i bytes = _mm_loadu_si128((const __m128i*)pixels);
+        return (Floats)_mm512_cvtepi32_ps(isSigned<T> ? _mm512_cvtepi8_epi32(bytes) : _mm512_cvtepu8_epi32(bytes));
+    } else if constexpr (sizeof(T) == 1) {
+        const __m128i bytes = _mm_loadl_epi64((const __m128i*)pixels);
+        return (Floats)_mm256_cvtepi32_ps(isSigned<T> ? _mm256_cvtepi8_epi32(bytes) : _mm256_cvtepu8_epi32(bytes));
     } else if constexpr (sizeof(T) == 2 && D == Domain::eIS_SSE2) {
         const __m128i words = _mm_loadl_epi64((const __m128i*)pixels);
         const __m128i zero = _mm_setzero_si128();
@@ -322,6 +337,29 @@ ORLIX_KERNEL Pack<double, D> loadAsDoubles(const float* pixels)
         return (Pack<double, D>)_mm512_cvtps_pd(_mm256_loadu_ps(pixels));
     } else {
         return (Pack<double, D>)_mm256_cvtps_pd(_mm_loadu_ps(pixels));
+    }
+}
+
+/// As many 32-bit integers as there are lanes for doubles.
+template <Domain::domain D, class T>
+ORLIX_KERNEL Pack<double, D> loadIntegersAsDoubles(const T* pixels)
+{
+    static_assert(!isFloat<T> && sizeof(T) == 4);
+    using Bits = typename PackOf<std::uint32_t, packBytes<D> / 2>::Type;
+    // Unsigned numbers are moved into the signed range and back.
+    constexpr std::uint32_t flip = isSigned<T> ? 0 : 0x80000000u;
+    constexpr double moved = isSigned<T> ? 0 : 2147483648.0;
+    Bits x;
+    __builtin_memcpy(&x, pixels, sizeof x);
+    x ^= flip;
+    if constexpr (D == Domain::eIS_SSE2) {
+        long long two;
+        __builtin_memcpy(&two, &x, sizeof two);
+        return (Pack<double, D>)_mm_cvtepi32_pd(_mm_cvtsi64_si128(two)) + moved;
+    } else if constexpr (D == Domain::eIS_AVX512) {
+        return (Pack<double, D>)_mm512_cvtepi32_pd((__m256i)x) + moved;
+    } else {
+        return (Pack<double, D>)_mm256_cvtepi32_pd((__m128i)x) + moved;
     }
 }
 

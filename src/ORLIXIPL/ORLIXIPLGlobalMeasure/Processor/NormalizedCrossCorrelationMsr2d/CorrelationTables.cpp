@@ -10,33 +10,22 @@ const KernelTables<DeviationKernels>& getDeviationKernels()
     return tables;
 }
 
-namespace
-{
-
-template <class Visitor>
-void visitReader(const DeviationKernels& kernels, image::eImageBufferType type, const std::byte* pixels, Visitor visit)
+void SecondStrip::read(std::size_t row, std::size_t x, std::size_t size, float mean, float* deviations) const
 {
     image::forEachPixelType([&]<class T>(std::type_identity<T>) {
         if (type == image::imageBufferTypeOf<T>) {
-            visit(kernelOf<T>(kernels), reinterpret_cast<const T*>(pixels));
+            kernelOf<T>(kernels).readFloats({parser.run<T>(row, parser.getBox().x) + x, mean}, size, deviations);
         }
     });
 }
 
-} // namespace
-
-void readDeviations(const DeviationKernels& kernels, image::eImageBufferType type, const std::byte* pixels,
-                    std::size_t size, float mean, float* deviations)
+void SecondStrip::read(std::size_t row, std::size_t x, std::size_t size, double mean, double* deviations) const
 {
-    visitReader(kernels, type, pixels,
-                [&](const auto& reader, const auto* typed) { reader.floats(typed, size, mean, deviations); });
-}
-
-void readDeviations(const DeviationKernels& kernels, image::eImageBufferType type, const std::byte* pixels,
-                    std::size_t size, double mean, double* deviations)
-{
-    visitReader(kernels, type, pixels,
-                [&](const auto& reader, const auto* typed) { reader.doubles(typed, size, mean, deviations); });
+    image::forEachPixelType([&]<class T>(std::type_identity<T>) {
+        if (type == image::imageBufferTypeOf<T>) {
+            kernelOf<T>(kernels).readDoubles({parser.run<T>(row, parser.getBox().x) + x, mean}, size, deviations);
+        }
+    });
 }
 
 } // namespace orlix::imaproc::glbmsr

@@ -7,12 +7,12 @@
 namespace orlix::imaproc::glbmsr
 {
 
-/// Pixels less a number.
-template <class T>
-struct DeviationReader
+/// Pixels less a number, in its precision.
+template <class T, class Number>
+struct DeviationsOf
 {
-    void (*floats)(const T* pixels, std::size_t size, float mean, float* deviations);    ///< in single precision
-    void (*doubles)(const T* pixels, std::size_t size, double mean, double* deviations); ///< in double precision
+    const T* pixels;
+    Number mean;
 };
 
 /// Sums over one segment. Pixel i of the segment is added to lane i mod `lanes`, whatever the width of the registers.
@@ -32,12 +32,21 @@ struct ProductSum
     double products[lanes];
 };
 
-/// All sets give the same bits. The sums take segments in parts of multiples of `lanes` pixels, but for the last.
-struct DeviationKernels : KernelsByType<DeviationReader>
+/// What is summed of pixels of type T and those of another image: of the same type, or of any type, as deviations that
+/// its own kernel has read. All sets give the same bits. A segment may come in parts of multiples of `lanes` pixels,
+/// but for the last.
+template <class T>
+struct DeviationKernel
 {
-    void (*addSquaresAndProducts)(const float* d1, const float* d2, std::size_t size, CrossSums&);
-    void (*addProducts)(const double* d1, const double* d2, std::size_t size, ProductSum&);
+    void (*readFloats)(DeviationsOf<T, float>, std::size_t size, float* deviations);
+    void (*readDoubles)(DeviationsOf<T, double>, std::size_t size, double* deviations);
+    void (*addCross)(DeviationsOf<T, float>, const float* deviations, std::size_t size, CrossSums&);
+    void (*addCrossOfPair)(DeviationsOf<T, float>, DeviationsOf<T, float>, std::size_t size, CrossSums&);
+    void (*addProducts)(DeviationsOf<T, double>, const double* deviations, std::size_t size, ProductSum&);
+    void (*addProductsOfPair)(DeviationsOf<T, double>, DeviationsOf<T, double>, std::size_t size, ProductSum&);
 };
+
+using DeviationKernels = KernelsByType<DeviationKernel>;
 
 // One table per kernel file, each usable only where its instruction set is.
 extern const DeviationKernels deviationKernels_generic;

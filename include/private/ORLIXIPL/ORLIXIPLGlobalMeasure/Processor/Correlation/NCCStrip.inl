@@ -29,8 +29,9 @@ inline double addLanes(float (&lane)[CrossSums::lanes])
 template <class Self, class Strip1, class Strip2>
 void NCCStrip<Self, Strip1, Strip2>::functionRegistration(AlgorithmFunctionSelector& selector)
 {
-    NCCStrip::registerPairKernels(
-        selector, [](auto, auto domain) { return getDeviationKernels().of(domain).addProducts != nullptr; });
+    NCCStrip::registerPairKernels(selector, []<class T>(std::type_identity<T>, auto domain) {
+        return kernelOf<T>(getDeviationKernels().of(domain)).addCross != nullptr;
+    });
 }
 
 template <class Self, class Strip1, class Strip2>
@@ -41,17 +42,15 @@ core::ProcessingResult NCCStrip<Self, Strip1, Strip2>::genericProcessFunction(Pr
     result = {};
     products_ = 0;
     const DeviationKernels& kernels = getDeviationKernels().of(D);
-    CrossSums sums;
-    forRowsOfDeviations<float>(
-        kernels, this->getParser(0), this->getParser(1), image::imageBufferTypeOf<T>,
-        this->template attribute<Strip2>().get().image->getType(), this->template value<InOffset1>(),
-        this->template value<InOffset2>(), [&] { sums = {}; },
-        [&](const float* d1, const float* d2, std::size_t size) { kernels.addSquaresAndProducts(d1, d2, size, sums); },
-        [&] {
-            result.SumSquaredDev1 += addLanes(sums.squares1);
-            result.SumSquaredDev2 += addLanes(sums.squares2);
-            products_ += addLanes(sums.products);
-        });
+    const auto kernel = kernelOf<T>(kernels);
+    const SecondStrip second{kernels, this->getParser(1), this->template attribute<Strip2>().get().image->getType()};
+    forRowsOfDeviations(this->getParser(0), second, this->template value<InOffset1>(),
+                        this->template value<InOffset2>(), kernel.addCross, kernel.addCrossOfPair,
+                        [&](CrossSums& sums) {
+                            result.SumSquaredDev1 += addLanes(sums.squares1);
+                            result.SumSquaredDev2 += addLanes(sums.squares2);
+                            products_ += addLanes(sums.products);
+                        });
     return {};
 }
 

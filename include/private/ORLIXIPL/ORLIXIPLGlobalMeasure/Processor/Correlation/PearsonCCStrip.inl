@@ -15,8 +15,9 @@ namespace orlix::imaproc::glbmsr
 template <class Self, class Strip1, class Strip2>
 void PearsonCCStrip<Self, Strip1, Strip2>::functionRegistration(AlgorithmFunctionSelector& selector)
 {
-    PearsonCCStrip::registerPairKernels(
-        selector, [](auto, auto domain) { return getDeviationKernels().of(domain).addProducts != nullptr; });
+    PearsonCCStrip::registerPairKernels(selector, []<class T>(std::type_identity<T>, auto domain) {
+        return kernelOf<T>(getDeviationKernels().of(domain)).addCross != nullptr;
+    });
 }
 
 template <class Self, class Strip1, class Strip2>
@@ -29,16 +30,13 @@ core::ProcessingResult PearsonCCStrip<Self, Strip1, Strip2>::genericProcessFunct
     double& result = this->template value<OutPearsonCCResult>().PearsonCC;
     result = 0;
     const DeviationKernels& kernels = getDeviationKernels().of(D);
-    ProductSum sum;
-    forRowsOfDeviations<double>(
-        kernels, this->getParser(0), this->getParser(1), image::imageBufferTypeOf<T>,
-        this->template attribute<Strip2>().get().image->getType(), this->template value<InImgMean1>(),
-        this->template value<InImgMean2>(), [&] { sum = {}; },
-        [&](const double* d1, const double* d2, std::size_t size) { kernels.addProducts(d1, d2, size, sum); },
-        [&] {
-            const double products = std::accumulate(std::begin(sum.products), std::end(sum.products), 0.0);
-            result += products / divisor;
-        });
+    const auto kernel = kernelOf<T>(kernels);
+    const SecondStrip second{kernels, this->getParser(1), this->template attribute<Strip2>().get().image->getType()};
+    forRowsOfDeviations(this->getParser(0), second, this->template value<InImgMean1>(),
+                        this->template value<InImgMean2>(), kernel.addProducts, kernel.addProductsOfPair,
+                        [&](const ProductSum& sum) {
+                            result += std::accumulate(std::begin(sum.products), std::end(sum.products), 0.0) / divisor;
+                        });
     return {};
 }
 
