@@ -16,7 +16,7 @@ function(orlix_set_kernel_flags)
             endif()
             set(flags ${orlix_flags_${CMAKE_MATCH_1}} -Wno-psabi -Wno-pedantic -fno-math-errno)
             if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-                list(APPEND flags -Wno-maybe-uninitialized -Wno-ignored-attributes) # GCC's own intrinsics
+                list(APPEND flags -Wno-uninitialized -Wno-maybe-uninitialized -Wno-ignored-attributes) # GCC's own intrinsics
             endif()
             set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${flags}")
         endif()

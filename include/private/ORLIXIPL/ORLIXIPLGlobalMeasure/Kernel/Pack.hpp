@@ -67,6 +67,30 @@ ORLIX_KERNEL P load(const T* pixels)
 }
 
 template <class P, class T>
+ORLIX_KERNEL void store(P pack, T* to)
+{
+    *reinterpret_cast<typename PackOf<T, sizeof(P)>::Unaligned*>(to) = pack;
+}
+
+/// Lanes that wait in memory, and back. (Pack by pack: an array that is copied as a whole lives in memory for good.)
+template <class P, std::size_t N, class T>
+ORLIX_KERNEL void loadAll(P (&packs)[N], const T* lane)
+{
+#pragma GCC unroll 8
+    for (std::size_t k = 0; k < N; ++k) {
+        packs[k] = load<P>(lane + k * (sizeof(P) / sizeof(T)));
+    }
+}
+template <class P, std::size_t N, class T>
+ORLIX_KERNEL void storeAll(const P (&packs)[N], T* lane)
+{
+#pragma GCC unroll 8
+    for (std::size_t k = 0; k < N; ++k) {
+        store(packs[k], lane + k * (sizeof(P) / sizeof(T)));
+    }
+}
+
+template <class P, class T>
 ORLIX_KERNEL P splat(T x)
 {
     return P{} + x;

@@ -70,7 +70,7 @@ void addFloats(Run<float> a, Run<float> b, SquaredDifferences& differences)
         addOne(i++);
     }
     Doubles sums[packs];
-    __builtin_memcpy(sums, differences.laneSums, sizeof sums);
+    loadAll(sums, differences.laneSums);
     const std::size_t first = i;
     for (; i + lanesAll <= a.size; i += lanesAll) {
 #pragma GCC unroll 8
@@ -80,7 +80,7 @@ void addFloats(Run<float> a, Run<float> b, SquaredDifferences& differences)
             sums[k] += d * d;
         }
     }
-    __builtin_memcpy(differences.laneSums, sums, sizeof sums);
+    storeAll(sums, differences.laneSums);
     differences.position += i - first;
     while (i < a.size) {
         addOne(i++);

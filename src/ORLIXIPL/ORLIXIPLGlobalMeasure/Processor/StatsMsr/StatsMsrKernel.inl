@@ -215,10 +215,8 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
 
     Doubles sum[doubles];
     Doubles sumSq[doubles];
-    for (std::size_t k = 0; k < doubles; ++k) {
-        sum[k] = load<Doubles>(m.laneSums + k * lanes<double, D>);
-        sumSq[k] = load<Doubles>(m.laneSquares + k * lanes<double, D>);
-    }
+    loadAll(sum, m.laneSums);
+    loadAll(sumSq, m.laneSquares);
     const auto add = [&](std::size_t k, Doubles x) __attribute__((always_inline))
     {
         if constexpr (hasSum<F>) {
@@ -266,8 +264,8 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
         }
     }
     if constexpr (hasSum<F>) {
-        __builtin_memcpy(m.laneSums, sum, sizeof sum);
-        __builtin_memcpy(m.laneSquares, sumSq, sizeof sumSq);
+        storeAll(sum, m.laneSums);
+        storeAll(sumSq, m.laneSquares);
         m.position += run.size;
     }
     if constexpr (R::isMasked) {

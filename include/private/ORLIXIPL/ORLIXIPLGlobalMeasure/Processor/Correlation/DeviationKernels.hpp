@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelsByType.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
 
 #include <cstddef>
 
@@ -15,35 +16,55 @@ struct DeviationsOf
     Number mean;
 };
 
-/// Sums over one segment. Pixel i of the segment is added to lane i mod `lanes`, whatever the width of the registers.
+/// Sums over deviations. Of a segment, deviation i is added to float lane i mod 16; then lanes k and k + 8 to double
+/// lane k.
 struct CrossSums
 {
-    static constexpr std::size_t lanes = 32;
+    static constexpr std::size_t lanes = 8;
+    static constexpr std::size_t segment = 1024; ///< the longest, so that sums in single precision stay short
 
-    float squares1[lanes];
-    float squares2[lanes];
-    float products[lanes];
+    double squares1[lanes];
+    double squares2[lanes];
+    double products[lanes];
 };
 
-struct ProductSum
+/// Products of deviations: number i of a row, or of its part from a multiple of `lanes` on, is added to lane i mod 16.
+struct ProductSums
 {
     static constexpr std::size_t lanes = 16;
 
     double products[lanes];
 };
 
-/// What is summed of pixels of type T and those of another image: of the same type, or of any type, as deviations that
-/// its own kernel has read. All sets give the same bits. A segment may come in parts of multiples of `lanes` pixels,
-/// but for the last.
+/// Exact sums over pairs of pixels.
+struct PairTotals
+{
+    Int128 sum1;
+    Int128 sum2;
+    Int128 squares1;
+    Int128 squares2;
+    Int128 products;
+};
+
+/// How pixels of type T are summed with those of another image: of any type, as deviations that its own kernel has
+/// read, or of the same type. Pairs of 8 and 16 bits are summed exactly, others as deviations; the way that is not
+/// theirs is null.
+template <class T, class Number, class Sums>
+struct SumKernel
+{
+    void (*add)(DeviationsOf<T, Number>, const Number* deviations, std::size_t size, Sums&);
+    void (*addPair)(DeviationsOf<T, Number>, DeviationsOf<T, Number>, std::size_t size, Sums&);
+    void (*addPairExactly)(Run<T>, Run<T>, PairTotals&); ///< squares where Sums has them
+};
+
+/// All sets give the same bits.
 template <class T>
 struct DeviationKernel
 {
     void (*readFloats)(DeviationsOf<T, float>, std::size_t size, float* deviations);
     void (*readDoubles)(DeviationsOf<T, double>, std::size_t size, double* deviations);
-    void (*addCross)(DeviationsOf<T, float>, const float* deviations, std::size_t size, CrossSums&);
-    void (*addCrossOfPair)(DeviationsOf<T, float>, DeviationsOf<T, float>, std::size_t size, CrossSums&);
-    void (*addProducts)(DeviationsOf<T, double>, const double* deviations, std::size_t size, ProductSum&);
-    void (*addProductsOfPair)(DeviationsOf<T, double>, DeviationsOf<T, double>, std::size_t size, ProductSum&);
+    SumKernel<T, float, CrossSums> cross;
+    SumKernel<T, double, ProductSums> products;
 };
 
 using DeviationKernels = KernelsByType<DeviationKernel>;

@@ -7,9 +7,9 @@
 #include <span>
 
 /// What the normalized cross correlations of plans and of volumes share. Deviations are summed in single precision over
-/// one row at most, in 32 lanes, and in double from there on; so results are within 1e-5 of those of double precision
-/// for natural images of up to 16384 columns. All instruction sets give the same bits, but that the means of float
-/// images may differ in the generic one by the rounding of double additions.
+/// 1024 pixels at most, in 16 lanes, and in double from there on; so results are within 1e-5 of those of double
+/// precision for natural images. Sums over two images of one type of 8 or 16 bits are exact. All instruction sets give
+/// the same bits, but that the means of float images may differ in the generic one by the rounding of double additions.
 namespace orlix::imaproc::glbmsr
 {
 
