@@ -31,6 +31,10 @@ ProcessingResult checkPixelType(const BaseAttribute& attribute, const BaseImage&
     if (accepted.contains(image.getType())) {
         return {};
     }
+    if (accepted == image::binaryType) {
+        return ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_NotBinary, attribute.getName(),
+                                                             image::getName(image.getType())));
+    }
     std::string names;
     for (std::size_t i = 0; i < image::nbImageBufferTypes; ++i) {
         const auto type = static_cast<image::eImageBufferType>(i);

@@ -129,6 +129,11 @@ class ObjectOutput : public ObjectAttribute<Self, Record, eAttributeRole::eAR_Ou
 {
 };
 
+template <class Self, class Record>
+class ObjectInput : public ObjectAttribute<Self, const Record, eAttributeRole::eAR_Input>
+{
+};
+
 /// A record that the caller may leave out.
 template <class Self, class Record>
 class OptionalInput : public ObjectAttribute<Self, const Record, eAttributeRole::eAR_OptionalInput>
@@ -158,8 +163,8 @@ public:
 };
 
 /// A number or an enumerator.
-template <class Self, class T>
-class ValueInput : public Attribute<Self, std::optional<T>, eAttributeRole::eAR_Input>
+template <class Self, class T, eAttributeRole Role = eAttributeRole::eAR_Input>
+class ValueInput : public Attribute<Self, std::optional<T>, Role>
 {
 public:
     bool isSet() const final { return this->value_.has_value(); }
@@ -313,8 +318,8 @@ public:
 };
 
 /// The strip of a mask. Kernels read it as bytes, whatever its type, and are not chosen by it.
-template <class Self, class StripType>
-class MaskStripInput : public StripInput<Self, StripType, image::maskTypes>
+template <class Self, class StripType, eAttributeRole Role = eAttributeRole::eAR_Input>
+class MaskStripInput : public StripInput<Self, StripType, image::maskTypes, Role>
 {
 public:
     static constexpr bool isMask = true;
@@ -349,6 +354,13 @@ template <class A>
 concept MaskAttribute = requires
 {
     A::isMask;
+};
+
+/// An optional input that has a value of its own where it is not set.
+template <class A>
+concept DefaultedAttribute = requires
+{
+    A::getDefault();
 };
 
 template <class A>

@@ -20,6 +20,10 @@ std::span<const Message> MessageMap<imaproc::attr::eAttributeMessage>::texts()
         {11, "a range from %1% to %2% is too narrow for classes (of the width %3%): scale the pixels up"},
         {12, "%1% classes need %2% MiB, and the memory limit is %3% MiB: use wider classes or bounds of your own"},
         {13, "the labels range from %1% to %2%, but beyond 16777216 they cannot be told apart: number them from 0"},
+        {14, "%1% does not take a %2% image: a binary image is needed, whose bytes are 0 and 1"},
+        {15, "label %1% needs %2% MiB for the counts of all labels below it, and the memory limit is %3% MiB: number "
+             "the labels from 0"},
+        {16, "%1% samples need %2% MiB, and the memory limit is %3% MiB: take fewer"},
     };
     return table;
 }

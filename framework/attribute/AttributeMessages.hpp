@@ -22,6 +22,9 @@ enum class eAttributeMessage : unsigned
     eAM_NarrowRange = 11,   ///< Min, Max, width
     eAM_ManyClasses = 12,   ///< number of classes, megabytes, limit in megabytes
     eAM_WideLabels = 13,    ///< lowest label, highest label
+    eAM_NotBinary = 14,     ///< attribute, type of the image
+    eAM_HighLabel = 15,     ///< label, megabytes, limit in megabytes
+    eAM_ManySamples = 16,   ///< number of samples, megabytes, limit in megabytes
 };
 
 } // namespace orlix::imaproc::attr

@@ -7,7 +7,8 @@ namespace orlix::imaproc::attr
 
 namespace
 {
-const data::DynamicClassRegistration<Doubles> registration{Doubles::typeName};
+const data::DynamicClassRegistration<Doubles> element{Doubles::typeName};
+const data::DynamicClassRegistration<PlanIndexedDoubles> collection{PlanIndexedDoubles::typeName};
 } // namespace
 
 } // namespace orlix::imaproc::attr

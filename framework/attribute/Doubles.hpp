@@ -18,4 +18,22 @@ public:
     static constexpr auto fields() { return std::tuple{data::Field{"Values", &Doubles::Values}}; }
 };
 
+class ORLIX_API PlanIndexedDoubles final : public PlanIndexedColl<PlanIndexedDoubles, Doubles>
+{
+public:
+    static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedDoubles";
+};
+
+class ORLIX_API OutValues final : public ObjectOutput<OutValues, Doubles>
+{
+public:
+    static constexpr const char* name = "OutValues";
+};
+
+class ORLIX_API OutPIValues final : public PlanIndexedOutput<OutPIValues, PlanIndexedDoubles>
+{
+public:
+    static constexpr const char* name = "OutPIValues";
+};
+
 } // namespace orlix::imaproc::attr

@@ -161,6 +161,133 @@ public:
     static constexpr const char* name = "InMaskZStrip3d";
 };
 
+/// A mask that the caller may leave out: then every pixel counts.
+class ORLIX_API InOptMaskImg final : public ImageInput<InOptMaskImg, image::ePlanKind::ePK_Plan2d, eExtent::eE_AllPlans,
+                                                       image::maskTypes, eAttributeRole::eAR_OptionalInput>
+{
+public:
+    static constexpr const char* name = "InOptMaskImg";
+};
+
+class ORLIX_API InOptMaskSubImg2d final
+    : public ImageInput<InOptMaskSubImg2d, image::ePlanKind::ePK_Plan2d, eExtent::eE_OnePlan, image::maskTypes,
+                        eAttributeRole::eAR_OptionalInput>
+{
+public:
+    static constexpr const char* name = "InOptMaskSubImg2d";
+};
+
+class ORLIX_API InOptMaskSubImg3d final
+    : public ImageInput<InOptMaskSubImg3d, image::ePlanKind::ePK_Volume3d, eExtent::eE_OnePlan, image::maskTypes,
+                        eAttributeRole::eAR_OptionalInput>
+{
+public:
+    static constexpr const char* name = "InOptMaskSubImg3d";
+};
+
+class ORLIX_API InOptMaskYStrip2d final
+    : public MaskStripInput<InOptMaskYStrip2d, image::YStrip2d, eAttributeRole::eAR_OptionalInput>
+{
+public:
+    static constexpr const char* name = "InOptMaskYStrip2d";
+};
+
+class ORLIX_API InOptMaskZStrip3d final
+    : public MaskStripInput<InOptMaskZStrip3d, image::ZStrip3d, eAttributeRole::eAR_OptionalInput>
+{
+public:
+    static constexpr const char* name = "InOptMaskZStrip3d";
+};
+
+/// A binary image, or one of labels.
+class ORLIX_API InBinLabImg final
+    : public ImageInput<InBinLabImg, image::ePlanKind::ePK_Plan2d, eExtent::eE_AllPlans, image::binaryOrLabelTypes>
+{
+public:
+    static constexpr const char* name = "InBinLabImg";
+};
+
+class ORLIX_API InBinLabImg3d final
+    : public ImageInput<InBinLabImg3d, image::ePlanKind::ePK_Volume3d, eExtent::eE_AllPlans, image::binaryOrLabelTypes>
+{
+public:
+    static constexpr const char* name = "InBinLabImg3d";
+};
+
+class ORLIX_API InSubBinLabImg2d final
+    : public ImageInput<InSubBinLabImg2d, image::ePlanKind::ePK_Plan2d, eExtent::eE_OnePlan, image::binaryOrLabelTypes>
+{
+public:
+    static constexpr const char* name = "InSubBinLabImg2d";
+};
+
+class ORLIX_API InSubBinLabImg3d final : public ImageInput<InSubBinLabImg3d, image::ePlanKind::ePK_Volume3d,
+                                                           eExtent::eE_OnePlan, image::binaryOrLabelTypes>
+{
+public:
+    static constexpr const char* name = "InSubBinLabImg3d";
+};
+
+class ORLIX_API InBinLabYStrip2d1 final
+    : public StripInput<InBinLabYStrip2d1, image::YStrip2d, image::binaryOrLabelTypes>
+{
+public:
+    static constexpr const char* name = "InBinLabYStrip2d1";
+};
+
+class ORLIX_API InBinLabZStrip3d final : public StripInput<InBinLabZStrip3d, image::ZStrip3d, image::binaryOrLabelTypes>
+{
+public:
+    static constexpr const char* name = "InBinLabZStrip3d";
+};
+
+class ORLIX_API InBinImg final
+    : public ImageInput<InBinImg, image::ePlanKind::ePK_Plan2d, eExtent::eE_AllPlans, image::binaryType>
+{
+public:
+    static constexpr const char* name = "InBinImg";
+};
+
+class ORLIX_API InBinImg3d final
+    : public ImageInput<InBinImg3d, image::ePlanKind::ePK_Volume3d, eExtent::eE_AllPlans, image::binaryType>
+{
+public:
+    static constexpr const char* name = "InBinImg3d";
+};
+
+class ORLIX_API InSubBinImg2d final
+    : public ImageInput<InSubBinImg2d, image::ePlanKind::ePK_Plan2d, eExtent::eE_OnePlan, image::binaryType>
+{
+public:
+    static constexpr const char* name = "InSubBinImg2d";
+};
+
+class ORLIX_API InSubBinImg3d final
+    : public ImageInput<InSubBinImg3d, image::ePlanKind::ePK_Volume3d, eExtent::eE_OnePlan, image::binaryType>
+{
+public:
+    static constexpr const char* name = "InSubBinImg3d";
+};
+
+class ORLIX_API InBinYStrip2d final : public StripInput<InBinYStrip2d, image::YStrip2d, image::binaryType>
+{
+public:
+    static constexpr const char* name = "InBinYStrip2d";
+};
+
+class ORLIX_API InBinZStrip3d final : public StripInput<InBinZStrip3d, image::ZStrip3d, image::binaryType>
+{
+public:
+    static constexpr const char* name = "InBinZStrip3d";
+};
+
+/// Rows whose neighbours are read as well: those of the image, and beyond it its border again.
+class ORLIX_API InKnlYStrip2d final : public StripInput<InKnlYStrip2d, image::YStrip2d>
+{
+public:
+    static constexpr const char* name = "InKnlYStrip2d";
+};
+
 // The first and the second of two images.
 
 class ORLIX_API InImg1 final : public ImageInput<InImg1, image::ePlanKind::ePK_Plan2d, eExtent::eE_AllPlans>

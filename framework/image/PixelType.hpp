@@ -72,6 +72,7 @@ public:
         }
     }
     constexpr bool contains(eImageBufferType type) const { return (bits_ >> static_cast<unsigned>(type) & 1u) != 0; }
+    friend constexpr bool operator==(const PixelTypes&, const PixelTypes&) = default;
 
 private:
     unsigned bits_ = 0;
@@ -87,6 +88,12 @@ inline constexpr PixelTypes numericTypes{eImageBufferType::eIBT_UInt8,  eImageBu
 inline constexpr PixelTypes labelTypes{eImageBufferType::eIBT_UInt8,  eImageBufferType::eIBT_Int8,
                                        eImageBufferType::eIBT_UInt16, eImageBufferType::eIBT_Int16,
                                        eImageBufferType::eIBT_UInt32, eImageBufferType::eIBT_Int32};
+
+/// Binary images, and those of labels that count from 0.
+inline constexpr PixelTypes binaryOrLabelTypes{eImageBufferType::eIBT_UInt8, eImageBufferType::eIBT_UInt16,
+                                               eImageBufferType::eIBT_UInt32, eImageBufferType::eIBT_Binary};
+
+inline constexpr PixelTypes binaryType{eImageBufferType::eIBT_Binary};
 
 /// The types of one byte: what masks are stored in.
 inline constexpr PixelTypes maskTypes{eImageBufferType::eIBT_UInt8, eImageBufferType::eIBT_Int8,

@@ -33,6 +33,11 @@ struct AddUp
 {
 };
 
+/// The class itself merges, in its postProcess().
+struct MergeItself
+{
+};
+
 namespace detail
 {
 
@@ -40,7 +45,7 @@ namespace detail
 template <class Output, class Merge>
 class PartialResults
 {
-    using Result = typename Output::Source::Value;
+    using Result = typename Output::Target::Value;
 
 public:
     void begin(const typename Output::Source&, std::size_t children) { results_.resize(children); }
@@ -49,7 +54,15 @@ public:
     {
         return StaticResultSplit<Child, typename Output::Target>{results_};
     }
-    core::ProcessingResult merge(Result& merged) { return Merge::merge(results_, merged); }
+    core::ProcessingResult merge(typename Output::Source::Value& merged)
+    {
+        if constexpr (std::is_same_v<Merge, MergeItself>) {
+            return {};
+        } else {
+            return Merge::merge(results_, merged);
+        }
+    }
+    const std::vector<Ptr<Result>>& get() const { return results_; }
     void clear() { results_.clear(); }
 
 private:
@@ -85,6 +98,8 @@ auto splitByPlan(const From& attribute, const PlanList& plans)
         return SubImageSplit<Child, To, typename From::Storage::element_type>{attribute.get(), plans};
     } else if constexpr (attr::PlanIndexedAttribute<From>) {
         return PlanIndexedInputSplit<Child, typename From::Value, To>{attribute.get(), plans};
+    } else if constexpr (attr::DefaultedAttribute<From>) {
+        return StaticNoSplit<Child, To>{attribute.isSet() ? attribute.get() : From::getDefault()};
     } else {
         return StaticNoSplit<Child, To>{attribute.get()};
     }
@@ -274,6 +289,9 @@ protected:
             detail::splitByStrip<Child, typename Inputs::Source, typename Inputs::Target>(
                 this->template attribute<typename Inputs::Source>(), *cut_)...);
     }
+
+    /// The results of the strips, in their order.
+    const auto& getParts() const { return results_.get(); }
 
     core::ProcessingResult postProcess() override
     {

@@ -33,16 +33,20 @@ boost::mutex& ForcedInstructionSetsMutex()
 ProcessorClass::ProcessorClass(Identity identity, const ProcessorCreators& creators) : identity_{std::move(identity)}
 {
     core::guarded(ORLIX_HERE, [&] {
-        ProcessorFactory::getInstance().registerProcessor(
-            getTypeName(), {getTypeName(), getObjectName(), getToolTip(), identity_.libraryName,
-                            core::getRelativeFromRoot(identity_.sourceFile), creators.processor});
+        if (identity_.isListed) {
+            ProcessorFactory::getInstance().registerProcessor(
+                getTypeName(), {getTypeName(), getObjectName(), getToolTip(), identity_.libraryName,
+                                core::getRelativeFromRoot(identity_.sourceFile), creators.processor});
+        }
         data::DynamicObjectFactory::getInstance().registerClass(getTypeName(), creators.plain, creators.shared);
     });
 }
 
 ProcessorClass::~ProcessorClass()
 {
-    ProcessorFactory::getInstance().unRegisterProcessor(getTypeName());
+    if (identity_.isListed) {
+        ProcessorFactory::getInstance().unRegisterProcessor(getTypeName());
+    }
     data::DynamicObjectFactory::getInstance().unRegisterClass(getTypeName());
 }
 

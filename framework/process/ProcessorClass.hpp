@@ -29,6 +29,7 @@ struct Identity
     std::string libraryName;
     const char* sourceFile = "";
     std::function<std::string()> toolTip; ///< from the library's message table
+    bool isListed = true;                 ///< whether the processor factory offers the class to hosts
 };
 
 struct ProcessorCreators

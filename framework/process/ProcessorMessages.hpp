@@ -26,6 +26,7 @@ enum class eProcessorMessage : unsigned
     eUnequalSizes = 15,       ///< attribute, geometry, attribute, geometry
     eWrongOutputSize = 16,    ///< output attribute, geometry, geometry needed, input attribute, geometry
     eUnequalTypes = 17,       ///< attribute, pixel type, attribute, pixel type
+    ePositionOutside = 18,    ///< processor, number of the position, attribute, geometry
     eUninitialisedAccess = 33 ///< processor
 };
 

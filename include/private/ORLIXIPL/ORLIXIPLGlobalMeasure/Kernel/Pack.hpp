@@ -294,6 +294,42 @@ ORLIX_KERNEL void storeTruncated(Pack<double, D> x, std::int32_t* to)
     }
 }
 
+/// Pixels of 8 or 16 bits in signed lanes of twice the width, as many as there are lanes.
+template <Domain::domain D, class T>
+ORLIX_KERNEL auto loadWidened(const T* pixels)
+{
+    static_assert(sizeof(T) < 4);
+    if constexpr (sizeof(T) == 1) {
+        using Words = Pack<std::int16_t, D>;
+        if constexpr (D == Domain::eIS_SSE2) {
+            const __m128i bytes = _mm_loadl_epi64((const __m128i*)pixels);
+            const __m128i zero = _mm_setzero_si128();
+            return (Words)(isSigned<T> ? _mm_srai_epi16(_mm_unpacklo_epi8(zero, bytes), 8)
+                                       : _mm_unpacklo_epi8(bytes, zero));
+        } else if constexpr (D == Domain::eIS_AVX512) {
+            const __m256i bytes = _mm256_loadu_si256((const __m256i*)pixels);
+            return (Words)(isSigned<T> ? _mm512_cvtepi8_epi16(bytes) : _mm512_cvtepu8_epi16(bytes));
+        } else {
+            const __m128i bytes = _mm_loadu_si128((const __m128i*)pixels);
+            return (Words)(isSigned<T> ? _mm256_cvtepi8_epi16(bytes) : _mm256_cvtepu8_epi16(bytes));
+        }
+    } else {
+        using Numbers = Pack<std::int32_t, D>;
+        if constexpr (D == Domain::eIS_SSE2) {
+            const __m128i words = _mm_loadl_epi64((const __m128i*)pixels);
+            const __m128i zero = _mm_setzero_si128();
+            return (Numbers)(isSigned<T> ? _mm_srai_epi32(_mm_unpacklo_epi16(zero, words), 16)
+                                         : _mm_unpacklo_epi16(words, zero));
+        } else if constexpr (D == Domain::eIS_AVX512) {
+            const __m256i words = _mm256_loadu_si256((const __m256i*)pixels);
+            return (Numbers)(isSigned<T> ? _mm512_cvtepi16_epi32(words) : _mm512_cvtepu16_epi32(words));
+        } else {
+            const __m128i words = _mm_loadu_si128((const __m128i*)pixels);
+            return (Numbers)(isSigned<T> ? _mm256_cvtepi16_epi32(words) : _mm256_cvtepu16_epi32(words));
+        }
+    }
+}
+
 /// As many pixels as there are lanes for floats, rounded to single precision.
 template <Domain::domain D, class T>
 ORLIX_KERNEL Pack<float, D> loadAsFloats(const T* pixels)
@@ -316,17 +352,8 @@ ORLIX_KERNEL Pack<float, D> loadAsFloats(const T* pixels)
     } else if constexpr (sizeof(T) == 1) {
         const __m128i bytes = _mm_loadl_epi64((const __m128i*)pixels);
         return (Floats)_mm256_cvtepi32_ps(isSigned<T> ? _mm256_cvtepi8_epi32(bytes) : _mm256_cvtepu8_epi32(bytes));
-    } else if constexpr (sizeof(T) == 2 && D == Domain::eIS_SSE2) {
-        const __m128i words = _mm_loadl_epi64((const __m128i*)pixels);
-        const __m128i zero = _mm_setzero_si128();
-        return (Floats)_mm_cvtepi32_ps(isSigned<T> ? _mm_srai_epi32(_mm_unpacklo_epi16(zero, words), 16)
-                                                   : _mm_unpacklo_epi16(words, zero));
-    } else if constexpr (sizeof(T) == 2 && D == Domain::eIS_AVX512) {
-        const __m256i words = _mm256_loadu_si256((const __m256i*)pixels);
-        return (Floats)_mm512_cvtepi32_ps(isSigned<T> ? _mm512_cvtepi16_epi32(words) : _mm512_cvtepu16_epi32(words));
     } else if constexpr (sizeof(T) == 2) {
-        const __m128i words = _mm_loadu_si128((const __m128i*)pixels);
-        return (Floats)_mm256_cvtepi32_ps(isSigned<T> ? _mm256_cvtepi16_epi32(words) : _mm256_cvtepu16_epi32(words));
+        return signedToFloats<D>(loadWidened<D>(pixels));
     } else {
         const auto x = load<Pack<std::uint32_t, D>>(pixels);
         if constexpr (isSigned<T>) {
@@ -384,6 +411,36 @@ ORLIX_KERNEL Pack<double, D> loadIntegersAsDoubles(const T* pixels)
         return (Pack<double, D>)_mm512_cvtepi32_pd((__m256i)x) + moved;
     } else {
         return (Pack<double, D>)_mm256_cvtepi32_pd((__m128i)x) + moved;
+    }
+}
+
+/// As many integers of 8 or 16 bits as there are lanes for doubles.
+template <Domain::domain D, class T>
+ORLIX_KERNEL Pack<double, D> loadSmallAsDoubles(const T* pixels)
+{
+    static_assert(sizeof(T) < 4);
+    if constexpr (D == Domain::eIS_AVX2 || D == Domain::eIS_AVX512) {
+        std::uint64_t bytes[2] = {};
+        __builtin_memcpy(bytes, pixels, lanes<double, D> * sizeof(T));
+        const __m128i x = _mm_set_epi64x((long long)bytes[1], (long long)bytes[0]);
+        if constexpr (D == Domain::eIS_AVX2) {
+            if constexpr (sizeof(T) == 1) {
+                return (Pack<double, D>)_mm256_cvtepi32_pd(isSigned<T> ? _mm_cvtepi8_epi32(x) : _mm_cvtepu8_epi32(x));
+            } else {
+                return (Pack<double, D>)_mm256_cvtepi32_pd(isSigned<T> ? _mm_cvtepi16_epi32(x) : _mm_cvtepu16_epi32(x));
+            }
+        } else {
+            if constexpr (sizeof(T) == 1) {
+                return (Pack<double, D>)_mm512_cvtepi32_pd(isSigned<T> ? _mm256_cvtepi8_epi32(x)
+                                                                       : _mm256_cvtepu8_epi32(x));
+            } else {
+                return (Pack<double, D>)_mm512_cvtepi32_pd(isSigned<T> ? _mm256_cvtepi16_epi32(x)
+                                                                       : _mm256_cvtepu16_epi32(x));
+            }
+        }
+    } else {
+        static_assert(D == Domain::eIS_SSE2);
+        return Pack<double, D>{double(pixels[0]), double(pixels[1])};
     }
 }
 

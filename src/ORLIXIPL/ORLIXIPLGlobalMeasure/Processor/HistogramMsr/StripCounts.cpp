@@ -52,6 +52,26 @@ void approximate(ClassCounts& counts, eImageBufferType type)
 
 } // namespace
 
+void CountTables::allocate(std::size_t pixelSize, std::size_t nbPixels, std::vector<std::uint32_t>& tables)
+{
+    // Together the tables stay in the cache, and few pixels are not worth many tables.
+    const std::size_t entries = pixelSize == 1 ? 512 : std::size_t{counts_.size} + 1;
+    counts_.eight = pixelSize == 1 || (entries <= ClassCounts::stride && nbPixels >= 8192);
+    nbTables_ = counts_.eight ? 8 : entries <= 32768 ? 2 : 1;
+    counts_.distance = counts_.eight ? ClassCounts::stride : nbTables_ == 2 ? (entries + 15) / 16 * 16 + 16 : 0;
+    tables.resize(std::max(tables.size(), (nbTables_ - 1) * counts_.distance + entries));
+    counts_.tables = tables.data();
+    clear();
+}
+
+void CountTables::clear()
+{
+    for (std::size_t k = 0; k < nbTables_; ++k) {
+        std::fill_n(counts_.tables + k * counts_.distance, counts_.size, 0);
+    }
+    room_ = capacity;
+}
+
 StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, std::size_t nbPixels, bool isMasked,
                          std::vector<std::uint32_t>& tables)
     : histogram_{histogram}, type_{type}
@@ -93,22 +113,7 @@ StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, 
         }
     }
 
-    // Together the tables stay in the cache, and few pixels are not worth many tables.
-    const std::size_t entries = pixelSize == 1 ? 512 : std::size_t{counts_.size} + 1;
-    counts_.eight = pixelSize == 1 || (entries <= ClassCounts::stride && nbPixels >= 8192);
-    nbTables_ = counts_.eight ? 8 : entries <= 32768 ? 2 : 1;
-    counts_.distance = counts_.eight ? ClassCounts::stride : nbTables_ == 2 ? (entries + 15) / 16 * 16 + 16 : 0;
-    tables.resize(std::max(tables.size(), (nbTables_ - 1) * counts_.distance + entries));
-    counts_.tables = tables.data();
-    clear();
-}
-
-void StripCounts::clear()
-{
-    for (std::size_t k = 0; k < nbTables_; ++k) {
-        std::fill_n(counts_.tables + k * counts_.distance, counts_.size, 0);
-    }
-    room_ = capacity;
+    allocate(pixelSize, nbPixels, tables);
 }
 
 float StripCounts::valueOf(std::size_t entry) const
@@ -119,24 +124,38 @@ float StripCounts::valueOf(std::size_t entry) const
     return static_cast<float>(counts_.first + static_cast<std::int64_t>(entry));
 }
 
-void StripCounts::flush()
+void StripCounts::collect()
 {
-    const auto count = [&](std::size_t entry) {
-        std::uint64_t sum = counts_.tables[entry];
-        for (std::size_t k = 1; k < nbTables_; ++k) {
-            sum += counts_.tables[k * counts_.distance + entry];
-        }
-        return sum;
-    };
     std::uint64_t* const frequencies = histogram_.Frequencies.data();
     for (std::size_t entry = 0; entry < counts_.size; ++entry) {
         if (classIsEntry_) {
-            frequencies[firstClass_ + entry] += count(entry);
+            frequencies[firstClass_ + entry] += countOf(entry);
         } else if (const std::uint32_t index = classOf(valueOf(entry), counts_.rule); index < counts_.rule.size) {
-            frequencies[index] += count(entry);
+            frequencies[index] += countOf(entry);
         }
     }
-    clear();
+}
+
+LabelCounts::LabelCounts(std::uint32_t largest, std::size_t pixelSize, std::size_t nbPixels,
+                         std::vector<std::uint32_t>& tables)
+    : numbers_(std::size_t{largest} + 1)
+{
+    counts_.byValue = true;
+    counts_.size = pixelSize == 1 ? 256 : largest + 1;
+    allocate(pixelSize, nbPixels, tables);
+}
+
+void LabelCounts::collect()
+{
+    for (std::size_t label = 0; label < numbers_.size(); ++label) {
+        numbers_[label] += static_cast<double>(countOf(label));
+    }
+}
+
+std::vector<double> LabelCounts::get()
+{
+    flush();
+    return std::move(numbers_);
 }
 
 } // namespace orlix::imaproc::glbmsr

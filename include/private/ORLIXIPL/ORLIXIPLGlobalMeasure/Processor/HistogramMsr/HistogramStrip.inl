@@ -3,10 +3,9 @@
 #pragma once
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Declare.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/StripRuns.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramKernelTables.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramLevels.hpp>
-
-#include <algorithm>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -40,22 +39,11 @@ core::ProcessingResult HistogramStrip<Self, Out, Strip, Mask...>::genericProcess
     }
     StripCounts counts{this->template value<Out>(), image::imageBufferTypeOf<T>, info.size, isMasked, tables_};
     const auto kernel = kernelOf<T>(getKernels().of(D));
-    for (std::size_t i = 0; i < info.nbRuns(); ++i) {
-        for (std::size_t done = 0; done < info.rowSize;) {
-            const std::size_t size = std::min(info.rowSize - done, counts.getRoom());
-            const T* const pixels = this->getParser(0).template run<T>(i, info.rowSize) + done;
-            if constexpr (isMasked) {
-                const auto* const mask = this->getParser(1).template run<std::uint8_t>(i, info.rowSize) + done;
-                kernel({pixels, size, mask}, counts.get());
-            } else {
-                kernel({pixels, size}, counts.get());
-            }
-            counts.take(size);
-            if (counts.getRoom() == 0) {
-                counts.flush();
-            }
-            done += size;
-        }
+    const auto add = [&](const auto& run) { counts.add(kernel, run); };
+    if constexpr (isMasked) {
+        forEachRun<T>(info, this->getParser(0), this->getParser(1), add);
+    } else {
+        forEachRun<T>(info, this->getParser(0), add);
     }
     counts.flush();
     return {};

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Declare.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/StripRuns.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/MomentSums.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsKernelTables.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsLevels.hpp>
@@ -41,13 +42,11 @@ core::ProcessingResult StatsStrip<Self, Strip, Mask...>::genericProcessFunction(
     moments.min = result.Min;
     moments.max = result.Max;
     const auto kernel = kernelOf<T>(getKernels().of(D));
-    for (std::size_t i = 0; i < info.nbRuns(); ++i) {
-        const T* const pixels = this->getParser(0).template run<T>(i, info.rowSize);
-        if constexpr (isMasked) {
-            kernel({pixels, info.rowSize, this->getParser(1).template run<std::uint8_t>(i, info.rowSize)}, moments);
-        } else {
-            kernel({pixels, info.rowSize}, moments);
-        }
+    const auto add = [&](const auto& run) { kernel(run, moments); };
+    if constexpr (isMasked) {
+        forEachRun<T>(info, this->getParser(0), this->getParser(1), add);
+    } else {
+        forEachRun<T>(info, this->getParser(0), add);
     }
     result.Sum = getSum<T>(moments);
     sumSq_ = getSumOfSquares<T>(moments);

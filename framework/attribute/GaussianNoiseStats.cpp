@@ -1,0 +1,13 @@
+#include <framework/attribute/GaussianNoiseStats.hpp>
+
+#include <framework/data/DynamicObjectFactory.hpp>
+
+namespace orlix::imaproc::attr
+{
+
+namespace
+{
+const data::DynamicClassRegistration<GaussianNoiseStats> registration{GaussianNoiseStats::typeName};
+} // namespace
+
+} // namespace orlix::imaproc::attr

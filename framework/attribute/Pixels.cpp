@@ -1,0 +1,16 @@
+#include <framework/attribute/Pixels.hpp>
+
+#include <framework/data/DynamicObjectFactory.hpp>
+
+namespace orlix::imaproc::attr
+{
+
+namespace
+{
+const data::DynamicClassRegistration<Pixels2d> pixels{Pixels2d::typeName};
+const data::DynamicClassRegistration<PlanIndexedPixels2d> pixelsOfPlans{PlanIndexedPixels2d::typeName};
+const data::DynamicClassRegistration<Voxels3d> voxels{Voxels3d::typeName};
+const data::DynamicClassRegistration<PlanIndexedVoxels3d> voxelsOfVolumes{PlanIndexedVoxels3d::typeName};
+} // namespace
+
+} // namespace orlix::imaproc::attr

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <framework/attribute/Attribute.hpp>
+#include <framework/image/Coords.hpp>
+
+#include <vector>
+
+namespace orlix::imaproc::attr
+{
+
+/// A list of positions. Self has `static constexpr const char* typeName`.
+template <class Self, class CoordsType>
+class CoordsList : public data::DynamicObject<Self, data::BaseDataItem>
+{
+public:
+    using Coords = CoordsType;
+
+    std::vector<Coords> Coordinates;
+
+    void copy(const data::BaseDynamicObject& other) final
+    {
+        core::guarded(ORLIX_HERE, [&] { Coordinates = dynamic_cast<const CoordsList&>(other).Coordinates; });
+    }
+    /// As one list of numbers.
+    core::ProcessingResult write(data::OutputArchive& archive) const final
+    {
+        const auto* const first = reinterpret_cast<const double*>(Coordinates.data());
+        archive.write("Coordinates", std::vector<double>(first, first + Coordinates.size() * nbNumbers));
+        return {};
+    }
+    core::ProcessingResult read(data::InputArchive& archive) final
+    {
+        std::vector<double> numbers;
+        core::ProcessingResult result = archive.read("Coordinates", numbers);
+        if (result) {
+            Coordinates.resize(numbers.size() / nbNumbers);
+            std::copy_n(numbers.begin(), Coordinates.size() * nbNumbers, reinterpret_cast<double*>(Coordinates.data()));
+        }
+        return result;
+    }
+
+private:
+    static constexpr std::size_t nbNumbers = sizeof(Coords) / sizeof(double);
+};
+
+/// Pixels of a plan.
+class ORLIX_API Pixels2d final : public CoordsList<Pixels2d, image::Coords2d>
+{
+public:
+    static constexpr const char* typeName = "orlix::imaproc::attr::Pixels2d";
+};
+
+class ORLIX_API PlanIndexedPixels2d final : public PlanIndexedColl<PlanIndexedPixels2d, Pixels2d>
+{
+public:
+    static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedPixels2d";
+};
+
+/// Pixels of a volume.
+class ORLIX_API Voxels3d final : public CoordsList<Voxels3d, image::Coords3d>
+{
+public:
+    static constexpr const char* typeName = "orlix::imaproc::attr::Voxels3d";
+};
+
+class ORLIX_API PlanIndexedVoxels3d final : public PlanIndexedColl<PlanIndexedVoxels3d, Voxels3d>
+{
+public:
+    static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedVoxels3d";
+};
+
+/// The most positions that one list may have.
+class ORLIX_API InNbFeatures final : public ValueInput<InNbFeatures, unsigned>
+{
+public:
+    static constexpr const char* name = "InNbFeatures";
+};
+
+class ORLIX_API InPixels2d final : public ObjectInput<InPixels2d, Pixels2d>
+{
+public:
+    static constexpr const char* name = "InPixels2d";
+};
+
+class ORLIX_API InVoxels3d final : public ObjectInput<InVoxels3d, Voxels3d>
+{
+public:
+    static constexpr const char* name = "InVoxels3d";
+};
+
+class ORLIX_API OutPixels2d final : public ObjectOutput<OutPixels2d, Pixels2d>
+{
+public:
+    static constexpr const char* name = "OutPixels2d";
+};
+
+class ORLIX_API OutPIPixels2d final : public PlanIndexedOutput<OutPIPixels2d, PlanIndexedPixels2d>
+{
+public:
+    static constexpr const char* name = "OutPIPixels2d";
+};
+
+class ORLIX_API OutVoxels3d final : public ObjectOutput<OutVoxels3d, Voxels3d>
+{
+public:
+    static constexpr const char* name = "OutVoxels3d";
+};
+
+class ORLIX_API OutPIVoxels3d final : public PlanIndexedOutput<OutPIVoxels3d, PlanIndexedVoxels3d>
+{
+public:
+    static constexpr const char* name = "OutPIVoxels3d";
+};
+
+} // namespace orlix::imaproc::attr

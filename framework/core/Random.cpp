@@ -1,0 +1,45 @@
+#include <framework/core/Random.hpp>
+
+#include <mutex>
+#include <random>
+
+namespace orlix::core::random
+{
+
+namespace
+{
+
+struct Generator
+{
+    std::mutex mutex;
+    std::mt19937 twister;
+};
+
+Generator& generator()
+{
+    static Generator it;
+    return it;
+}
+
+} // namespace
+
+void setSeed(std::uint32_t seed)
+{
+    const std::lock_guard lock{generator().mutex};
+    generator().twister.seed(seed);
+}
+
+std::uint32_t draw(std::uint32_t size)
+{
+    // The standard's distributions differ between libraries. D. Lemire, Fast random integer generation in an interval,
+    // 2019: the high half of a product, drawn again where the low half would favour some numbers.
+    const std::lock_guard lock{generator().mutex};
+    const std::uint32_t favoured = (0u - size) % size;
+    std::uint64_t product;
+    do {
+        product = std::uint64_t{size} * generator().twister();
+    } while (static_cast<std::uint32_t>(product) < favoured);
+    return static_cast<std::uint32_t>(product >> 32);
+}
+
+} // namespace orlix::core::random

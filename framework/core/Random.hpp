@@ -1,0 +1,18 @@
+#pragma once
+
+#include <framework/core/Api.hpp>
+
+#include <cstdint>
+
+/// The one uniform random generator of the process, a 32-bit Mersenne twister, callable from any thread. It starts from
+/// a fixed seed, so a program that draws from one thread draws the same numbers in every run.
+namespace orlix::core::random
+{
+
+/// Starts the sequence that belongs to the seed.
+ORLIX_API void setSeed(std::uint32_t seed);
+
+/// Uniform among 0 ... size - 1, the same on every machine; size is above 0.
+ORLIX_API std::uint32_t draw(std::uint32_t size);
+
+} // namespace orlix::core::random

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelsByType.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// What a noise kernel accumulates over the rows of a strip.
+struct AbsResponses
+{
+    static constexpr std::size_t lanes = 16;
+
+    Int128 sum;             ///< of integer pixels
+    double laneSums[lanes]; ///< the response at column x of a float image is added to lane x mod 16
+};
+
+/// Adds the absolute responses at the pixels of a row `at`, between those `above` and `below` it.
+template <class T>
+using GaussianNoiseKernel = void (*)(const T* above, const T* at, const T* below, std::size_t size, AbsResponses&);
+
+using GaussianNoiseKernels = KernelsByType<GaussianNoiseKernel>;
+
+// One table per kernel file, each usable only where its instruction set is.
+extern const GaussianNoiseKernels gaussianNoiseKernels_generic;
+extern const GaussianNoiseKernels gaussianNoiseKernels_sse2;
+extern const GaussianNoiseKernels gaussianNoiseKernels_avx; ///< float alone
+extern const GaussianNoiseKernels gaussianNoiseKernels_avx2;
+extern const GaussianNoiseKernels gaussianNoiseKernels_avx512;
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/AreaPercent2dMsr/AreaPercent2dMsrLvl1.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// The percentage of the pixels that each value of a binary or label image has: one list, indexed by value, per
+/// 2d plan (z, c, t). The mask is uint8, int8 or binary, of the size of the image, and 0 or 1; the percentages are
+/// those of all pixels also where there is one. The synchronous forms throw ORLIXBaseProcessingException when the run
+/// fails; the single-result forms measure plan (0, 0, 0) alone.
+ORLIX_API Ptr<Doubles> areaPercent2dMsr(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<Doubles> areaPercent2dMsr(const Ptr<const image::BaseImage>& image,
+                                        const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<AreaPercent2dMsrLvl1> areaPercent2dMsr_async(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<AreaPercent2dMsrLvl1> areaPercent2dMsr_async(const Ptr<const image::BaseImage>& image,
+                                                           const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<PlanIndexedDoubles> multiSlice_areaPercent2dMsr(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<PlanIndexedDoubles> multiSlice_areaPercent2dMsr(const Ptr<const image::BaseImage>& image,
+                                                              const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<AreaPercent2dMsrLvl1> multiSlice_areaPercent2dMsr_async(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<AreaPercent2dMsrLvl1> multiSlice_areaPercent2dMsr_async(const Ptr<const image::BaseImage>& image,
+                                                                      const Ptr<const image::BaseImage>& mask);
+
+/// What a run has written so far; wait for it first.
+ORLIX_API Ptr<Doubles> getAsyncProcessorOutput(const Ptr<AreaPercent2dMsrLvl1>& processor);
+ORLIX_API Ptr<PlanIndexedDoubles> getAsyncProcessorMultiSliceOutput(const Ptr<AreaPercent2dMsrLvl1>& processor);
+
+} // namespace orlix::imaproc::glbmsr

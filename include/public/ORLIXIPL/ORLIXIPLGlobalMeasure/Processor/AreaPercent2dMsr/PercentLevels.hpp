@@ -1,0 +1,78 @@
+#pragma once
+
+#include <framework/attribute/Doubles.hpp>
+#include <framework/attribute/ImageAttributes.hpp>
+#include <framework/process/Levels.hpp>
+
+#include <span>
+
+/// What area and volume percentages share: element v of a result is the share of the plan's (volume's) pixels that have
+/// the value v, in percent. A binary image has the values 0 and 1; a label image (uint8, uint16, uint32) those up to
+/// its largest label. Under a mask, whose pixels are 0 or 1, a pixel's value is its product with that of the mask: so
+/// all pixels outside have the value 0, and on purpose they count.
+///
+/// All instruction sets, and any number of threads, give the same bits. A strip keeps a number per label: labels that
+/// need more than the memory limit fail before they allocate.
+namespace orlix::imaproc::glbmsr
+{
+
+using attr::Doubles;
+using attr::InBinLabImg;
+using attr::InBinLabImg3d;
+using attr::InBinLabYStrip2d1;
+using attr::InBinLabZStrip3d;
+using attr::InOptMaskImg;
+using attr::InOptMaskSubImg2d;
+using attr::InOptMaskSubImg3d;
+using attr::InOptMaskYStrip2d;
+using attr::InOptMaskZStrip3d;
+using attr::InSubBinLabImg2d;
+using attr::InSubBinLabImg3d;
+using attr::OutPIValues;
+using attr::OutValues;
+using attr::PlanIndexedDoubles;
+
+/// Adds up the shares of the strips, in their order, and makes percent of them.
+struct PercentMerge
+{
+    ORLIX_API static core::ProcessingResult merge(std::span<const Ptr<Doubles>> parts, Doubles& merged);
+};
+
+/// The number of pixels of each value in one strip, as a share of the pixels of the whole plan or volume.
+template <class Self, class Strip, class Mask>
+class PercentStrip : public Algorithm<Self, Strip, Mask, OutValues>
+{
+public:
+    /// Enters the kernels that this machine can run.
+    static void functionRegistration(AlgorithmFunctionSelector& selector);
+
+    template <class T, core::eInstructionSet::domain D>
+    core::ProcessingResult genericProcessFunction(ProcessingInfo info);
+
+protected:
+    /// A binary image is read as bytes.
+    void getDataTypeIdColl(image::DataTypeIdentifierColl& dataTypes) const override;
+    core::ProcessingResult postProcess() override;
+
+private:
+    template <class T, core::eInstructionSet::domain D>
+    core::ProcessingResult processBinary(ProcessingInfo info);
+    template <class T, core::eInstructionSet::domain D>
+    core::ProcessingResult processLabel(ProcessingInfo info);
+
+    std::vector<std::uint32_t> tables_; // that live on from strip to strip
+};
+
+/// One plan or volume, in few strips, as each keeps a number per label.
+template <class Self, class Child, class Image, class Mask>
+class PercentSubImage : public StripsLvl2<Self, Child, Pass<OutValues>, PercentMerge, Image, Mask>
+{
+protected:
+    std::size_t getMinStripPixels() const override
+    {
+        constexpr std::size_t maxStrips = 32;
+        return this->template value<typename Image::Source>().getGeometry().nbPixels() / maxStrips;
+    }
+};
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/KernelDensityEstimator2d/KernelDensityEstimator2dLvl1.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// What a kernel density estimate of the grey levels is evaluated from: the pixels at positions that are drawn at
+/// random, with replacement, and a bandwidth for them; one record per 2d plan (z, c, t) of an image of any numeric
+/// type. Without parameters, 1000 samples and Silverman's rule. core::random::setSeed chooses the sample. The
+/// synchronous forms throw ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0,
+/// 0) alone.
+ORLIX_API Ptr<KDEDataSet> kernelDensityEstimator2d(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<KDEDataSet> kernelDensityEstimator2d(const Ptr<const image::BaseImage>& image, std::uint32_t nbSamples,
+                                                   const Ptr<const KDEBandwidthPolicy>& bandwidthPolicy);
+ORLIX_API Ptr<KernelDensityEstimator2dLvl1> kernelDensityEstimator2d_async(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<KernelDensityEstimator2dLvl1>
+kernelDensityEstimator2d_async(const Ptr<const image::BaseImage>& image, std::uint32_t nbSamples,
+                               const Ptr<const KDEBandwidthPolicy>& bandwidthPolicy);
+ORLIX_API Ptr<PlanIndexedKDEDataSet> multiSlice_kernelDensityEstimator2d(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<PlanIndexedKDEDataSet>
+multiSlice_kernelDensityEstimator2d(const Ptr<const image::BaseImage>& image, std::uint32_t nbSamples,
+                                    const Ptr<const KDEBandwidthPolicy>& bandwidthPolicy);
+ORLIX_API Ptr<KernelDensityEstimator2dLvl1>
+multiSlice_kernelDensityEstimator2d_async(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<KernelDensityEstimator2dLvl1>
+multiSlice_kernelDensityEstimator2d_async(const Ptr<const image::BaseImage>& image, std::uint32_t nbSamples,
+                                          const Ptr<const KDEBandwidthPolicy>& bandwidthPolicy);
+
+/// What a run has written so far; wait for it first.
+ORLIX_API Ptr<KDEDataSet> getAsyncProcessorOutput(const Ptr<KernelDensityEstimator2dLvl1>& processor);
+ORLIX_API Ptr<PlanIndexedKDEDataSet>
+getAsyncProcessorMultiSliceOutput(const Ptr<KernelDensityEstimator2dLvl1>& processor);
+
+} // namespace orlix::imaproc::glbmsr

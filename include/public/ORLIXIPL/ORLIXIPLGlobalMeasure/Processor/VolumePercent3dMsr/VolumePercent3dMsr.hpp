@@ -1,0 +1,29 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/VolumePercent3dMsr/VolumePercent3dMsrLvl1.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// The percentage of the pixels that each value of a binary or label image has: one list, indexed by value, per
+/// 3d volume (c, t). The mask is uint8, int8 or binary, of the size of the image, and 0 or 1; the percentages are those
+/// of all pixels also where there is one. The synchronous forms throw ORLIXBaseProcessingException when the run fails;
+/// the single-result forms measure volume (0, 0) alone.
+ORLIX_API Ptr<Doubles> volumePercent3dMsr(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<Doubles> volumePercent3dMsr(const Ptr<const image::BaseImage>& image,
+                                          const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<VolumePercent3dMsrLvl1> volumePercent3dMsr_async(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<VolumePercent3dMsrLvl1> volumePercent3dMsr_async(const Ptr<const image::BaseImage>& image,
+                                                               const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<PlanIndexedDoubles> multiSlice_volumePercent3dMsr(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<PlanIndexedDoubles> multiSlice_volumePercent3dMsr(const Ptr<const image::BaseImage>& image,
+                                                                const Ptr<const image::BaseImage>& mask);
+ORLIX_API Ptr<VolumePercent3dMsrLvl1> multiSlice_volumePercent3dMsr_async(const Ptr<const image::BaseImage>& image);
+ORLIX_API Ptr<VolumePercent3dMsrLvl1> multiSlice_volumePercent3dMsr_async(const Ptr<const image::BaseImage>& image,
+                                                                          const Ptr<const image::BaseImage>& mask);
+
+/// What a run has written so far; wait for it first.
+ORLIX_API Ptr<Doubles> getAsyncProcessorOutput(const Ptr<VolumePercent3dMsrLvl1>& processor);
+ORLIX_API Ptr<PlanIndexedDoubles> getAsyncProcessorMultiSliceOutput(const Ptr<VolumePercent3dMsrLvl1>& processor);
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,90 @@
+// Sums, largest values and masked values of binary and label images, once for every pixel type and instruction set.
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Pack.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/AreaPercent2dMsr/PercentKernels.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+namespace
+{
+
+template <class R>
+ORLIX_KERNEL std::uint8_t lowByte(const R& run, std::size_t i)
+{
+    if constexpr (R::isMasked) {
+        return std::uint8_t(run.pixels[i] * run.mask[i]);
+    } else {
+        return run.pixels[i];
+    }
+}
+
+template <Domain::domain D, class R>
+std::uint64_t sumLowBytes(R run)
+{
+    std::uint64_t sum = 0;
+    std::size_t i = 0;
+    if constexpr (D != Domain::eIS_Generic) {
+        using Bytes = Pack<std::uint8_t, D>;
+        using Words = Pack<std::uint16_t, D>;
+        Pack<std::uint64_t, D> sums{};
+        for (; i + sizeof(Bytes) <= run.size; i += sizeof(Bytes)) {
+            Bytes x = load<Bytes>(run.pixels + i);
+            if constexpr (R::isMasked) {
+                const Bytes mask = load<Bytes>(run.mask + i);
+                const Words even = ((Words)x * (Words)mask) & 0xff; // of a product the low byte is that of low bytes
+                const Words odd = ((Words)x >> 8) * ((Words)mask >> 8) << 8;
+                x = (Bytes)(even | odd);
+            }
+            sums += addBytes<D>(x);
+        }
+        sum = addLanes<std::uint64_t, std::uint64_t>(sums);
+    }
+    for (; i < run.size; ++i) {
+        sum += lowByte(run, i);
+    }
+    return sum;
+}
+
+template <class T, Domain::domain D>
+std::uint32_t largest(Run<T> run)
+{
+    T most = 0;
+    std::size_t i = 0;
+    if constexpr (D != Domain::eIS_Generic) {
+        using P = Pack<T, D>;
+        constexpr std::size_t step = lanes<T, D>;
+        P packs[4] = {};
+        for (; i + 4 * step <= run.size; i += 4 * step) {
+            for (std::size_t k = 0; k < 4; ++k) {
+                packs[k] = glbmsr::most(packs[k], load<P>(run.pixels + i + k * step));
+            }
+        }
+        most = mostLane<T>(glbmsr::most(glbmsr::most(packs[0], packs[1]), glbmsr::most(packs[2], packs[3])));
+    }
+    for (; i < run.size; ++i) {
+        most = most < run.pixels[i] ? run.pixels[i] : most;
+    }
+    return most;
+}
+
+/// The compiler widens and multiplies in vectors of the file's instruction set.
+template <class T>
+void multiply(MaskedRun<T> run, std::uint32_t* __restrict products)
+{
+    for (std::size_t i = 0; i < run.size; ++i) {
+        products[i] = std::uint32_t{run.pixels[i]} * run.mask[i];
+    }
+}
+
+template <class T, Domain::domain D>
+constexpr LabelKernel<T> labelKernel{&largest<T, D>, &multiply<T>};
+
+template <Domain::domain D>
+constexpr PercentKernels everyPercentKernel{&sumLowBytes<D, Run<std::uint8_t>>,
+                                            &sumLowBytes<D, MaskedRun<std::uint8_t>>, labelKernel<std::uint8_t, D>,
+                                            labelKernel<std::uint16_t, D>, labelKernel<std::uint32_t, D>};
+
+} // namespace
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,46 @@
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/KernelDensityEstimator2d/KDELevels.hpp>
+
+#include <framework/attribute/AttributeMessages.hpp>
+#include <framework/core/Random.hpp>
+
+#include <algorithm>
+
+namespace orlix::imaproc::glbmsr
+{
+
+core::ProcessingResult checkNbSamples(std::size_t nbSamples, std::size_t positionBytes)
+{
+    // Of every sample the position and two copies of its value.
+    const std::size_t bytes = nbSamples * (positionBytes + 2 * sizeof(double));
+    const std::size_t limit = core::settings::getMemoryLimit();
+    if (bytes <= limit) {
+        return {};
+    }
+    return core::ProcessingResult::failure(
+        core::formatMessage(attr::eAttributeMessage::eAM_ManySamples, nbSamples, (bytes >> 20) + 1, limit >> 20));
+}
+
+namespace
+{
+
+double drawAlong(std::size_t size)
+{
+    return core::random::draw(static_cast<std::uint32_t>(std::min<std::size_t>(size, 0xffffffff)));
+}
+
+} // namespace
+
+void drawPosition(const image::ImageGeometry& size, image::Coords2d& position)
+{
+    position.x = drawAlong(size.x);
+    position.y = drawAlong(size.y);
+}
+
+void drawPosition(const image::ImageGeometry& size, image::Coords3d& position)
+{
+    position.x = drawAlong(size.x);
+    position.y = drawAlong(size.y);
+    position.z = drawAlong(size.z);
+}
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,0 +1,63 @@
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/VolumePercent3dMsr/VolumePercent3dMsr.hpp>
+
+#include <framework/process/CallingForms.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+using Forms = CallingForms<VolumePercent3dMsrLvl1>;
+
+Ptr<Doubles> volumePercent3dMsr(const Ptr<const image::BaseImage>& image)
+{
+    return Forms::single<InBinLabImg3d>(image);
+}
+
+Ptr<Doubles> volumePercent3dMsr(const Ptr<const image::BaseImage>& image, const Ptr<const image::BaseImage>& mask)
+{
+    return Forms::single<InBinLabImg3d, InOptMaskImg>(image, mask);
+}
+
+Ptr<VolumePercent3dMsrLvl1> volumePercent3dMsr_async(const Ptr<const image::BaseImage>& image)
+{
+    return Forms::singleAsync<InBinLabImg3d>(image);
+}
+
+Ptr<VolumePercent3dMsrLvl1> volumePercent3dMsr_async(const Ptr<const image::BaseImage>& image,
+                                                     const Ptr<const image::BaseImage>& mask)
+{
+    return Forms::singleAsync<InBinLabImg3d, InOptMaskImg>(image, mask);
+}
+
+Ptr<PlanIndexedDoubles> multiSlice_volumePercent3dMsr(const Ptr<const image::BaseImage>& image)
+{
+    return Forms::everyPlan<InBinLabImg3d>(image);
+}
+
+Ptr<PlanIndexedDoubles> multiSlice_volumePercent3dMsr(const Ptr<const image::BaseImage>& image,
+                                                      const Ptr<const image::BaseImage>& mask)
+{
+    return Forms::everyPlan<InBinLabImg3d, InOptMaskImg>(image, mask);
+}
+
+Ptr<VolumePercent3dMsrLvl1> multiSlice_volumePercent3dMsr_async(const Ptr<const image::BaseImage>& image)
+{
+    return Forms::everyPlanAsync<InBinLabImg3d>(image);
+}
+
+Ptr<VolumePercent3dMsrLvl1> multiSlice_volumePercent3dMsr_async(const Ptr<const image::BaseImage>& image,
+                                                                const Ptr<const image::BaseImage>& mask)
+{
+    return Forms::everyPlanAsync<InBinLabImg3d, InOptMaskImg>(image, mask);
+}
+
+Ptr<Doubles> getAsyncProcessorOutput(const Ptr<VolumePercent3dMsrLvl1>& processor)
+{
+    return Forms::output(processor);
+}
+
+Ptr<PlanIndexedDoubles> getAsyncProcessorMultiSliceOutput(const Ptr<VolumePercent3dMsrLvl1>& processor)
+{
+    return Forms::multiSliceOutput(processor);
+}
+
+} // namespace orlix::imaproc::glbmsr
