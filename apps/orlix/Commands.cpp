@@ -125,6 +125,64 @@ void spreadValues(Report& report)
     report.results = std::move(rows);
 }
 
+/// A table of percentages is for people: a row for every value that occurs.
+void spreadPercentages(Report& report)
+{
+    std::vector<Json> rows;
+    for (const Json& plan : report.results) {
+        Json row = plan;
+        row.erase("Values");
+        for (std::size_t i = 0; i < plan["Values"].size(); ++i) {
+            if (plan["Values"][i] != 0.0) {
+                row["Value"] = i;
+                row["Percent"] = plan["Values"][i];
+                rows.push_back(row);
+            }
+        }
+    }
+    report.results = std::move(rows);
+}
+
+/// A table of positions is for people: a row for every one.
+void spreadCoordinates(Report& report)
+{
+    std::vector<Json> rows;
+    for (const Json& plan : report.results) {
+        for (const Json& at : plan["Coordinates"]) {
+            Json row = Json::object();
+            // The plan is named apart from the position in it.
+            for (const char* const axis : {"z", "c", "t"}) {
+                if (plan.contains(axis)) {
+                    row[std::string{"plan "} + axis] = plan[axis];
+                }
+            }
+            for (std::size_t i = 0; i < at.size(); ++i) {
+                row[std::string{"xyz"[i]}] = at[i];
+            }
+            rows.push_back(row);
+        }
+    }
+    report.results = std::move(rows);
+}
+
+/// A table of fits is for people: a column for every coefficient.
+void spreadCoefficients(Report& report)
+{
+    for (Json& row : report.results) {
+        const Json coefficients = row["Coefficients"];
+        row.erase("Coefficients");
+        row.update(coefficients);
+    }
+}
+
+/// A table of samples is for people: their number.
+void countSamples(Report& report)
+{
+    for (Json& row : report.results) {
+        row["Samples"] = row["Samples"].size();
+    }
+}
+
 /// What `--per` may be.
 enum class Per
 {
@@ -143,6 +201,9 @@ struct Verb
     bool takesMask = false;
     bool takesClasses = false;
     bool takesProjection = false;
+    bool takesSample = false;
+    bool takesLimit = false;
+    bool takesBinary = false;
     void (*forPeople)(Report&) = nullptr; ///< makes a table of a report that is one for machines
 };
 
@@ -164,7 +225,33 @@ constexpr Verb verbs[] = {
      .help = "entropy of the grey levels of each plan, in nats",
      .run = &runEntropy,
      .takesClasses = true},
+    {.name = "noise", .help = "standard deviation of Gaussian noise", .run = &runNoise},
+    {.name = "kde",
+     .help = "a random sample of the grey levels, and a bandwidth to estimate their density with",
+     .run = &runKde,
+     .per = Per::Parts,
+     .takesSample = true,
+     .forPeople = &countSamples},
     {.name = "count", .help = "number of objects in a label image", .run = &runCount, .per = Per::Parts},
+    {.name = "percent",
+     .help = "percentage of the pixels that each value of a binary or label image has",
+     .run = &runPercent,
+     .per = Per::Parts,
+     .takesMask = true,
+     .takesBinary = true,
+     .forPeople = &spreadPercentages},
+    {.name = "locate",
+     .help = "coordinates of the set pixels of a binary image",
+     .run = &runLocate,
+     .per = Per::Parts,
+     .takesLimit = true,
+     .takesBinary = true,
+     .forPeople = &spreadCoordinates},
+    {.name = "paraboloid",
+     .help = "the surface a x^2 + b y^2 + c x y + d x + e y + f that fits each plan best",
+     .run = &runParaboloid,
+     .takesMask = true,
+     .forPeople = &spreadCoefficients},
     {.name = "ncc",
      .help = "normalized cross correlation of two images",
      .run = &runNcc,
@@ -191,7 +278,7 @@ constexpr Verb verbs[] = {
      .forPeople = &summariseKernels},
 };
 
-constexpr std::string_view laterVerbs[] = {"noise", "kde", "percent", "locate", "paraboloid", "report"};
+constexpr std::string_view laterVerbs[] = {"report"};
 
 CLI::Validator finiteAbove(double least)
 {
@@ -201,6 +288,19 @@ CLI::Validator finiteAbove(double least)
             return text + " is not a finite number";
         }
         return x > least ? "" : text + " is not above " + toJson(least).dump();
+    };
+    return CLI::Validator{check, ""};
+}
+
+CLI::Validator bandwidth()
+{
+    const auto check = [](std::string& text) -> std::string {
+        const std::string lower = CLI::detail::to_lower(text);
+        if (lower == "silverman" || lower == "scott") {
+            text = lower;
+            return {};
+        }
+        return finiteAbove(0)(text).empty() ? "" : text + " is neither silverman nor scott nor a number above 0";
     };
     return CLI::Validator{check, ""};
 }
@@ -253,6 +353,19 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
             ->transform(
                 CLI::IsMember({"uint8", "int8", "uint16", "int16", "uint32", "int32", "float32"}, CLI::ignore_case))
             ->type_name("TYPE");
+    }
+    if (verb.takesSample) {
+        command.add_option("--samples", options.samples, "how many pixels are drawn (default: 1000)")->type_name("N");
+        command.add_option("--bandwidth", options.bandwidth, "silverman (the default), scott or a number")
+            ->transform(bandwidth())
+            ->type_name("");
+        command.add_option("--seed", options.seed, "seed of the sample")->type_name("N");
+    }
+    if (verb.takesLimit) {
+        command.add_option("--limit", options.limit, "at most so many coordinates per plan or volume")->type_name("N");
+    }
+    if (verb.takesBinary) {
+        command.add_flag("--binary", options.binary, "read any pixel that is not 0 as set");
     }
     command.add_option("--isa", options.isa, "force an instruction set: generic, sse2, avx, avx2 or avx512")
         ->check(CLI::IsMember({"generic", "sse2", "avx", "avx2", "avx512"}))

@@ -4,8 +4,10 @@
 #include <orlix/TiffFile.hpp>
 #include <orlix/TiffWriter.hpp>
 
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/AreaPercent2dMsr/AreaPercent2dMsr.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Counting2dMsr/Counting2dMsr.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Counting3dMsr/Counting3dMsr.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GaussianNoiseMsr/GaussianNoiseMsr.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GlobalEntropyMsr2d/GlobalEntropyMsr2d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMaskMsr/HistogramMaskMsr.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMaskMsr2d/HistogramMaskMsr2d.hpp>
@@ -13,8 +15,13 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramMsr.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr2d/HistogramMsr2d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr3d/HistogramMsr3d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/KernelDensityEstimator2d/KernelDensityEstimator2d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/KernelDensityEstimator3d/KernelDensityEstimator3d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/LocatePixels2d/LocatePixels2d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/LocateVoxels3d/LocateVoxels3d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/NormalizedCrossCorrelationMsr2d/NormalizedCrossCorrelationMsr2d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/NormalizedCrossCorrelationMsr3d/NormalizedCrossCorrelationMsr3d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/ParaboloidImgFit2d/ParaboloidImgFit2d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/PearsonCorrelationCoefficient2d/PearsonCorrelationCoefficient2d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/PearsonCorrelationCoefficient3d/PearsonCorrelationCoefficient3d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SeqProjectionImg/SeqProjectionImg.hpp>
@@ -25,9 +32,12 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsr.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr3d/StatsMsr3d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/VolumePercent3dMsr/VolumePercent3dMsr.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/XProjection2d/XProjection2d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/YProjection2d/YProjection2d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/ZProjectionImg/ZProjectionImg.hpp>
+
+#include <framework/core/Random.hpp>
 
 #include <algorithm>
 
@@ -53,37 +63,47 @@ Ptr<const BaseImage> asNumbers(const Ptr<const BaseImage>& image)
                            image);
 }
 
+/// A gapless image as 0 and 1: which of its pixels are not 0.
+Ptr<const BaseImage> findNonZero(const BaseImage& image, eImageBufferType type)
+{
+    const image::ImageGeometry& size = image.getGeometry();
+    auto set = BaseImage::create(type, size);
+    if (size.empty()) {
+        return set;
+    }
+    if (image.getType() == eImageBufferType::eIBT_Binary) {
+        std::copy_n(image.getRow(0), size.nbPixels(), set->getRow(0));
+    }
+    image::forEachPixelType([&]<class T>(std::type_identity<T>) {
+        if (image.getType() == image::imageBufferTypeOf<T>) {
+            const T* const pixels = reinterpret_cast<const T*>(image.getRow(0));
+            std::transform(pixels, pixels + size.nbPixels(), set->getRow(0),
+                           [](T pixel) { return static_cast<std::byte>(pixel != 0); });
+        }
+    });
+    return set;
+}
+
 /// A gapless image of any integer type as a mask of 0 and 1.
 Ptr<const BaseImage> asMask(const std::string& path, const BaseImage& image)
 {
-    const image::ImageGeometry& size = image.getGeometry();
-    auto mask = BaseImage::create(eImageBufferType::eIBT_UInt8, size);
-    bool found = image.getType() == eImageBufferType::eIBT_Binary || size.empty();
-    if (found && !size.empty()) {
-        std::copy_n(image.getRow(0), size.nbPixels(), mask->getRow(0));
+    if (image.getType() == eImageBufferType::eIBT_Float32) {
+        throw FileError{path + ": a float32 image is no mask: convert it to an integer type"};
     }
-    image::forEachPixelType([&]<class T>(std::type_identity<T>) {
-        if (!found && std::is_integral_v<T> && image.getType() == image::imageBufferTypeOf<T>) {
-            const T* const pixels = reinterpret_cast<const T*>(image.getRow(0));
-            std::transform(pixels, pixels + size.nbPixels(), mask->getRow(0),
-                           [](T pixel) { return static_cast<std::byte>(pixel != 0); });
-            found = true;
-        }
-    });
-    if (!found) {
-        throw FileError{path + ": a " + image::getName(image.getType()) +
-                        " image is no mask: convert it to an integer type"};
-    }
-    return mask;
+    return findNonZero(image, eImageBufferType::eIBT_UInt8);
 }
 
 /// The image of a command and its mask, if it has one, with what a report says of them.
 struct Inputs
 {
-    explicit Inputs(const Options& options)
+    /// A binary image stays one where the measure knows them.
+    explicit Inputs(const Options& options, bool takesBinary = false)
     {
         const TiffFile file{options.image, options.pages};
-        image = asNumbers(file.read());
+        image = takesBinary ? file.read() : asNumbers(file.read());
+        if (options.binary) {
+            image = findNonZero(*image, eImageBufferType::eIBT_Binary);
+        }
         report.images.emplace_back("image", describeImage(options.image, file.getType(), file.getGeometry()));
         if (!options.image2.empty()) {
             image2 = asNumbers(readOther(options, options.image2, "image2"));
@@ -348,6 +368,78 @@ Report runSimilarity(const Options& options)
     }
     inputs.report.measure = "similarityMsr";
     inputs.report.results = {toJson(*similarityMsr(inputs.image, inputs.image2))};
+    return inputs.report;
+}
+
+Report runNoise(const Options& options)
+{
+    Inputs inputs{options};
+    inputs.report.measure = "gaussianNoiseMsr";
+    inputs.report.results = {toJson(*gaussianNoiseMsr(inputs.image))};
+    return inputs.report;
+}
+
+Report runKde(const Options& options)
+{
+    const Inputs inputs{options};
+    auto policy = makePtr<KDEBandwidthPolicy>();
+    if (options.bandwidth == "scott") {
+        policy->Rule = attr::eKDEBandwidth::eKB_Scott;
+    } else if (!options.bandwidth.empty() && options.bandwidth != "silverman") {
+        policy->Rule = attr::eKDEBandwidth::eKB_Fixed;
+        policy->Bandwidth = std::stod(options.bandwidth);
+    }
+    const unsigned samples = options.samples.value_or(*InOptKDENbSamples::getDefault());
+    core::random::setSeed(options.seed.value_or(core::random::defaultSeed));
+    return reportParts(
+        options, inputs.report, "kernelDensityEstimator2d",
+        [&] { return multiSlice_kernelDensityEstimator2d(inputs.image, samples, policy); }, "kernelDensityEstimator3d",
+        [&] { return multiSlice_kernelDensityEstimator3d(inputs.image, samples, policy); });
+}
+
+Report runPercent(const Options& options)
+{
+    const Inputs inputs{options, true};
+    // A null mask is none.
+    return reportParts(
+        options, inputs.report, "areaPercent2dMsr",
+        [&] { return multiSlice_areaPercent2dMsr(inputs.image, inputs.mask); }, "volumePercent3dMsr",
+        [&] { return multiSlice_volumePercent3dMsr(inputs.image, inputs.mask); });
+}
+
+Report runLocate(const Options& options)
+{
+    const Inputs inputs{options, true};
+    const auto& image = inputs.image;
+    if (image->getType() != eImageBufferType::eIBT_Binary) {
+        throw FileError{options.image + ": it is " + image::getName(image->getType()) +
+                        ", and locate takes a binary image: pass --binary to read any pixel that is not 0 as set"};
+    }
+    return reportParts(
+        options, inputs.report, "locatePixels2d",
+        [&] {
+            return options.limit ? multiSlice_locatePixels2d(image, *options.limit) : multiSlice_locatePixels2d(image);
+        },
+        "locateVoxels3d",
+        [&] {
+            return options.limit ? multiSlice_locateVoxels3d(image, *options.limit) : multiSlice_locateVoxels3d(image);
+        });
+}
+
+Report runParaboloid(const Options& options)
+{
+    Inputs inputs{options};
+    inputs.report.measure = "paraboloidImgFit2d";
+    const auto fits = multiSlice_paraboloidImgFit2d(inputs.image, inputs.mask);
+    inputs.report.results = listResults(*fits, ePlanKind::ePK_Plan2d);
+    for (std::size_t i = 0; i < inputs.report.results.size(); ++i) {
+        Json& row = inputs.report.results[i];
+        Json coefficients = toJson(*fits->getElement(i));
+        for (const auto& [name, value] : coefficients.items()) {
+            row.erase(name);
+        }
+        row["Coefficients"] = std::move(coefficients);
+    }
     return inputs.report;
 }
 

@@ -16,5 +16,10 @@ Report runProject(const Options& options);
 Report runNcc(const Options& options);
 Report runPearson(const Options& options);
 Report runSimilarity(const Options& options);
+Report runNoise(const Options& options);
+Report runKde(const Options& options);
+Report runPercent(const Options& options);
+Report runLocate(const Options& options);
+Report runParaboloid(const Options& options);
 
 } // namespace orlix::app

@@ -23,6 +23,11 @@ struct Options
     std::optional<double> max;
     std::optional<double> binWidth;
     std::optional<unsigned> classes;
+    std::optional<unsigned> samples;
+    std::string bandwidth; ///< a rule or a number; empty: the library's own rule
+    std::optional<unsigned> seed;
+    std::optional<unsigned> limit;
+    bool binary = false;
     unsigned threads = 0;
     bool json = false;
     bool quiet = false;

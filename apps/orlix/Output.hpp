@@ -1,5 +1,6 @@
 #pragma once
 
+#include <framework/attribute/Pixels.hpp>
 #include <framework/data/DataItem.hpp>
 #include <framework/image/Geometry.hpp>
 #include <framework/image/PixelType.hpp>
@@ -46,6 +47,21 @@ Json toJson(const data::DataItem<Record>& item)
         }
     });
     return object;
+}
+
+/// A list of [x, y] or [x, y, z].
+template <class List, class Coords>
+Json toJson(const imaproc::attr::CoordsList<List, Coords>& list)
+{
+    Json coordinates = Json::array();
+    for (const Coords& at : list.Coordinates) {
+        if constexpr (std::is_same_v<Coords, image::Coords3d>) {
+            coordinates.push_back({at.x, at.y, at.z});
+        } else {
+            coordinates.push_back({at.x, at.y});
+        }
+    }
+    return {{"Coordinates", std::move(coordinates)}};
 }
 
 Json describeImage(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& geometry);

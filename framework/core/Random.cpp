@@ -12,7 +12,7 @@ namespace
 struct Generator
 {
     std::mutex mutex;
-    std::mt19937 twister;
+    std::mt19937 twister{defaultSeed};
 };
 
 Generator& generator()

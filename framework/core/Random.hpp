@@ -9,6 +9,8 @@
 namespace orlix::core::random
 {
 
+inline constexpr std::uint32_t defaultSeed = 5489;
+
 /// Starts the sequence that belongs to the seed.
 ORLIX_API void setSeed(std::uint32_t seed);
 
