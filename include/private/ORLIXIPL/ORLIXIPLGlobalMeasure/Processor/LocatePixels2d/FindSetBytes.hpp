@@ -2,11 +2,9 @@
 
 #include <emmintrin.h>
 
-#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -36,29 +34,49 @@ inline std::uint64_t setBytes(const std::uint8_t* bytes, std::size_t size)
 /// The number of bytes that are not 0.
 inline std::size_t countSetBytes(const std::uint8_t* bytes, std::size_t size)
 {
-    std::size_t set = 0;
+    const __m128i zero = _mm_setzero_si128();
+    std::size_t zeros = 0;
     std::size_t i = 0;
-    for (; i + 64 <= size; i += 64) {
-        set += static_cast<std::size_t>(std::popcount(setBytes(bytes + i)));
+    while (i + 16 <= size) {
+        constexpr std::size_t most = 255 * 16; // that lanes of bytes can count
+        const std::size_t end = i + (size - i < most ? size - i : most) / 16 * 16;
+        __m128i counts = zero;
+        for (; i < end; i += 16) {
+            const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
+            counts = _mm_sub_epi8(counts, _mm_cmpeq_epi8(sixteen, zero));
+        }
+        const __m128i sums = _mm_sad_epu8(counts, zero);
+        zeros += static_cast<std::size_t>(_mm_cvtsi128_si64(sums) + _mm_cvtsi128_si64(_mm_srli_si128(sums, 8)));
     }
-    return set + static_cast<std::size_t>(std::popcount(setBytes(bytes + i, size - i)));
+    for (; i < size; ++i) {
+        zeros += bytes[i] == 0;
+    }
+    return size - zeros;
 }
 
-/// Appends coords(x) for every byte x that is not 0, until the list, which has room for them, has `limit` elements.
+/// Writes coords(x) for every byte x that is not 0 from `to` on, but not beyond `end`, and returns where it stopped.
 template <class Coords, class MakeCoords>
-void appendSetBytes(const std::uint8_t* bytes, std::size_t size, std::size_t limit, std::vector<Coords>& list,
-                    MakeCoords coords)
+Coords* listSetBytes(const std::uint8_t* bytes, std::size_t size, Coords* to, Coords* end, MakeCoords coords)
 {
-    Coords found[64]; // in which a block waits, so that the list need not look for room at every element
-    for (std::size_t i = 0; i < size && list.size() < limit; i += 64) {
+    for (std::size_t i = 0; i < size && to != end; i += 64) {
         std::uint64_t set = i + 64 <= size ? setBytes(bytes + i) : setBytes(bytes + i, size - i);
-        const auto count = static_cast<std::size_t>(std::popcount(set));
-        for (std::size_t k = 0; k < count; ++k) {
-            found[k] = coords(static_cast<double>(i + static_cast<std::size_t>(std::countr_zero(set))));
-            set &= set - 1;
+        const auto at = [&](std::uint64_t rest) {
+            return coords(
+                static_cast<double>(static_cast<std::ptrdiff_t>(i) + std::countr_zero(rest))); // converts faster
+        };
+        if (end - to >= 2) {
+            // Two are written whether they are there or not: with few set bytes, a branch would often guess wrong.
+            const std::uint64_t second = set & (set - 1);
+            to[0] = at(set);
+            to[1] = at(second);
+            to += (set != 0) + (second != 0);
+            set = second & (second - 1);
         }
-        list.insert(list.end(), found, found + std::min(count, limit - list.size()));
+        for (; set != 0 && to != end; set &= set - 1) {
+            *to++ = at(set);
+        }
     }
+    return to;
 }
 
 } // namespace orlix::imaproc::glbmsr

@@ -22,26 +22,29 @@ void LocateStrip<Self, Strip, Output>::functionRegistration(AlgorithmFunctionSel
 template <class Self, class Strip, class Output>
 core::ProcessingResult LocateStrip<Self, Strip, Output>::genericProcessFunction(ProcessingInfo info)
 {
-    const auto& strip = this->template attribute<Strip>().get();
-    auto& list = this->template value<Output>().Coordinates;
-    list.clear();
     const image::StripParser& parser = this->getParser(0);
-    std::size_t set = 0;
-    for (std::size_t i = 0; i < info.nbRuns(); ++i) {
-        set += countSetBytes(parser.run<std::uint8_t>(i, info.rowSize), info.rowSize);
-    }
-    const std::size_t limit = std::min<std::size_t>(set, this->template value<InNbFeatures>());
-    list.reserve(limit);
     const image::PixelBox& box = parser.getBox();
-    for (std::size_t row = 0; list.size() < limit; ++row) {
+    const std::size_t limit = this->template value<InNbFeatures>();
+    const std::size_t rows = info.size == 0 ? 0 : box.y * box.z;
+    std::size_t set = 0;
+    for (std::size_t row = 0; row < rows && set < limit; ++row) {
+        set += countSetBytes(parser.run<std::uint8_t>(row, box.x), box.x);
+    }
+    auto& list = this->template value<Output>().Coordinates;
+    list.resize(std::min(set, limit));
+    core::useHugePages(list);
+    auto* to = list.data();
+    auto* const end = to + list.size();
+    const std::size_t first = this->template attribute<Strip>().get().first;
+    for (std::size_t row = 0; to != end; ++row) {
         const auto* const bytes = parser.run<std::uint8_t>(row, box.x);
         if constexpr (std::is_same_v<Strip, InBinZStrip3d>) {
             const auto y = static_cast<double>(row % box.y);
-            const auto z = static_cast<double>(strip.first + row / box.y);
-            appendSetBytes(bytes, box.x, limit, list, [&](double x) { return image::Coords3d{x, y, z}; });
+            const auto z = static_cast<double>(first + row / box.y);
+            to = listSetBytes(bytes, box.x, to, end, [&](double x) { return image::Coords3d{x, y, z}; });
         } else {
-            const auto y = static_cast<double>(strip.first + row);
-            appendSetBytes(bytes, box.x, limit, list, [&](double x) { return image::Coords2d{x, y}; });
+            const auto y = static_cast<double>(first + row);
+            to = listSetBytes(bytes, box.x, to, end, [&](double x) { return image::Coords2d{x, y}; });
         }
     }
     return {};

@@ -2,9 +2,12 @@
 
 #include <framework/attribute/ImageAttributes.hpp>
 #include <framework/attribute/Pixels.hpp>
+#include <framework/core/HugePages.hpp>
+#include <framework/core/Settings.hpp>
 #include <framework/process/Levels.hpp>
 
 #include <algorithm>
+#include <vector>
 
 /// What the lists of set pixels and voxels share. A list has the positions of the bytes that are not 0, in raster order
 /// (x fastest, then y, then z), up to a limit; how the image is cut does not change it.
@@ -46,24 +49,39 @@ template <class Self, class Child, class Output, class Image>
 class LocateSubImage : public StripsLvl2<Self, Child, Pass<Output>, MergeItself, Image, Pass<InNbFeatures>>
 {
 protected:
+    /// How a plan is cut does not show; one thread may as well write the list as a whole.
+    std::size_t getMinStripPixels() const override
+    {
+        return core::settings::getNbThreads() == 1
+                   ? this->template value<typename Image::Source>().getGeometry().nbPixels()
+                   : 0;
+    }
+
     core::ProcessingResult postProcess() override
     {
-        std::size_t size = 0;
-        for (const auto& part : this->getParts()) {
-            size += part->Coordinates.size();
-        }
-        const std::size_t limit = std::min<std::size_t>(size, this->template value<InNbFeatures>());
+        const auto& parts = this->getParts();
         auto& list = this->template value<Output>().Coordinates;
         list.clear();
-        if (this->getParts().size() == 1) {
-            list.swap(this->getParts()[0]->Coordinates);
+        if (parts.size() == 1) {
+            list.swap(parts[0]->Coordinates); // it keeps the limit itself
+            return {};
         }
-        list.reserve(limit);
-        for (const auto& part : this->getParts()) {
-            const std::size_t more = std::min(part->Coordinates.size(), limit - list.size());
-            list.insert(list.end(), part->Coordinates.begin(),
-                        part->Coordinates.begin() + static_cast<std::ptrdiff_t>(more));
+        std::vector<std::size_t> begins{0};
+        for (const auto& part : parts) {
+            begins.push_back(begins.back() + part->Coordinates.size());
         }
+        list.resize(std::min<std::size_t>(begins.back(), this->template value<InNbFeatures>()));
+        core::useHugePages(list);
+        const auto join = [&](std::size_t begin, std::size_t end) {
+            for (std::size_t i = begin; i < end; ++i) {
+                auto& part = parts[i]->Coordinates;
+                const std::size_t first = std::min(begins[i], list.size());
+                std::copy_n(part.begin(), std::min(part.size(), list.size() - first),
+                            list.begin() + static_cast<std::ptrdiff_t>(first));
+                part = {};
+            }
+        };
+        executor::parallelFor(parts.size(), 1, ePriority::eP_Normal, RangeBody{join});
         return {};
     }
 };
