@@ -25,6 +25,28 @@ namespace
 
 /// The row of the message table that is each class's tool tip.
 const std::map<std::string, unsigned> toolTips{
+    {"AreaPercent2dMsrLvl1", 0},
+    {"AreaPercent2dMsrLvl2", 1},
+    {"AreaPercent2dMsrLvl3", 2},
+    {"GaussianNoiseMsrLvl1", 7},
+    {"GaussianNoiseMsrLvl2", 8},
+    {"GaussianNoiseMsrLvl3", 9},
+    {"KernelDensityEstimator2dLvl1", 30},
+    {"KernelDensityEstimator2dLvl2", 31},
+    {"KernelDensityEstimator3dLvl1", 32},
+    {"KernelDensityEstimator3dLvl2", 33},
+    {"LocatePixels2dLvl1", 34},
+    {"LocatePixels2dLvl2", 35},
+    {"LocatePixels2dLvl3", 36},
+    {"LocateVoxels3dLvl1", 37},
+    {"LocateVoxels3dLvl2", 38},
+    {"LocateVoxels3dLvl3", 39},
+    {"ParaboloidImgFit2dLvl1", 47},
+    {"ParaboloidImgFit2dLvl2", 48},
+    {"ParaboloidImgFit2dLvl3", 49},
+    {"VolumePercent3dMsrLvl1", 91},
+    {"VolumePercent3dMsrLvl2", 92},
+    {"VolumePercent3dMsrLvl3", 93},
     {"Counting2dMsrLvl1", 3},
     {"Counting2dMsrLvl2", 4},
     {"Counting3dMsrLvl1", 5},
@@ -186,17 +208,19 @@ TEST(Registry, KernelsFollowTheMachine)
                     EXPECT_EQ(kernel.dataTypes[0], image::eImageBufferType::eIBT_Float32);
                 }
             }
-            // One for every type, or for every pair of types.
+            // One for every type, for every pair of types, for those of labels, or for bytes.
             const auto starts = [&](const char* name) { return info.objectName.starts_with(name); };
             const bool ofPairs = starts("SeqProjection") || starts("NormalizedCross") || starts("Pearson");
-            const std::size_t each = ofPairs ? 49 : 7;
-            const bool isGeneric = info.objectName.find("ProjectionMedian2d") != std::string::npos;
+            const bool ofLabels = info.objectName.find("Percent") != std::string::npos;
+            const bool ofBytes = starts("Locate");
+            const std::size_t each = ofPairs ? 49 : ofLabels ? 3 : ofBytes ? 1 : 7;
+            const bool isGeneric = info.objectName.find("ProjectionMedian2d") != std::string::npos || ofBytes;
             EXPECT_EQ(kernels[Set::eIS_Generic], each);
             for (const Set::domain set : {Set::eIS_SSE2, Set::eIS_AVX2, Set::eIS_AVX512}) {
                 EXPECT_EQ(kernels[set], core::isAvailable(set) && !isGeneric ? each : 0) << core::getName(set);
             }
-            const bool hasAvx = core::isAvailable(Set::eIS_AVX) && !ofPairs && !isGeneric && !starts("StatsMask") &&
-                                !starts("Similarity");
+            const bool hasAvx = core::isAvailable(Set::eIS_AVX) && !ofPairs && !ofLabels && !isGeneric &&
+                                !starts("StatsMask") && !starts("Similarity") && !starts("Paraboloid");
             EXPECT_EQ(kernels[Set::eIS_AVX], hasAvx ? 1u : 0u);
         }
     }

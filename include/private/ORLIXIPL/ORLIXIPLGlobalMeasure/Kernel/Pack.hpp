@@ -414,36 +414,6 @@ ORLIX_KERNEL Pack<double, D> loadIntegersAsDoubles(const T* pixels)
     }
 }
 
-/// As many integers of 8 or 16 bits as there are lanes for doubles.
-template <Domain::domain D, class T>
-ORLIX_KERNEL Pack<double, D> loadSmallAsDoubles(const T* pixels)
-{
-    static_assert(sizeof(T) < 4);
-    if constexpr (D == Domain::eIS_AVX2 || D == Domain::eIS_AVX512) {
-        std::uint64_t bytes[2] = {};
-        __builtin_memcpy(bytes, pixels, lanes<double, D> * sizeof(T));
-        const __m128i x = _mm_set_epi64x((long long)bytes[1], (long long)bytes[0]);
-        if constexpr (D == Domain::eIS_AVX2) {
-            if constexpr (sizeof(T) == 1) {
-                return (Pack<double, D>)_mm256_cvtepi32_pd(isSigned<T> ? _mm_cvtepi8_epi32(x) : _mm_cvtepu8_epi32(x));
-            } else {
-                return (Pack<double, D>)_mm256_cvtepi32_pd(isSigned<T> ? _mm_cvtepi16_epi32(x) : _mm_cvtepu16_epi32(x));
-            }
-        } else {
-            if constexpr (sizeof(T) == 1) {
-                return (Pack<double, D>)_mm512_cvtepi32_pd(isSigned<T> ? _mm256_cvtepi8_epi32(x)
-                                                                       : _mm256_cvtepu8_epi32(x));
-            } else {
-                return (Pack<double, D>)_mm512_cvtepi32_pd(isSigned<T> ? _mm256_cvtepi16_epi32(x)
-                                                                       : _mm256_cvtepu16_epi32(x));
-            }
-        }
-    } else {
-        static_assert(D == Domain::eIS_SSE2);
-        return Pack<double, D>{double(pixels[0]), double(pixels[1])};
-    }
-}
-
 /// sum + x * x where the product is exact, so that fusing the two changes nothing.
 template <Domain::domain D, class P>
 ORLIX_KERNEL P addSquare(P sum, P x)

@@ -65,10 +65,8 @@ ORLIX_KERNEL void forPacks(const T* pixels, const double* columns, Add add)
             const P x = load<P>(columns + k * step);
             if constexpr (isFloat<T>) {
                 add(k, x, loadAsDoubles<D>(pixels + k * step));
-            } else if constexpr (sizeof(T) == 4) {
-                add(k, x, loadIntegersAsDoubles<D>(pixels + k * step));
             } else {
-                add(k, x, loadSmallAsDoubles<D>(pixels + k * step));
+                add(k, x, loadIntegersAsDoubles<D>(pixels + k * step));
             }
         }
     }
@@ -247,7 +245,20 @@ RowSums sumRow(R run, const double* columns)
     }
 }
 
-/// The moments of what a mask selects: the same with ones in the place of pixels.
+/// Calls add(k, x, one) as forPacks(), with 1 for what a mask selects and 0 elsewhere.
+template <Domain::domain D, class T, class Add>
+ORLIX_KERNEL void forSelected(const MaskedRun<T>& run, const double* columns, Add add)
+{
+    for (std::size_t i = 0; i < run.size; i += block) {
+        float ones[block];
+        for (std::size_t k = 0; k < block; ++k) {
+            ones[k] = i + k < run.size && run.mask[i + k] != 0;
+        }
+        forPacks<D>(ones, columns + i, add);
+    }
+}
+
+/// The sums of the selected pixels, and the moments of the selection; these in two passes, as registers allow.
 template <Domain::domain D, class T>
 RowSums sumMaskedRow(MaskedRun<T> run, const double* columns)
 {
@@ -255,32 +266,20 @@ RowSums sumMaskedRow(MaskedRun<T> run, const double* columns)
     SumLanes<D> n;
     SumLanes<D> x1;
     SumLanes<D> x2;
-    for (std::size_t i = 0; i < run.size; i += block) {
-        std::uint8_t ones[block];
-        for (std::size_t k = 0; k < block; ++k) {
-            ones[k] = i + k < run.size && run.mask[i + k] != 0;
-        }
-        forPacks<D>(
-            ones, columns + i, [&](std::size_t k, auto x, auto one) __attribute__((always_inline)) {
-                n.pack[k] += one;
-                x1.pack[k] += x * one;
-                x2.pack[k] += x * (x * one);
-            });
-    }
+    forSelected<D>(
+        run, columns, [&](std::size_t k, auto x, auto one) __attribute__((always_inline)) {
+            n.pack[k] += one;
+            x1.pack[k] += x * one;
+            x2.pack[k] += x * (x * one);
+        });
     SumLanes<D> x3;
     SumLanes<D> x4;
-    for (std::size_t i = 0; i < run.size; i += block) {
-        std::uint8_t ones[block];
-        for (std::size_t k = 0; k < block; ++k) {
-            ones[k] = i + k < run.size && run.mask[i + k] != 0;
-        }
-        forPacks<D>(
-            ones, columns + i, [&](std::size_t k, auto x, auto one) __attribute__((always_inline)) {
-                const auto cube = x * x * x * one;
-                x3.pack[k] += cube;
-                x4.pack[k] += x * cube;
-            });
-    }
+    forSelected<D>(
+        run, columns, [&](std::size_t k, auto x, auto one) __attribute__((always_inline)) {
+            const auto cube = x * x * x * one;
+            x3.pack[k] += cube;
+            x4.pack[k] += x * cube;
+        });
     sums.n = n.total();
     sums.x = x1.total();
     sums.x2 = x2.total();
