@@ -143,19 +143,25 @@ void spreadPercentages(Report& report)
     report.results = std::move(rows);
 }
 
+/// The plan of a row, named apart from coordinates and coefficients.
+Json namePlan(const Json& row)
+{
+    Json plan = Json::object();
+    for (const char* const axis : {"z", "c", "t"}) {
+        if (row.contains(axis)) {
+            plan[std::string{"plan "} + axis] = row[axis];
+        }
+    }
+    return plan;
+}
+
 /// A table of positions is for people: a row for every one.
 void spreadCoordinates(Report& report)
 {
     std::vector<Json> rows;
     for (const Json& plan : report.results) {
         for (const Json& at : plan["Coordinates"]) {
-            Json row = Json::object();
-            // The plan is named apart from the position in it.
-            for (const char* const axis : {"z", "c", "t"}) {
-                if (plan.contains(axis)) {
-                    row[std::string{"plan "} + axis] = plan[axis];
-                }
-            }
+            Json row = namePlan(plan);
             for (std::size_t i = 0; i < at.size(); ++i) {
                 row[std::string{"xyz"[i]}] = at[i];
             }
@@ -169,9 +175,9 @@ void spreadCoordinates(Report& report)
 void spreadCoefficients(Report& report)
 {
     for (Json& row : report.results) {
-        const Json coefficients = row["Coefficients"];
-        row.erase("Coefficients");
-        row.update(coefficients);
+        Json spread = namePlan(row);
+        spread.update(row["Coefficients"]);
+        row = std::move(spread);
     }
 }
 
@@ -199,6 +205,7 @@ struct Verb
     int images = 1;
     Per per = Per::None;
     bool takesMask = false;
+    const char* maskHelp = "count only where this image is not 0";
     bool takesClasses = false;
     bool takesProjection = false;
     bool takesSample = false;
@@ -238,6 +245,7 @@ constexpr Verb verbs[] = {
      .run = &runPercent,
      .per = Per::Parts,
      .takesMask = true,
+     .maskHelp = "where this image is 0 pixels have the value 0, and still count",
      .takesBinary = true,
      .forPeople = &spreadPercentages},
     {.name = "locate",
@@ -325,7 +333,7 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
             ->type_name("");
     }
     if (verb.takesMask) {
-        command.add_option("--mask", options.mask, "count only where this image is not 0")->type_name("FILE");
+        command.add_option("--mask", options.mask, verb.maskHelp)->type_name("FILE");
     }
     if (verb.takesClasses) {
         command.add_option("--min", options.min, "lower bound of the range (default: the image's minimum)")

@@ -40,6 +40,7 @@
 #include <framework/core/Random.hpp>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace orlix::app
 {
@@ -132,9 +133,12 @@ struct Inputs
     Report report;
 };
 
+/// The fields of a record, of any class that has such.
+constexpr auto fieldsOf = [](const auto& record) { return toJson(record); };
+
 /// One row per element of a collection, with the coordinates of its plan or volume before its fields.
-template <class Collection>
-std::vector<Json> listResults(const Collection& collection, ePlanKind kind)
+template <class Collection, class Fields = decltype(fieldsOf)>
+std::vector<Json> listResults(const Collection& collection, ePlanKind kind, Fields fields = fieldsOf)
 {
     std::vector<Json> rows;
     for (std::size_t i = 0; i < collection.size(); ++i) {
@@ -145,7 +149,7 @@ std::vector<Json> listResults(const Collection& collection, ePlanKind kind)
         }
         row["c"] = plan.c;
         row["t"] = plan.t;
-        row.update(toJson(*collection.getElement(i)));
+        row.update(fields(*collection.getElement(i)));
         rows.push_back(std::move(row));
     }
     return rows;
@@ -387,7 +391,7 @@ Report runKde(const Options& options)
         policy->Rule = attr::eKDEBandwidth::eKB_Scott;
     } else if (!options.bandwidth.empty() && options.bandwidth != "silverman") {
         policy->Rule = attr::eKDEBandwidth::eKB_Fixed;
-        policy->Bandwidth = std::stod(options.bandwidth);
+        policy->Bandwidth = std::strtod(options.bandwidth.c_str(), nullptr);
     }
     const unsigned samples = options.samples.value_or(*InOptKDENbSamples::getDefault());
     core::random::setSeed(options.seed.value_or(core::random::defaultSeed));
@@ -400,6 +404,12 @@ Report runKde(const Options& options)
 Report runPercent(const Options& options)
 {
     const Inputs inputs{options, true};
+    if (!image::binaryOrLabelTypes.contains(inputs.image->getType())) {
+        throw FileError{
+            options.image + ": it is " + image::getName(inputs.image->getType()) +
+            ", and percent takes uint8, uint16 or uint32 labels, or a binary image: pass --binary to read any "
+            "pixel that is not 0 as set"};
+    }
     // A null mask is none.
     return reportParts(
         options, inputs.report, "areaPercent2dMsr",
@@ -430,16 +440,10 @@ Report runParaboloid(const Options& options)
 {
     Inputs inputs{options};
     inputs.report.measure = "paraboloidImgFit2d";
-    const auto fits = multiSlice_paraboloidImgFit2d(inputs.image, inputs.mask);
-    inputs.report.results = listResults(*fits, ePlanKind::ePK_Plan2d);
-    for (std::size_t i = 0; i < inputs.report.results.size(); ++i) {
-        Json& row = inputs.report.results[i];
-        Json coefficients = toJson(*fits->getElement(i));
-        for (const auto& [name, value] : coefficients.items()) {
-            row.erase(name);
-        }
-        row["Coefficients"] = std::move(coefficients);
-    }
+    // Apart from the plan, which has a c as well.
+    const auto apart = [](const ParaboloidParams3d& fit) { return Json{{"Coefficients", toJson(fit)}}; };
+    inputs.report.results =
+        listResults(*multiSlice_paraboloidImgFit2d(inputs.image, inputs.mask), ePlanKind::ePK_Plan2d, apart);
     return inputs.report;
 }
 

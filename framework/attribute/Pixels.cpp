@@ -1,5 +1,6 @@
 #include <framework/attribute/Pixels.hpp>
 
+#include <framework/attribute/AttributeMessages.hpp>
 #include <framework/data/DynamicObjectFactory.hpp>
 
 namespace orlix::imaproc::attr
@@ -12,5 +13,10 @@ const data::DynamicClassRegistration<PlanIndexedPixels2d> pixelsOfPlans{PlanInde
 const data::DynamicClassRegistration<Voxels3d> voxels{Voxels3d::typeName};
 const data::DynamicClassRegistration<PlanIndexedVoxels3d> voxelsOfVolumes{PlanIndexedVoxels3d::typeName};
 } // namespace
+
+core::ProcessingResult failUnevenList(const char* key, std::size_t numbers, std::size_t axes)
+{
+    return core::ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_UnevenList, key, numbers, axes));
+}
 
 } // namespace orlix::imaproc::attr

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <framework/attribute/Attribute.hpp>
+#include <framework/attribute/PlanIndexedColl.hpp>
 #include <framework/image/Coords.hpp>
 
 #include <vector>
 
 namespace orlix::imaproc::attr
 {
+
+ORLIX_API core::ProcessingResult failUnevenList(const char* key, std::size_t numbers, std::size_t axes);
 
 /// A list of positions. Self has `static constexpr const char* typeName`.
 template <class Self, class CoordsType>
@@ -24,23 +27,40 @@ public:
     /// As one list of numbers.
     core::ProcessingResult write(data::OutputArchive& archive) const final
     {
-        const auto* const first = reinterpret_cast<const double*>(Coordinates.data());
-        archive.write("Coordinates", std::vector<double>(first, first + Coordinates.size() * nbNumbers));
+        std::vector<double> numbers;
+        numbers.reserve(Coordinates.size() * sizeof(Coords) / sizeof(double));
+        for (const Coords& at : Coordinates) {
+            if constexpr (is3d) {
+                numbers.insert(numbers.end(), {at.x, at.y, at.z});
+            } else {
+                numbers.insert(numbers.end(), {at.x, at.y});
+            }
+        }
+        archive.write(key, numbers);
         return {};
     }
     core::ProcessingResult read(data::InputArchive& archive) final
     {
+        constexpr std::size_t axes = is3d ? 3 : 2;
         std::vector<double> numbers;
-        core::ProcessingResult result = archive.read("Coordinates", numbers);
-        if (result) {
-            Coordinates.resize(numbers.size() / nbNumbers);
-            std::copy_n(numbers.begin(), Coordinates.size() * nbNumbers, reinterpret_cast<double*>(Coordinates.data()));
+        core::ProcessingResult result = archive.read(key, numbers);
+        if (result && numbers.size() % axes != 0) {
+            return failUnevenList(key, numbers.size(), axes);
+        }
+        Coordinates.clear();
+        for (std::size_t i = 0; i < numbers.size(); i += axes) {
+            if constexpr (is3d) {
+                Coordinates.emplace_back(numbers[i], numbers[i + 1], numbers[i + 2]);
+            } else {
+                Coordinates.emplace_back(numbers[i], numbers[i + 1]);
+            }
         }
         return result;
     }
 
 private:
-    static constexpr std::size_t nbNumbers = sizeof(Coords) / sizeof(double);
+    static constexpr const char* key = "Coordinates";
+    static constexpr bool is3d = std::is_same_v<Coords, image::Coords3d>;
 };
 
 /// Pixels of a plan.

@@ -34,11 +34,13 @@ std::uint32_t draw(std::uint32_t size)
     // The standard's distributions differ between libraries. D. Lemire, Fast random integer generation in an interval,
     // 2019: the high half of a product, drawn again where the low half would favour some numbers.
     const std::lock_guard lock{generator().mutex};
-    const std::uint32_t favoured = (0u - size) % size;
-    std::uint64_t product;
-    do {
-        product = std::uint64_t{size} * generator().twister();
-    } while (static_cast<std::uint32_t>(product) < favoured);
+    std::uint64_t product = std::uint64_t{size} * generator().twister();
+    if (static_cast<std::uint32_t>(product) < size) {
+        const std::uint32_t favoured = (0u - size) % size;
+        while (static_cast<std::uint32_t>(product) < favoured) {
+            product = std::uint64_t{size} * generator().twister();
+        }
+    }
     return static_cast<std::uint32_t>(product >> 32);
 }
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 
 /// Systems of linear equations with a small symmetric positive definite matrix. Nothing is pivoted or tested: where the
-/// matrix is singular, what comes out is not finite.
+/// matrix is singular, what comes out is not finite or means nothing.
 namespace orlix::maths
 {
 

@@ -29,7 +29,7 @@ std::size_t nearest(double position, std::size_t size)
     return rounded >= 0 && rounded < static_cast<double>(size) ? static_cast<std::size_t>(rounded) : size;
 }
 
-/// Row and column of the pixel at a position; null where it lies outside.
+/// The pixel at a position; null where it lies outside.
 template <class T>
 const T* findPixel(const image::BaseImage& image, double x, double y, double z)
 {

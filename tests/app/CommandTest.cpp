@@ -478,6 +478,83 @@ TEST_F(CommandTest, ComparesTwoImages)
     EXPECT_NE(run({"similarity", first, second}).error.find("second.tif: it is uint16, but"), std::string::npos);
 }
 
+TEST_F(CommandTest, NoiseFitsAndSamples)
+{
+    const std::string stack =
+        write("stack.tif", 6, {.bits = 16, .description = "ImageJ=1.53\nimages=6\nchannels=2\nslices=3\n"});
+    const Outcome noise = run({"noise", stack, "--json"});
+    ASSERT_EQ(noise.status, 0) << noise.error;
+    EXPECT_EQ(noise.json()["measure"], "gaussianNoiseMsr");
+    EXPECT_EQ(noise.result()["NbPixels"], 6 * width * height);
+    EXPECT_EQ(noise.result()["SumAbsLaplacian"], 0.0); // of a plane
+    // A chequered file: the mask gives 8 at every corner between four pixels.
+    const std::string bits = write("bits.tif", 2, {.bits = 1});
+    EXPECT_EQ(run({"noise", bits, "--json"}).result()["SumAbsLaplacian"], 2 * 8. * (width - 1) * (height - 1));
+
+    // z = 3 y + x. The channel is not the coefficient c.
+    const std::string mask = write("mask.tif", 6, {.description = "ImageJ=1.53\nimages=6\nchannels=2\nslices=3\n"});
+    const Outcome fit = run({"paraboloid", stack, "--json"});
+    EXPECT_EQ(fit.json()["measure"], "paraboloidImgFit2d");
+    EXPECT_EQ(fit.result(3)["z"], 0);
+    EXPECT_EQ(fit.result(3)["c"], 1);
+    const Json slope = fit.result()["Coefficients"];
+    EXPECT_NEAR(slope["c"].get<double>(), 0, 1e-9);
+    EXPECT_NEAR(slope["d"].get<double>(), 1, 1e-9);
+    EXPECT_NEAR(slope["e"].get<double>(), 3, 1e-9);
+    EXPECT_NEAR(run({"paraboloid", stack, "--mask", mask, "--json"}).result()["Coefficients"]["d"].get<double>(), 1,
+                1e-9);
+    EXPECT_NE(run({"paraboloid", stack}).output.find("plan z  plan c  plan t"), std::string::npos);
+
+    const auto sample = [&](std::vector<std::string> more) {
+        more.insert(more.begin(), {"kde", stack, "--json", "--per", "volume", "--threads", "1"});
+        const Outcome outcome = run(more);
+        EXPECT_EQ(outcome.json()["measure"], "kernelDensityEstimator3d");
+        return outcome.result();
+    };
+    EXPECT_EQ(sample({})["Samples"].size(), 1000u);
+    EXPECT_EQ(sample({}), sample({}));
+    EXPECT_NE(sample({"--seed", "8"}), sample({}));
+    EXPECT_EQ(sample({"--samples", "7", "--bandwidth", "2.5"})["Samples"].size(), 7u);
+    EXPECT_EQ(sample({"--samples", "7", "--bandwidth", "2.5"})["Bandwidth"], 2.5);
+    EXPECT_NE(sample({"--bandwidth", "Scott"})["Bandwidth"], sample({})["Bandwidth"]);
+}
+
+TEST_F(CommandTest, PercentagesAndPositions)
+{
+    const std::string bits = write("bits.tif", 2, {.bits = 1});
+    const std::string labels = write("labels.tif", 2, {.bits = 16});
+    std::size_t odd = 0;
+    Json positions = Json::array();
+    for (std::size_t i = 0; i < width * height; ++i) {
+        if (pixelAt(1, 0, i / width, i % width) % 2 != 0) {
+            ++odd;
+            positions.push_back({i % width, i / width});
+        }
+    }
+    const double percent = 100. * static_cast<double>(odd) / (width * height);
+    const Outcome ofBits = run({"percent", bits, "--json"});
+    EXPECT_EQ(ofBits.json()["measure"], "areaPercent2dMsr");
+    EXPECT_NEAR(ofBits.result(1)["Values"][1].get<double>(), percent, 1e-12);
+    // The whole mask is true where it is not 0, and what is outside counts as 0.
+    const Outcome masked = run({"percent", labels, "--mask", bits, "--per", "volume", "--json"});
+    EXPECT_EQ(masked.json()["measure"], "volumePercent3dMsr");
+    EXPECT_EQ(masked.result()["Values"].size(), 54u); // the highest odd value is 53
+    EXPECT_EQ(masked.result()["Values"][2], 0.0);
+    EXPECT_GT(masked.result()["Values"][53], 0.0);
+    EXPECT_EQ(run({"percent", labels, "--binary", "--json"}).result()["Values"].size(), 2u);
+
+    const Outcome located = run({"locate", bits, "--json"});
+    EXPECT_EQ(located.json()["measure"], "locatePixels2d");
+    EXPECT_EQ(located.result(1)["Coordinates"], positions);
+    const Outcome some = run({"locate", labels, "--binary", "--limit", "3", "--per", "volume", "--json"});
+    EXPECT_EQ(some.json()["measure"], "locateVoxels3d");
+    EXPECT_EQ(some.result()["Coordinates"], Json::parse("[[1,0,0],[2,0,0],[3,0,0]]"));
+    EXPECT_EQ(run({"locate", bits, "--limit", "1"}).output, bits + ": binary, 21 x 10, z 2\n"
+                                                                   "plan z  plan c  plan t  x  y\n"
+                                                                   "     0       0       0  1  0\n"
+                                                                   "     1       0       0  0  0\n");
+}
+
 // Profiles are numbers, one list per plan; along z and t an image comes out, which reads back with the axes that
 // remain.
 TEST_F(CommandTest, ProjectsAlongEveryAxis)
@@ -580,6 +657,12 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         {{"stats", good, "--csv"}, 2, "--csv is not available yet"},
         {{"stats", good, "--gpu"}, 2, "--gpu is not available yet"},
         {{"stats", good, "--frob"}, 2, "--frob"},
+        {{"locate", good}, 1, "good.tif: it is uint8, and locate takes a binary image: pass --binary"},
+        {{"locate", good, "--binary", "--limit", "-1"}, 2, "-1"},
+        {{"stats", good, "--binary"}, 2, "--binary"},
+        {{"kde", good, "--bandwidth", "wide"}, 2, "wide is neither silverman nor scott nor a number above 0"},
+        {{"kde", good, "--bandwidth", "0"}, 2, "0 is neither"},
+        {{"percent", floats}, 1, "f.tif: it is float32, and percent takes"},
         {{"stats", good, good}, 2, "good.tif"},
         {{"info", good, "--per", "plan"}, 2, "--per"},
         {{"stats", good, "--per", "line"}, 2, "line"},

@@ -144,6 +144,16 @@ TEST(Percent, OfBinaryImages)
 
 TEST(Percent, OneListPerPlanOrVolume)
 {
+    // Products with a mask are those of 32 bits, its bytes those of unsigned numbers.
+    EXPECT_EQ(
+        areaPercent2dMsr(makeImage<unsigned int>({2, 1}, {2, 0x01010102}), makeImage<signed char>({2, 1}, {-1, -1}))
+            ->Values,
+        [] {
+            std::vector<double> values(511, 0);
+            values[510] = 50; // 2 * 255
+            values[254] = 50; // 255 * 0x01010102 modulo 2^32
+            return values;
+        }());
     const ImageGeometry size{2, 2, 2, 1, 2};
     const auto image = makeImage<unsigned short>(size, {0, 3, 3, 0, /**/ 1, 1, 1, 1, /**/ 2, 0, 0, 0, /**/ 0, 0, 0, 5});
     const auto plans = multiSlice_areaPercent2dMsr(image);
@@ -157,16 +167,31 @@ TEST(Percent, OneListPerPlanOrVolume)
 
 TEST(Percent, WhatIsRefused)
 {
-    const auto labels = makeImage<unsigned int>({4, 1}, {1, 2, 4000000000u, 3});
+    const auto labels = makeImage<unsigned int>({4, 1}, {1, 2, 2000000000u, 3});
     EXPECT_EQ(
         messageOf([&] { areaPercent2dMsr(labels); }),
-        "label 4000000000 needs 122071 MiB for the counts of all labels below it, and the memory limit is 2048 MiB: "
+        "label 2000000000 needs 61036 MiB for the counts of all labels below it, and the memory limit is 2048 MiB: "
         "number the labels from 0");
     const auto some = makeImage<unsigned int>({4, 1}, {1, 2, 40000, 3});
     core::settings::setMemoryLimit(1 << 20);
     EXPECT_NE(messageOf([&] { areaPercent2dMsr(some); }).find("label 40000 needs 2 MiB"), std::string::npos);
     core::settings::setMemoryLimit(0);
     EXPECT_EQ(areaPercent2dMsr(some)->Values.size(), 40001u);
+    EXPECT_EQ(messageOf([&] {
+                  areaPercent2dMsr(makeImage<unsigned int>({1, 1}, {0x7fffffff}));
+              }),
+              "label 2147483647 is beyond 2147483646, the highest that can be counted: number the labels from 0");
+    // Whichever strip holds it.
+    core::settings::setMemoryLimit(std::size_t{40} << 20);
+    for (const std::size_t row : {std::size_t{0}, std::size_t{62}}) {
+        std::vector<unsigned int> high(70000 * 63, 1);
+        high[row * 70000] = 600000;
+        EXPECT_NE(messageOf([&] {
+                      areaPercent2dMsr(makeImage({70000, 63}, high));
+                  }).find("needs 51 MiB"),
+                  std::string::npos);
+    }
+    core::settings::setMemoryLimit(0);
     EXPECT_EQ(
         messageOf([&] {
             areaPercent2dMsr(makeImage<short>({1, 1}, {1}));
@@ -225,12 +250,21 @@ TEST(Locate, FirstOnesInRasterOrder)
 
 TEST(Locate, WhatIsRefused)
 {
-    EXPECT_EQ(
-        messageOf([] {
-            locatePixels2d(makeImage<unsigned char>({2, 1}, {0, 1}));
-        }),
-        "LocatePixels2dLvl1: InBinImg does not take a uint8 image: a binary image is needed, whose bytes are 0 and 1");
+    EXPECT_EQ(messageOf([] {
+                  locatePixels2d(makeImage<unsigned char>({2, 1}, {0, 1}));
+              }),
+              "LocatePixels2dLvl1: InBinImg does not take a uint8 image: make it binary, 1 where a pixel is set and 0 "
+              "elsewhere");
     EXPECT_EQ(messageOf([] { locateVoxels3d(nullptr); }), "LocateVoxels3dLvl1: InBinImg3d is not set");
+    const auto full = makeBinary({1500, 1500}, std::vector<unsigned char>(1500 * 1500, 1));
+    core::settings::setMemoryLimit(std::size_t{60} << 20);
+    EXPECT_NE(messageOf([&] {
+                  const Threads two{2};
+                  locatePixels2d(full);
+              }).find("2250000 positions need 69 MiB, and the memory limit is 60 MiB"),
+              std::string::npos);
+    EXPECT_EQ(locatePixels2d(full, 1000000)->Coordinates.size(), 1000000u);
+    core::settings::setMemoryLimit(0);
 }
 
 // Without a limit of its own a call means every pixel, but counts them in 32 bits: 2^32 of them are none.
@@ -259,6 +293,15 @@ TEST(Locate, ListsGoThroughArchives)
     EXPECT_EQ(read->getStorage<InNbFeatures>(), 7u);
     EXPECT_EQ(read->getStorage<OutPIVoxels3d>()->getStorage({0, 0, 0})->Coordinates,
               (std::vector<Coords3d>{{1, 0, 0}, {0, 0, 1}}));
+
+    std::string damaged = archive.str();
+    const std::size_t at = damaged.find("Coordinates");
+    damaged.erase(damaged.find(',', at), damaged.find(',', damaged.find(',', at) + 1) - damaged.find(',', at));
+    data::InputArchive broken{damaged};
+    const core::ProcessingResult result = broken.read("it", read);
+    EXPECT_FALSE(result);
+    EXPECT_NE(result.getMessage().find("\"Coordinates\" has 5 numbers: a multiple of 3 is needed"), std::string::npos)
+        << result.getMessage();
 }
 
 TEST(Density, SamplesArePixels)

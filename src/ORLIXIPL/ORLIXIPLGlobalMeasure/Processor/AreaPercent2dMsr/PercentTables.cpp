@@ -6,6 +6,7 @@
 #include <framework/core/Settings.hpp>
 
 #include <algorithm>
+#include <functional>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -17,19 +18,41 @@ const KernelTables<PercentKernels>& getPercentKernels()
     return tables;
 }
 
+LabelCounts::LabelCounts(std::uint32_t largest, std::size_t pixelSize, std::size_t nbPixels,
+                         std::vector<std::uint32_t>& tables)
+    : numbers_(std::size_t{largest} + 1)
+{
+    counts_.byValue = true;
+    counts_.size = pixelSize == 1 ? 256 : largest + 1;
+    allocate(pixelSize, nbPixels, tables);
+}
+
+void LabelCounts::collect()
+{
+    for (std::size_t label = 0; label < numbers_.size(); ++label) {
+        numbers_[label] += static_cast<double>(countOf(label));
+    }
+}
+
+std::vector<double> LabelCounts::take()
+{
+    collect();
+    return std::move(numbers_);
+}
+
 core::ProcessingResult checkLabel(std::uint32_t largest, std::size_t nbStrips)
 {
-    // A list per strip, that of the plan, and the counts and tables of the strip at work.
-    const double bytes = (static_cast<double>(largest) + 1) * sizeof(double) * (static_cast<double>(nbStrips) + 3);
-    const auto limit = static_cast<double>(core::settings::getMemoryLimit());
-    constexpr std::uint32_t most = 0x7fffffff; // entries of a table
-    if (bytes <= limit && largest < most) {
-        return {};
+    constexpr std::uint32_t most = 0x7ffffffe; // that a table has room for
+    if (largest > most) {
+        return core::ProcessingResult::failure(
+            core::formatMessage(attr::eAttributeMessage::eAM_UncountableLabel, largest, most));
     }
-    constexpr double mebi = 1 << 20;
-    return core::ProcessingResult::failure(core::formatMessage(attr::eAttributeMessage::eAM_HighLabel, largest,
-                                                               static_cast<std::uint64_t>(bytes / mebi) + 1,
-                                                               static_cast<std::uint64_t>(limit / mebi)));
+    // A list per strip, that of the plan, and the counts and tables of the strip at work.
+    const std::size_t bytes = (std::size_t{largest} + 1) * sizeof(double) * (nbStrips + 3);
+    const std::size_t limit = core::settings::getMemoryLimit();
+    return bytes <= limit ? core::ProcessingResult{}
+                          : core::ProcessingResult::failure(core::formatMessage(
+                                attr::eAttributeMessage::eAM_HighLabel, largest, (bytes >> 20) + 1, limit >> 20));
 }
 
 core::ProcessingResult PercentMerge::merge(std::span<const Ptr<Doubles>> parts, Doubles& merged)

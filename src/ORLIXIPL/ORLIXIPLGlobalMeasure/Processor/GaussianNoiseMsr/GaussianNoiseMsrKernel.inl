@@ -1,9 +1,9 @@
 // Absolute responses to the mask (1 -2 1, -2 4 -2, 1 -2 1), once for every pixel type and instruction set.
 //
 // The mask is the product of (1 -2 1) down and along: first v = above - 2 at + below for a segment of a row, then
-// v[x-1] - 2 v[x] + v[x+1]. Pixels of 8 bits give responses of up to 4080, which fit 16 bits, those of 16 bits up to
-// 2^20, those of 32 bits up to 2^36, which doubles hold exactly; so all integer sums are exact. Float responses are
-// formed and added in double, in 16 lanes; so all sets give the same bits.
+// v[x-1] - 2 v[x] + v[x+1]. A response is at most 8 times the range of the pixels:
+// those of 8 bits fit 16, those of 16 bits fit 32, and those of 32 bits fit a double; so all integer sums are exact.
+// Float responses are formed and added in double, in 16 lanes; so all sets give the same bits.
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Pack.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GaussianNoiseMsr/GaussianNoiseKernels.hpp>

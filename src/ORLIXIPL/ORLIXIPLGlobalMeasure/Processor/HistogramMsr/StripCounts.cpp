@@ -83,7 +83,6 @@ StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, 
     rule.maxF = static_cast<float>(histogram.Max);
     rule.size = static_cast<std::uint32_t>(histogram.Frequencies.size());
     approximate(counts_, type);
-    classIsEntry_ = true;
 
     counts_.size = rule.size;
     const std::size_t pixelSize = image::getPixelSize(type);
@@ -134,28 +133,6 @@ void StripCounts::collect()
             frequencies[index] += countOf(entry);
         }
     }
-}
-
-LabelCounts::LabelCounts(std::uint32_t largest, std::size_t pixelSize, std::size_t nbPixels,
-                         std::vector<std::uint32_t>& tables)
-    : numbers_(std::size_t{largest} + 1)
-{
-    counts_.byValue = true;
-    counts_.size = pixelSize == 1 ? 256 : largest + 1;
-    allocate(pixelSize, nbPixels, tables);
-}
-
-void LabelCounts::collect()
-{
-    for (std::size_t label = 0; label < numbers_.size(); ++label) {
-        numbers_[label] += static_cast<double>(countOf(label));
-    }
-}
-
-std::vector<double> LabelCounts::get()
-{
-    flush();
-    return std::move(numbers_);
 }
 
 } // namespace orlix::imaproc::glbmsr

@@ -2,6 +2,7 @@
 
 #include <framework/attribute/AttributeMessages.hpp>
 #include <framework/core/Random.hpp>
+#include <framework/core/Settings.hpp>
 
 #include <algorithm>
 
@@ -10,7 +11,7 @@ namespace orlix::imaproc::glbmsr
 
 core::ProcessingResult checkNbSamples(std::size_t nbSamples, std::size_t positionBytes)
 {
-    // Of every sample the position and two copies of its value.
+    // Of every sample the position, its value, and a copy of that which is sorted.
     const std::size_t bytes = nbSamples * (positionBytes + 2 * sizeof(double));
     const std::size_t limit = core::settings::getMemoryLimit();
     if (bytes <= limit) {

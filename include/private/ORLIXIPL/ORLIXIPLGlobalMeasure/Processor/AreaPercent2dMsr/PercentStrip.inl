@@ -87,9 +87,11 @@ core::ProcessingResult PercentStrip<Self, Strip, Mask>::processLabel(ProcessingI
     forEachLabelRun([&]<class Label>(const Run<Label>& run) {
         largest = std::max(largest, labelKernelOf<Label>(kernels).largest(run));
     });
-    const auto& strip = this->template attribute<Strip>().get();
-    const std::size_t nbStrips =
-        (strip.getNbElements(*strip.image) + strip.count - 1) / std::max<std::size_t>(1, strip.count);
+    // As the plan is cut, of which this is one strip.
+    const image::BaseImage& image = *this->template attribute<Strip>().get().image;
+    const std::size_t stripBytes =
+        std::max(this->getDispatchPolicy().stripBytes, getMinPercentPixels(image) * image.getPixelSize());
+    const std::size_t nbStrips = StripCut::of<typename Strip::Strip>(image, stripBytes, 1).size();
     if (core::ProcessingResult result = checkLabel(largest, nbStrips); !result) {
         return result;
     }
@@ -97,7 +99,7 @@ core::ProcessingResult PercentStrip<Self, Strip, Mask>::processLabel(ProcessingI
     LabelCounts counts{largest, isMasked ? sizeof(std::uint32_t) : sizeof(T), info.size, tables_};
     forEachLabelRun(
         [&]<class Label>(const Run<Label>& run) { counts.add(kernelOf<Label>(getHistogramKernels().of(D)), run); });
-    this->template value<OutValues>().Values = counts.get();
+    this->template value<OutValues>().Values = counts.take();
     return {};
 }
 

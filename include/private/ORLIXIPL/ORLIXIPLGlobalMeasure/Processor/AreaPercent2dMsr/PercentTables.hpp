@@ -2,11 +2,13 @@
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelTables.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/AreaPercent2dMsr/PercentKernels.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramKernelTables.hpp>
 
 #include <framework/core/ProcessingResult.hpp>
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -24,6 +26,23 @@ const LabelKernel<T>& labelKernelOf(const PercentKernels& kernels)
         return kernels.uint32;
     }
 }
+
+/// The counts of the labels of one strip.
+class LabelCounts final : public CountTables
+{
+public:
+    /// Labels from 0 to `largest`, below 2^31, in pixels of a size. `tables` is memory that lives on from strip to
+    /// strip.
+    LabelCounts(std::uint32_t largest, std::size_t pixelSize, std::size_t nbPixels, std::vector<std::uint32_t>& tables);
+
+    /// The number of pixels of each label, once all are added.
+    std::vector<double> take();
+
+private:
+    void collect() override;
+
+    std::vector<double> numbers_;
+};
 
 /// Whether `nbStrips` lists of counts of all labels up to `largest` fit the memory limit, with what is needed on the
 /// way; if not, the failure names the label.

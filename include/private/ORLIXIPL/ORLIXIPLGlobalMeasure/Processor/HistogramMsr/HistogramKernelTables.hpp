@@ -85,20 +85,4 @@ private:
     std::size_t firstClass_ = 0;
 };
 
-/// The counts of the labels of one strip.
-class LabelCounts final : public CountTables
-{
-public:
-    /// Labels from 0 to `largest`, below 2^31, in pixels of a size.
-    LabelCounts(std::uint32_t largest, std::size_t pixelSize, std::size_t nbPixels, std::vector<std::uint32_t>& tables);
-
-    /// The number of pixels of each label.
-    std::vector<double> get();
-
-private:
-    void collect() override;
-
-    std::vector<double> numbers_;
-};
-
 } // namespace orlix::imaproc::glbmsr

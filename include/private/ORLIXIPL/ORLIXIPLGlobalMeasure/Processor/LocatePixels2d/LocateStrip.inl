@@ -31,7 +31,11 @@ core::ProcessingResult LocateStrip<Self, Strip, Output>::genericProcessFunction(
         set += countSetBytes(parser.run<std::uint8_t>(row, box.x), box.x);
     }
     auto& list = this->template value<Output>().Coordinates;
-    list.resize(std::min(set, limit));
+    const std::size_t size = std::min(set, limit);
+    if (core::ProcessingResult result = checkNbPositions(size, size * sizeof(list[0])); !result) {
+        return result;
+    }
+    list.resize(size);
     core::useHugePages(list);
     auto* to = list.data();
     auto* const end = to + list.size();

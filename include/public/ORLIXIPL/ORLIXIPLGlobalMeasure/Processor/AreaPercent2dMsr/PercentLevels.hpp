@@ -38,6 +38,13 @@ struct PercentMerge
     ORLIX_API static core::ProcessingResult merge(std::span<const Ptr<Doubles>> parts, Doubles& merged);
 };
 
+/// Each strip of an image keeps a number per label: strips have so many pixels that there are few.
+inline std::size_t getMinPercentPixels(const image::BaseImage& image)
+{
+    const std::size_t maxStrips = image.getPixelSize() == 4 ? 8 : 32;
+    return (image.getGeometry().nbPixels() + maxStrips - 1) / maxStrips;
+}
+
 /// The number of pixels of each value in one strip, as a share of the pixels of the whole plan or volume.
 template <class Self, class Strip, class Mask>
 class PercentStrip : public Algorithm<Self, Strip, Mask, OutValues>
@@ -63,15 +70,14 @@ private:
     std::vector<std::uint32_t> tables_; // that live on from strip to strip
 };
 
-/// One plan or volume, in few strips, as each keeps a number per label.
+/// One plan or volume.
 template <class Self, class Child, class Image, class Mask>
 class PercentSubImage : public StripsLvl2<Self, Child, Pass<OutValues>, PercentMerge, Image, Mask>
 {
 protected:
     std::size_t getMinStripPixels() const override
     {
-        constexpr std::size_t maxStrips = 32;
-        return this->template value<typename Image::Source>().getGeometry().nbPixels() / maxStrips;
+        return getMinPercentPixels(this->template value<typename Image::Source>());
     }
 };
 

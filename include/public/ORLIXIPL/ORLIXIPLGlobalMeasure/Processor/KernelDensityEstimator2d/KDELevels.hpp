@@ -2,7 +2,6 @@
 
 #include <framework/attribute/ImageAttributes.hpp>
 #include <framework/attribute/KDEDataSet.hpp>
-#include <framework/core/Settings.hpp>
 #include <framework/process/ImageValueExtraction.hpp>
 #include <framework/process/Levels.hpp>
 
@@ -72,7 +71,7 @@ protected:
     core::ProcessingResult postProcess() override
     {
         KDEDataSet& data = this->template value<OutKDEDataSet>();
-        data.Samples = extraction_->template getStorage<attr::OutValues>()->Values;
+        data.Samples.swap(extraction_->template getStorage<attr::OutValues>()->Values);
         data.Bandwidth = computeBandwidth(this->template value<InKDEBandwidthPolicy>(), data.Samples);
         return {};
     }

@@ -30,6 +30,9 @@ using attr::PlanIndexedPixels2d;
 using attr::PlanIndexedVoxels3d;
 using attr::Voxels3d;
 
+/// Fails where so many positions take more bytes than the memory limit.
+ORLIX_API core::ProcessingResult checkNbPositions(std::size_t nbPositions, std::size_t bytes);
+
 /// The set pixels of one strip.
 template <class Self, class Strip, class Output>
 class LocateStrip : public Algorithm<Self, Strip, InNbFeatures, Output>
@@ -70,7 +73,11 @@ protected:
         for (const auto& part : parts) {
             begins.push_back(begins.back() + part->Coordinates.size());
         }
-        list.resize(std::min<std::size_t>(begins.back(), this->template value<InNbFeatures>()));
+        const std::size_t size = std::min<std::size_t>(begins.back(), this->template value<InNbFeatures>());
+        if (core::ProcessingResult result = checkNbPositions(size, (begins.back() + size) * sizeof(list[0])); !result) {
+            return result;
+        }
+        list.resize(size);
         core::useHugePages(list);
         const auto join = [&](std::size_t begin, std::size_t end) {
             for (std::size_t i = begin; i < end; ++i) {

@@ -8,9 +8,9 @@ namespace orlix::imaproc::glbmsr
 /// The surface a x^2 + b y^2 + c x y + d x + e y + f that fits the pixels of a plan best (least squares), x being their
 /// column and y their row from 0 on: one per 2d plan (z, c, t) of an image of any numeric type; under a mask (uint8,
 /// int8 or binary, of the size of the image), over the pixels whose byte is not 0. On purpose, a plan or mask whose
-/// positions do not determine the surface succeeds, with coefficients that are not finite or mean nothing. All vector
-/// instruction sets give the same bits; the generic kernel adds in another order. The synchronous forms throw
-/// ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0, 0) alone.
+/// positions do not determine the surface succeeds, with coefficients that are not finite or mean nothing; where a mask
+/// selects a small part far from (0, 0), few digits are left. All instruction sets give the same bits. The synchronous
+/// forms throw ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0, 0) alone.
 ORLIX_API Ptr<ParaboloidParams3d> paraboloidImgFit2d(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<ParaboloidParams3d> paraboloidImgFit2d(const Ptr<const image::BaseImage>& image,
                                                      const Ptr<const image::BaseImage>& mask);
