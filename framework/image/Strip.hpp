@@ -90,6 +90,13 @@ using SeqYStrip2d = Strip<eStripElement::eSE_SequenceRow>;
 /// Rows that are written.
 using OutputYStrip2d = Strip<eStripElement::eSE_Row, BaseImage>;
 
+/// Row y of a plan that has pixels, where its border goes on beyond it: outside, the nearest row.
+inline const std::byte* continueBorder2d(const BaseImage& plan, std::ptrdiff_t y)
+{
+    const auto last = static_cast<std::ptrdiff_t>(plan.getGeometry().y) - 1;
+    return plan.getRow(static_cast<std::size_t>(y < 0 ? 0 : y > last ? last : y));
+}
+
 /// Reads a box as runs of pixels that lie gapless in memory. Parsers of boxes of one size that walk runs of the same
 /// length meet the same pixels in the same order.
 class ORLIX_API StripParser

@@ -240,6 +240,9 @@ template <class Child, class Image, class A>
 using ImageXStrip2dSplit = ImageStripSplit<Child, Image, A>;
 template <class Child, class Image, class A>
 using ImageYStrip2dSplit = ImageStripSplit<Child, Image, A>;
+/// The strips of a sub image whose children read the neighbouring rows as well: a strip knows its image.
+template <class Child, class Image, class A>
+using ImageYStrip2dWithKernelSplit = ImageStripSplit<Child, Image, A>;
 template <class Child, class Image, class A>
 using ImageZStrip3dSplit = ImageStripSplit<Child, Image, A>;
 template <class Child, class Image, class A>

@@ -69,13 +69,14 @@ core::ProcessingResult GaussianNoiseMsrLvl3::genericProcessFunction(ProcessingIn
     }
     const image::YStrip2d& strip = attribute<InKnlYStrip2d>().get();
     const std::size_t width = strip.image->getGeometry().x;
-    const auto row = [&](std::size_t y) { return reinterpret_cast<const T*>(strip.image->getRow(y)); };
+    const auto row = [&](std::size_t y, int step) {
+        const auto at = static_cast<std::ptrdiff_t>(y) + step;
+        return reinterpret_cast<const T*>(image::continueBorder2d(*strip.image, at));
+    };
     AbsResponses responses{};
     const auto kernel = kernelOf<T>(getGaussianNoiseKernels().of(D));
     for (std::size_t y = strip.first; y < strip.first + strip.count; ++y) {
-        // Inside the image the neighbours are its own; beyond it its border goes on.
-        const std::size_t last = strip.image->getGeometry().y - 1;
-        kernel(row(y == 0 ? 0 : y - 1), row(y), row(y == last ? last : y + 1), width, responses);
+        kernel(row(y, -1), row(y, 0), row(y, 1), width, responses);
     }
     value<OutGaussianNoiseStats>().SumAbsLaplacian =
         std::is_floating_point_v<T> ? std::accumulate(std::begin(responses.laneSums), std::end(responses.laneSums), 0.0)

@@ -110,8 +110,8 @@ struct SegmentSums
     std::int64_t x2z;
 };
 
-/// `blocks` blocks of pixels. From the last block to the first, running sums give the weights that multiplications
-/// would: what is added at block j is counted j + 1 times in the sum of the running sum.
+/// `blocks` blocks of pixels. Running sums give the weights that multiplications would: what is added at block j is
+/// counted blocks - j times in the sum of the running sum.
 template <Domain::domain D, class T>
 ORLIX_KERNEL SegmentSums sumBlocks(const T* pixels, std::size_t blocks)
 {
@@ -128,7 +128,7 @@ ORLIX_KERNEL SegmentSums sumBlocks(const T* pixels, std::size_t blocks)
     }
     one += 1;
     Sums z0{}, z1{}, z2{}, x0{}, x1{}, xx{};
-    for (std::size_t j = blocks; j-- > 0;) {
+    for (std::size_t j = 0; j < blocks; ++j) {
         for (std::size_t k = 0; k < packs; ++k) {
             const Words z = loadCentred<D>(pixels + j * integerBlock<D> + k * step);
             z0 += (Sums)multiplyAddPairs<D>(z, one);
@@ -144,15 +144,19 @@ ORLIX_KERNEL SegmentSums sumBlocks(const T* pixels, std::size_t blocks)
         return addLanes<std::int32_t, std::int64_t>(sums);
     };
     constexpr std::int64_t width = integerBlock<D>;
+    const std::int64_t count = std::int64_t(blocks);
     const std::int64_t z = total(z0);
-    const std::int64_t jz = total(z1) - z;                   // each block times its number j
-    const std::int64_t j2z = 2 * total(z2) - 3 * jz - 2 * z; // (j + 1) (j + 2) / 2 = (j^2 + 3 j + 2) / 2
+    const std::int64_t left = total(z1);              // each block times m = count - j
+    const std::int64_t leftSq = 2 * total(z2) - left; // times m^2, as the sum of 1 ... m is m (m + 1) / 2
     const std::int64_t xz = total(x0);
-    const std::int64_t jxz = total(x1) - xz;
+    // Each block times its number j, and times j^2.
+    const std::int64_t jz = count * z - left;
+    const std::int64_t j2z = count * count * z - 2 * count * left + leftSq;
+    const std::int64_t jxz = count * xz - total(x1);
     SegmentSums sums{z, width * jz + xz, width * width * j2z + 2 * width * jxz + total(xx)};
     // Pixels of unsigned 16 bits are less by this.
     constexpr std::int64_t centre = !isSigned<T> && sizeof(T) == 2 ? 32768 : 0;
-    const std::int64_t n = std::int64_t(blocks) * width;
+    const std::int64_t n = count * width;
     sums.z += centre * n;
     sums.xz += centre * (n * (n - 1) / 2);
     sums.x2z += centre * ((n - 1) * n * (2 * n - 1) / 6);
