@@ -13,7 +13,7 @@ namespace
 
 const data::DynamicClassRegistration<KDEDataSet> element{KDEDataSet::typeName};
 const data::DynamicClassRegistration<PlanIndexedKDEDataSet> collection{PlanIndexedKDEDataSet::typeName};
-const data::DynamicClassRegistration<KDEBandwidthPolicy> policy{KDEBandwidthPolicy::typeName};
+const data::DynamicClassRegistration<KDEBandwidthPolicy> bandwidthPolicy{KDEBandwidthPolicy::typeName};
 
 double standardDeviation(std::span<const double> values)
 {
