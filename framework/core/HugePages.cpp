@@ -9,14 +9,14 @@ namespace orlix::core
 
 void useHugePages(void* memory, std::size_t bytes)
 {
-    constexpr std::uintptr_t page = 4096;
+    constexpr std::size_t page = 4096;
     constexpr std::size_t worthWhile = std::size_t{4} << 20;
     if (bytes < worthWhile) {
         return;
     }
-    const std::uintptr_t begin = (reinterpret_cast<std::uintptr_t>(memory) + page - 1) / page * page;
-    const std::uintptr_t end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / page * page;
-    (void)madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE); // a hint: it may be refused
+    const std::size_t toPage = (page - reinterpret_cast<std::uintptr_t>(memory) % page) % page;
+    // A hint: it may be refused.
+    (void)madvise(static_cast<std::byte*>(memory) + toPage, (bytes - toPage) / page * page, MADV_HUGEPAGE);
 }
 
 } // namespace orlix::core
