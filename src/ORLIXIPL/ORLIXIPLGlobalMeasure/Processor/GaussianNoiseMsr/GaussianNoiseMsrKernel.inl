@@ -118,7 +118,8 @@ ORLIX_KERNEL void addSegmentOneByOne(const V* v, std::size_t size, AbsResponses&
 {
     std::int64_t sum = 0;
     for (std::size_t x = 0; x < size; ++x) {
-        const auto response = v[x - 1] + v[x + 1] - 2 * v[x];
+        const V* const at = v + x;
+        const auto response = at[-1] + at[1] - 2 * at[0];
         const auto magnitude = response < 0 ? -response : response;
         if (isExact) {
             sum += std::int64_t(magnitude);

@@ -13,7 +13,7 @@ namespace orlix::imaproc::glbmsr
 inline std::uint64_t setBytes(const std::uint8_t* bytes)
 {
     std::uint64_t set = 0;
-    for (unsigned k = 0; k < 4; ++k) {
+    for (std::size_t k = 0; k < 4; ++k) {
         const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + 16 * k));
         const auto zeros = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(sixteen, _mm_setzero_si128())));
         set |= static_cast<std::uint64_t>(~zeros & 0xffffu) << (16 * k);
@@ -38,7 +38,7 @@ inline std::size_t countSetBytes(const std::uint8_t* bytes, std::size_t size)
     std::size_t zeros = 0;
     std::size_t i = 0;
     while (i + 16 <= size) {
-        constexpr std::size_t most = 255 * 16; // that lanes of bytes can count
+        constexpr std::size_t most = std::size_t{255} * 16; // that lanes of bytes can count
         const std::size_t end = i + (size - i < most ? size - i : most) / 16 * 16;
         __m128i counts = zero;
         for (; i < end; i += 16) {

@@ -44,7 +44,8 @@ core::ProcessingResult LocateStrip<Self, Strip, Output>::genericProcessFunction(
         const auto* const bytes = parser.run<std::uint8_t>(row, box.x);
         if constexpr (std::is_same_v<Strip, InBinZStrip3d>) {
             const auto y = static_cast<double>(row % box.y);
-            const auto z = static_cast<double>(first + row / box.y);
+            const std::size_t plane = row / box.y;
+            const auto z = static_cast<double>(first + plane);
             to = listSetBytes(bytes, box.x, to, end, [&](double x) { return image::Coords3d{x, y, z}; });
         } else {
             const auto y = static_cast<double>(first + row);
