@@ -3,6 +3,7 @@
 #include <framework/core/Message.hpp>
 #include <framework/data/Archive.hpp>
 #include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/image/BufferSize.hpp>
 #include <framework/image/ImageMessages.hpp>
 
 #include <log4cplus/logger.h>
@@ -46,15 +47,6 @@ std::optional<std::size_t> bufferSize(eImageBufferType type, const ImageGeometry
     return geometry.empty() ? 0 : bytes;
 }
 
-std::size_t checkedBufferSize(eImageBufferType type, const ImageGeometry& geometry)
-{
-    const auto bytes = bufferSize(type, geometry);
-    if (!bytes) {
-        raise(ORLIX_HERE, eImageMessage::eIM_TooLarge, toString(geometry));
-    }
-    return *bytes;
-}
-
 void checkAlignment(const void* pixels, eImageBufferType type, const ImageGeometry& geometry,
                     const ImageStrides& strides)
 {
@@ -77,6 +69,15 @@ void checkAlignment(const void* pixels, eImageBufferType type, const ImageGeomet
 }
 
 } // namespace
+
+std::size_t checkedBufferSize(eImageBufferType type, const ImageGeometry& geometry)
+{
+    const auto bytes = bufferSize(type, geometry);
+    if (!bytes) {
+        raise(ORLIX_HERE, eImageMessage::eIM_TooLarge, toString(geometry));
+    }
+    return *bytes;
+}
 
 Ptr<BaseImage> BaseImage::create(eImageBufferType type, const ImageGeometry& geometry)
 {
@@ -119,6 +120,14 @@ Ptr<BaseImage> BaseImage::wrap(void* pixels, eImageBufferType type, const ImageG
     checkedBufferSize(type, geometry); // before the strides, which could not be told otherwise
     return wrap(pixels, type, geometry, ImageStrides::contiguous(geometry, image::getPixelSize(type)),
                 std::move(owner));
+}
+
+Ptr<BaseImage> BaseImage::wrapGpu(void* pixels, eImageBufferType type, const ImageGeometry& geometry,
+                                  const ImageStrides& strides, Ptr<const void> owner)
+{
+    auto image = wrap(pixels, type, geometry, strides, std::move(owner));
+    image->isGpuImage_ = true;
+    return image;
 }
 
 // The image is handed out as const, so nothing writes to the caller's pixels.
@@ -168,6 +177,9 @@ void BaseImage::copy(const BaseDynamicObject& other)
 
 ProcessingResult BaseImage::write(data::OutputArchive& archive) const
 {
+    if (isGpuImage_) {
+        return ProcessingResult::failure(core::formatMessage(eImageMessage::eIM_GpuPixels));
+    }
     archive.write("type", std::string{getName(type_)});
     archive.write("x", geometry_.x);
     archive.write("y", geometry_.y);

@@ -44,10 +44,16 @@ public:
     static Ptr<const BaseImage> wrap(const void* pixels, eImageBufferType type, const ImageGeometry& geometry,
                                      Ptr<const void> owner);
 
+    /// An image whose pixels lie in the memory of a GPU, where `owner` keeps them alive: only measures that run there
+    /// read them. framework/gpu makes such images.
+    static Ptr<BaseImage> wrapGpu(void* pixels, eImageBufferType type, const ImageGeometry& geometry,
+                                  const ImageStrides& strides, Ptr<const void> owner);
+
     eImageBufferType getType() const { return type_; }
     const ImageGeometry& getGeometry() const { return geometry_; }
     const ImageStrides& getStrides() const { return strides_; }
     std::size_t getPixelSize() const { return image::getPixelSize(type_); }
+    bool isGpuImage() const { return isGpuImage_; }
 
     /// The first pixel of a row.
     std::byte* getRow(std::size_t y, std::size_t z = 0, std::size_t c = 0, std::size_t t = 0)
@@ -68,7 +74,7 @@ public:
 
     /// Shares the other image's pixels.
     void copy(const BaseDynamicObject& other) override;
-    /// Type, geometry and the pixels in base64.
+    /// Type, geometry and the pixels in base64. An image on a GPU fails.
     core::ProcessingResult write(data::OutputArchive& archive) const override;
     core::ProcessingResult read(data::InputArchive& archive) override;
 
@@ -80,6 +86,7 @@ private:
     }
 
     eImageBufferType type_ = eImageBufferType::eIBT_UInt8;
+    bool isGpuImage_ = false;
     ImageGeometry geometry_;
     ImageStrides strides_;
     std::byte* pixels_ = nullptr;

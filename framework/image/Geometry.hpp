@@ -45,6 +45,7 @@ struct ImageStrides
         strides.t = strides.c * static_cast<std::ptrdiff_t>(geometry.c);
         return strides;
     }
+    friend constexpr bool operator==(const ImageStrides&, const ImageStrides&) = default;
 };
 
 /// Addresses one plan of an image. A volume's index has z = 0, a sequence's t = 0.

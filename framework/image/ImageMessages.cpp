@@ -13,6 +13,7 @@ std::span<const Message> MessageMap<image::eImageMessage>::texts()
         {4, "There is no plan %1% (z, c, t) in an image of %2%"},
         {5, "The archive holds %1% bytes of pixels where %2% are needed"},
         {6, "\"%1%\" is no pixel type"},
+        {7, "The pixels lie on a GPU: copy them to the host first"},
     };
     return table;
 }

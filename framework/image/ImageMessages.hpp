@@ -15,6 +15,7 @@ enum class eImageMessage : unsigned
     eIM_NoSuchPlan = 4,      ///< plan, geometry
     eIM_WrongPixels = 5,     ///< bytes that came, bytes that are needed
     eIM_UnknownType = 6,     ///< type name
+    eIM_GpuPixels = 7,
 };
 
 } // namespace orlix::image

@@ -101,6 +101,10 @@ ProcessingResult BaseProcessor::checkInputs() const
                 core::formatMessage(eProcessorMessage::eRefusedInput, getObjectName(), result.getMessage()));
         }
         const image::BaseImage* const image = attribute->getImage();
+        if (image != nullptr && image->isGpuImage() && !acceptsGpuImages()) {
+            return ProcessingResult::failure(
+                core::formatMessage(eProcessorMessage::eGpuImage, getObjectName(), attribute->getName()));
+        }
         if (image != nullptr && image->getGeometry().empty() && !acceptsEmptyImages()) {
             return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eEmptyImage, getObjectName(),
                                                                  attribute->getName(), toString(image->getGeometry())));

@@ -85,6 +85,8 @@ protected:
     virtual void globalCleanDerived() { clearIntermediateData(); }
     /// After a failed run: takes back the outputs that the run itself made.
     virtual void cleanOnErrorDerived();
+    /// Whether images may lie on a GPU now.
+    virtual bool acceptsGpuImages() const { return false; }
     /// Whether an image without pixels gives a result rather than an error.
     virtual bool acceptsEmptyImages() const { return false; }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <framework/process/Dispatcher.hpp>
+#include <framework/process/GpuVariant.hpp>
 #include <framework/process/Processor.hpp>
 
 #include <algorithm>
@@ -155,6 +156,8 @@ class PlanIndexedLvl1 : public Processor<Self, BaseAsync1Processor, typename Inp
     using Collection = typename Output::Source::Value;
 
 protected:
+    bool acceptsGpuImages() const final { return mayUseGpu<Child>(); }
+
     Rule makeRule() const override
     {
         return matchImagePlans(this->template attribute<typename Output::Source>(),
@@ -194,6 +197,8 @@ protected:
     {
         return detail::matchSizes(this->template attribute<typename Inputs::Source>()...);
     }
+
+    bool acceptsGpuImages() const final { return mayUseGpu<Child>(); }
 
     /// How many plans may be measured at once.
     virtual std::size_t getMaxParallelPlans() const { return std::numeric_limits<std::size_t>::max(); }
@@ -267,13 +272,35 @@ protected:
         return detail::matchSizes(this->template attribute<typename Inputs::Source>()...);
     }
 
+    bool acceptsGpuImages() const final { return mayUseGpu<Self>(); }
+
     /// Strips of fewer pixels are not worth their results; it depends on the image and the parameters alone.
     virtual std::size_t getMinStripPixels() const { return 0; }
 
     core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override
     {
-        provider = makeStripsProvider(priority);
+        provider = tryToLaunchGpuProcess(priority);
+        isOnGpu_ = provider != nullptr;
+        if (!isOnGpu_) {
+            provider = makeStripsProvider(priority);
+        }
         return {};
+    }
+
+    /// The provider of the GPU level, if GPU support is activated and all images lie on the GPU; else null. Its one
+    /// child writes the output itself.
+    Ptr<ActionProvider> tryToLaunchGpuProcess(ePriority priority)
+    {
+        if constexpr (requires { Self::gpuVariant; }) {
+            const auto& attributes = this->getAttributes();
+            const bool areOnGpu = std::all_of(attributes.begin(), attributes.end(), [](const auto* attribute) {
+                return attribute->getImage() == nullptr || attribute->getImage()->isGpuImage();
+            });
+            if (areOnGpu && mayUseGpu<Self>()) {
+                return Self::gpuVariant.launch(priority, *this);
+            }
+        }
+        return nullptr;
     }
 
     /// The provider of the strips; `more` are splits of values that are none of the inputs.
@@ -295,10 +322,11 @@ protected:
 
     core::ProcessingResult postProcess() override
     {
-        return results_.merge(this->template value<typename Output::Source>());
+        return isOnGpu_ ? core::ProcessingResult{} : results_.merge(this->template value<typename Output::Source>());
     }
 
 private:
+    bool isOnGpu_ = false;
     std::optional<StripCut> cut_;
     detail::PartialResults<Output, Merge> results_;
 };

@@ -27,6 +27,7 @@ enum class eProcessorMessage : unsigned
     eWrongOutputSize = 16,    ///< output attribute, geometry, geometry needed, input attribute, geometry
     eUnequalTypes = 17,       ///< attribute, pixel type, attribute, pixel type
     ePositionOutside = 18,    ///< processor, number of the position, attribute, geometry
+    eGpuImage = 19,           ///< processor, attribute
     eUninitialisedAccess = 33 ///< processor
 };
 

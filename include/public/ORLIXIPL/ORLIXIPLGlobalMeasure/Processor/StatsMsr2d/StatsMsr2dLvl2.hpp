@@ -14,6 +14,7 @@ public:
     ~StatsMsr2dLvl2() override;
 
     static ProcessorClass processorClass;
+    static GpuVariant gpuVariant;
 };
 
 } // namespace orlix::imaproc::glbmsr
