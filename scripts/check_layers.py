@@ -21,7 +21,7 @@ def main():
     files = 0
     for folder in ("framework", *FOLDERS):
         for path in sorted((root / folder).rglob("*.[hci]*")):
-            if path.suffix not in (".hpp", ".cpp", ".inl"):
+            if path.suffix not in (".hpp", ".cpp", ".inl", ".cu", ".cuh"):
                 continue
             files += 1
             name = path.relative_to(root).as_posix()

@@ -128,6 +128,11 @@ const std::map<std::string, unsigned> toolTips{
     {"SimilarityMsrLvl1", 66},
     {"SimilarityMsrLvl2", 67},
     {"SimilarityMsrLvl3", 68},
+#ifdef ORLIX_HAS_CUDA
+    {"StatsMsr2dGpuLvl3", 78},
+    {"StatsMsr3dGpuLvl3", 82},
+    {"StatsMsrGpuLvl3", 86},
+#endif
     {"StatsMsrLvl1", 87},
     {"StatsMsrLvl2", 88},
     {"StatsMsrLvl3", 89},
@@ -161,7 +166,8 @@ TEST(Registry, EveryClassIsWhoItSaysItIs)
         EXPECT_TRUE(info.sourceLocation.ends_with(info.objectName.substr(info.objectName.size() - 4) + ".cpp"))
             << info.sourceLocation;
         const bool level3 = info.objectName.ends_with("Lvl3");
-        EXPECT_EQ(dynamic_cast<const BaseProcessingAlgorithm*>(&object) != nullptr, level3);
+        const bool onGpu = info.objectName.ends_with("GpuLvl3");
+        EXPECT_EQ(dynamic_cast<const BaseProcessingAlgorithm*>(&object) != nullptr, level3 && !onGpu);
         EXPECT_EQ(object.isComplexAction(), !level3);
 
         const auto dynamic = data::DynamicObjectFactory::getInstance().createSharedObject(info.typeName);

@@ -13,6 +13,11 @@
 /// on every instruction set, float images on every vector instruction set; there the generic kernel adds in another
 /// order, so that sum, mean and standard deviation may differ by the rounding of double additions, and a minimum or
 /// maximum of zero by its sign. A mask that is set everywhere changes no bit.
+///
+/// An image on a GPU (framework/gpu) is measured there, without a mask. Its number, minimum, maximum and, where the
+/// absolute values sum to less than 2^53, the sum of integers are those of the CPU; other sums, mean and deviation may
+/// differ by the rounding of double additions, whose order the GPU's number of multiprocessors decides. Every run on
+/// one GPU gives the same bits.
 namespace orlix::imaproc::glbmsr
 {
 
