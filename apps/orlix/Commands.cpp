@@ -1,6 +1,7 @@
 #include <orlix/Commands.hpp>
 
 #include <orlix/Errors.hpp>
+#include <orlix/GpuSupport.hpp>
 #include <orlix/Measures.hpp>
 
 #include <framework/core/Settings.hpp>
@@ -25,14 +26,20 @@ namespace
 Json listKernels(const BaseProcessor& processor)
 {
     Json kernels = Json::array();
+    const auto add = [&](const image::DataTypeIdentifierColl& dataTypes, const std::string& isa) {
+        Json types = Json::array();
+        for (std::size_t i = 0; i < dataTypes.size(); ++i) {
+            types.push_back(image::getName(dataTypes[i]));
+        }
+        kernels.push_back({{"types", types}, {"isa", isa}});
+    };
     if (const auto* const algorithm = dynamic_cast<const BaseProcessingAlgorithm*>(&processor)) {
         for (const AlgorithmFunctionIdentifier& kernel : algorithm->getFunctionSelector().getFunctions()) {
-            Json types = Json::array();
-            for (std::size_t i = 0; i < kernel.dataTypes.size(); ++i) {
-                types.push_back(image::getName(kernel.dataTypes[i]));
-            }
-            kernels.push_back({{"types", types}, {"isa", core::toString(kernel.instructionSets)}});
+            add(kernel.dataTypes, core::toString(kernel.instructionSets));
         }
+    }
+    for (const image::DataTypeIdentifierColl& types : getGpuKernelTypes(processor)) {
+        add(types, "cuda");
     }
     return kernels;
 }
@@ -211,16 +218,21 @@ struct Verb
     bool takesSample = false;
     bool takesLimit = false;
     bool takesBinary = false;
+    const char* gpuHelp = nullptr;        ///< of --gpu, where the verb takes it
     void (*forPeople)(Report&) = nullptr; ///< makes a table of a report that is one for machines
 };
 
 constexpr Verb verbs[] = {
-    {.name = "info", .help = "type and sizes of an image", .run = &runInfo},
+    {.name = "info",
+     .help = "type and sizes of an image",
+     .run = &runInfo,
+     .gpuHelp = "what GPU there is, instead of an image"},
     {.name = "stats",
      .help = "number, sum, mean, minimum, maximum and standard deviation of the pixels",
      .run = &runStats,
      .per = Per::Any,
-     .takesMask = true},
+     .takesMask = true,
+     .gpuHelp = "measure on the GPU"},
     {.name = "histogram",
      .help = "number of pixels in classes of equal width",
      .run = &runHistogram,
@@ -316,7 +328,7 @@ CLI::Validator bandwidth()
 void addOptions(CLI::App& command, const Verb& verb, Options& options)
 {
     if (verb.images > 0) {
-        command.add_option("IMAGE", options.image, "a TIFF file")->required();
+        command.add_option("IMAGE", options.image, "a TIFF file")->required(verb.run != &runInfo);
     }
     if (verb.images > 1) {
         command.add_option("IMAGE2", options.image2, "another one, of the same size")->required();
@@ -375,6 +387,9 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
     if (verb.takesBinary) {
         command.add_flag("--binary", options.binary, "read any pixel that is not 0 as set");
     }
+    if (verb.gpuHelp != nullptr) {
+        command.add_flag("--gpu", options.gpu, verb.gpuHelp);
+    }
     command.add_option("--isa", options.isa, "force an instruction set: generic, sse2, avx, avx2 or avx512")
         ->check(CLI::IsMember({"generic", "sse2", "avx", "avx2", "avx512"}))
         ->type_name("");
@@ -401,7 +416,7 @@ void refuseUnknown(int argc, const char* const* argv)
     for (int i = 2; i < argc; ++i) {
         const std::string word = argv[i];
         const std::string option = word.substr(0, word.find('='));
-        if (option == "--csv" || option == "--gpu") {
+        if (option == "--csv") {
             throw UsageError{option + " is not available yet"};
         }
     }
@@ -423,8 +438,17 @@ Report runNamed(const Verb& verb, const Options& options)
 }
 
 /// What one option cannot tell by itself.
-void checkTogether(const Options& options)
+void checkTogether(const Verb& verb, const Options& options)
 {
+    if (verb.run == &runInfo && options.image.empty() != options.gpu) {
+        throw UsageError{options.gpu ? "info --gpu takes no image" : "IMAGE is required (see orlix --help)"};
+    }
+    if (options.gpu && !options.mask.empty()) {
+        throw UsageError{"--gpu and --mask do not go together: statistics under a mask run on the CPU alone"};
+    }
+    if (options.gpu && !options.isa.empty()) {
+        throw UsageError{"--gpu and --isa do not go together: an instruction set is the CPU's"};
+    }
     if (options.min.has_value() != options.max.has_value()) {
         throw UsageError{"--min and --max go together: give both or neither"};
     }
@@ -469,7 +493,7 @@ std::string run(int argc, const char* const* argv)
     const std::string chosen = app.get_subcommands().front()->get_name();
     const Verb& verb =
         *std::find_if(std::begin(verbs), std::end(verbs), [&](const Verb& v) { return v.name == chosen; });
-    checkTogether(options);
+    checkTogether(verb, options);
     applySettings(options);
     Report report = runNamed(verb, options);
     if (options.json) {

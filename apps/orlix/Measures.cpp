@@ -1,6 +1,7 @@
 #include <orlix/Measures.hpp>
 
 #include <orlix/Errors.hpp>
+#include <orlix/GpuSupport.hpp>
 #include <orlix/TiffFile.hpp>
 #include <orlix/TiffWriter.hpp>
 
@@ -253,6 +254,9 @@ Ptr<const HistoMsrParams> makeParams(const Options& options, const BaseImage& im
 
 Report runInfo(const Options& options)
 {
+    if (options.gpu) {
+        return {"info", {}, {describeGpu()}};
+    }
     const TiffFile file{options.image, options.pages};
     Json row = describeImage(options.image, file.getType(), file.getGeometry());
     row.erase("path");
@@ -263,7 +267,7 @@ Report runInfo(const Options& options)
 Report runStats(const Options& options)
 {
     const Inputs inputs{options};
-    const auto& image = inputs.image;
+    const auto image = options.gpu ? placeOnGpu(inputs.image) : inputs.image;
     const auto& mask = inputs.mask;
     if (mask) {
         return reportPer(

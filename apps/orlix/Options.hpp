@@ -28,6 +28,7 @@ struct Options
     std::optional<unsigned> seed;
     std::optional<unsigned> limit;
     bool binary = false;
+    bool gpu = false;
     unsigned threads = 0;
     bool json = false;
     bool quiet = false;

@@ -619,6 +619,25 @@ TEST_F(CommandTest, ProjectsAlongEveryAxis)
     EXPECT_EQ(files, (std::vector<std::string>{"projection.tif", "stack.tif"}));
 }
 
+TEST_F(CommandTest, MeasuresOnAGpuOrSaysWhyNot)
+{
+    const std::string image = write("image.tif", 4, {.bits = 16});
+    const Outcome info = run({"info", "--gpu", "--json"});
+    const Outcome stats = run({"stats", "--gpu", "--per", "plan", "--json", image});
+    if (info.status == 0) {
+        for (const char* const field : {"device", "memory", "driver"}) {
+            EXPECT_TRUE(info.result().contains(field)) << field;
+        }
+        EXPECT_EQ(stats.json()["results"], run({"stats", "--per", "plan", "--json", image}).json()["results"]);
+    } else {
+        for (const Outcome* const outcome : {&info, &stats}) {
+            EXPECT_EQ(outcome->status, 1);
+            EXPECT_EQ(outcome->output, "");
+            EXPECT_EQ(outcome->error.rfind("orlix: --gpu: ", 0), 0u) << outcome->error;
+        }
+    }
+}
+
 // One clear line, the right exit status, and nothing on standard output.
 TEST_F(CommandTest, RefusesWhatIsWrong)
 {
@@ -655,7 +674,11 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         {{"report", good}, 2, "the verb report is not available yet"},
         {{"stats"}, 2, "IMAGE is required"},
         {{"stats", good, "--csv"}, 2, "--csv is not available yet"},
-        {{"stats", good, "--gpu"}, 2, "--gpu is not available yet"},
+        {{"noise", good, "--gpu"}, 2, "--gpu"},
+        {{"stats", good, "--gpu", "--mask", good}, 2, "--gpu and --mask do not go together"},
+        {{"stats", good, "--gpu", "--isa", "sse2"}, 2, "--gpu and --isa do not go together"},
+        {{"info", good, "--gpu"}, 2, "info --gpu takes no image"},
+        {{"info"}, 2, "IMAGE is required"},
         {{"stats", good, "--frob"}, 2, "--frob"},
         {{"locate", good}, 1, "good.tif: it is uint8, and locate takes a binary image: pass --binary"},
         {{"locate", good, "--binary", "--limit", "-1"}, 2, "-1"},
