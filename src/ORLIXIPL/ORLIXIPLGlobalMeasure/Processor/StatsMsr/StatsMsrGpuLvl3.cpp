@@ -14,7 +14,7 @@ StatsMsrGpuLvl3::~StatsMsrGpuLvl3() = default;
 
 namespace
 {
-const bool isOffered = ((StatsMsrLvl2::gpuVariant = makeGpuVariant<StatsMsrGpuLvl3, InSubImg2d>()), true);
+const bool statsMsrOffered = ((StatsMsrLvl2::gpuVariant = makeGpuVariant<StatsMsrGpuLvl3, InSubImg2d>()), true);
 } // namespace
 
 } // namespace orlix::imaproc::glbmsr

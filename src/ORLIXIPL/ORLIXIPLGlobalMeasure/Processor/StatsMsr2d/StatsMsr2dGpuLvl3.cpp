@@ -14,7 +14,7 @@ StatsMsr2dGpuLvl3::~StatsMsr2dGpuLvl3() = default;
 
 namespace
 {
-const bool isOffered = ((StatsMsr2dLvl2::gpuVariant = makeGpuVariant<StatsMsr2dGpuLvl3, InSubImg2d>()), true);
+const bool statsMsr2dOffered = ((StatsMsr2dLvl2::gpuVariant = makeGpuVariant<StatsMsr2dGpuLvl3, InSubImg2d>()), true);
 } // namespace
 
 } // namespace orlix::imaproc::glbmsr

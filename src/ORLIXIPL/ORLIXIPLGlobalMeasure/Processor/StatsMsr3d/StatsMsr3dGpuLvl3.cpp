@@ -14,7 +14,7 @@ StatsMsr3dGpuLvl3::~StatsMsr3dGpuLvl3() = default;
 
 namespace
 {
-const bool isOffered = ((StatsMsr3dLvl2::gpuVariant = makeGpuVariant<StatsMsr3dGpuLvl3, InSubImg3d>()), true);
+const bool statsMsr3dOffered = ((StatsMsr3dLvl2::gpuVariant = makeGpuVariant<StatsMsr3dGpuLvl3, InSubImg3d>()), true);
 } // namespace
 
 } // namespace orlix::imaproc::glbmsr
