@@ -19,7 +19,8 @@ std::span<const Message> MessageMap<imaproc::attr::eAttributeMessage>::texts()
         {10, "the image ranges from %1% to %2%: pass bounds of your own"},
         {11, "a range from %1% to %2% is too narrow for classes (of the width %3%): scale the pixels up"},
         {12, "%1% classes need %2% MiB, and the memory limit is %3% MiB: use wider classes or bounds of your own"},
-        {13, "the labels range from %1% to %2%, but beyond 16777216 they cannot be told apart: number them from 0"},
+        {13,
+         "the labels range from %1% to %2%, which needs %3% MiB, and the memory limit is %4% MiB: number them from 0"},
         {14, "%1% does not take a %2% image: make it binary, 1 where a pixel is set and 0 elsewhere"},
         {15, "label %1% needs %2% MiB for the counts of all labels below it, and the memory limit is %3% MiB: number "
              "the labels from 0"},
@@ -27,6 +28,7 @@ std::span<const Message> MessageMap<imaproc::attr::eAttributeMessage>::texts()
         {17, "label %1% is beyond %2%, the highest that can be counted: number the labels from 0"},
         {18, "%1% positions need %2% MiB, and the memory limit is %3% MiB: limit their number"},
         {19, "The archive's \"%1%\" has %2% numbers: a multiple of %3% is needed"},
+        {20, "%1% has the BinWidth %2%, but neither UseBinWidth nor a number of classes: set UseBinWidth to true"},
     };
     return table;
 }

@@ -21,13 +21,14 @@ enum class eAttributeMessage : unsigned
     eAM_NoFiniteRange = 10,    ///< Min, Max
     eAM_NarrowRange = 11,      ///< Min, Max, width
     eAM_ManyClasses = 12,      ///< number of classes, megabytes, limit in megabytes
-    eAM_WideLabels = 13,       ///< lowest label, highest label
+    eAM_WideLabels = 13,       ///< lowest label, highest label, megabytes, limit in megabytes
     eAM_NotBinary = 14,        ///< attribute, type of the image
     eAM_HighLabel = 15,        ///< label, megabytes, limit in megabytes
     eAM_ManySamples = 16,      ///< number of samples, megabytes, limit in megabytes
     eAM_UncountableLabel = 17, ///< label, highest label
     eAM_ManyPositions = 18,    ///< number of positions, megabytes, limit in megabytes
     eAM_UnevenList = 19,       ///< key, count of numbers, numbers of one element
+    eAM_UnusedBinWidth = 20,   ///< attribute, width
 };
 
 } // namespace orlix::imaproc::attr

@@ -23,10 +23,11 @@ class ORLIX_API HistoMsrParams final : public data::DataItem<HistoMsrParams>
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::HistoMsrParams";
 
-    double Min = 0;              ///< lower bound of the range, where the user defines it
-    double Max = 0;              ///< upper bound, itself in the last class
-    double BinWidth = 0;         ///< class width, where UseBinWidth is true; at least 1 for integer images
-    std::uint32_t NbClasses = 0; ///< wanted number of classes, where UseBinWidth is false
+    double Min = 0;      ///< lower bound of the range, where the user defines it
+    double Max = 0;      ///< upper bound, itself in the last class
+    double BinWidth = 0; ///< class width, where UseBinWidth is true; at least 1 for integer images
+    std::uint32_t NbClasses =
+        0; ///< wanted number of classes, where UseBinWidth is false; 0: 256, as without parameters
     eMinMaxDefinition MinMaxDefinition = eMinMaxDefinition::eMMD_ImgMinMax;
     bool UseBinWidth = false;
 

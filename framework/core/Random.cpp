@@ -1,6 +1,5 @@
 #include <framework/core/Random.hpp>
 
-#include <mutex>
 #include <random>
 
 namespace orlix::core::random
@@ -29,16 +28,18 @@ void setSeed(std::uint32_t seed)
     generator().twister.seed(seed);
 }
 
-std::uint32_t draw(std::uint32_t size)
+Draw::Draw() : lock_{generator().mutex} {}
+
+std::uint32_t Draw::operator()(std::uint32_t size)
 {
     // The standard's distributions differ between libraries. D. Lemire, Fast random integer generation in an interval,
     // 2019: the high half of a product, drawn again where the low half would favour some numbers.
-    const std::lock_guard lock{generator().mutex};
-    std::uint64_t product = std::uint64_t{size} * generator().twister();
+    std::mt19937& twister = generator().twister;
+    std::uint64_t product = std::uint64_t{size} * twister();
     if (static_cast<std::uint32_t>(product) < size) {
         const std::uint32_t favoured = (0u - size) % size;
         while (static_cast<std::uint32_t>(product) < favoured) {
-            product = std::uint64_t{size} * generator().twister();
+            product = std::uint64_t{size} * twister();
         }
     }
     return static_cast<std::uint32_t>(product >> 32);

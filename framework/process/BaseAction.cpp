@@ -1,5 +1,6 @@
 #include <framework/process/BaseAction.hpp>
 
+#include <framework/core/Settings.hpp>
 #include <framework/process/ProcessorMessages.hpp>
 
 #include <algorithm>
@@ -35,6 +36,11 @@ private:
     bool finished_ = false;
 };
 
+bool RunContext::reserve(std::size_t bytes) const
+{
+    return state->resultBytes.fetch_add(bytes) + bytes <= core::settings::getMemoryLimit();
+}
+
 BaseAction::~BaseAction() = default;
 
 ActionProvider::~ActionProvider() = default;
@@ -56,6 +62,7 @@ ProcessingResult BaseAction::run(eSynchroType type)
     }
     state_.cancelled = false;
     state_.progress = 0;
+    state_.resultBytes = 0;
     if (type == eSynchroType::eST_Synchronous) {
         return runHere();
     }

@@ -25,6 +25,7 @@ struct RunState
 {
     std::atomic<bool> cancelled{false};
     std::atomic<double> progress{0};
+    std::atomic<std::size_t> resultBytes{0}; ///< that results have reserved
 };
 
 /// What a run hands to the actions below it.
@@ -35,6 +36,8 @@ struct RunContext
     ePriority priority = ePriority::eP_Normal;
 
     bool cancelled() const { return state->cancelled.load(std::memory_order_relaxed); }
+    /// Whether the results of the whole run, with so many bytes more, stay within the memory limit.
+    ORLIX_API bool reserve(std::size_t bytes) const;
     void advance() const { state->progress.fetch_add(share, std::memory_order_relaxed); }
     RunContext part(std::size_t parts) const { return {state, share / static_cast<double>(parts), priority}; }
 };

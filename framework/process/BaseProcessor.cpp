@@ -1,5 +1,6 @@
 #include <framework/process/BaseProcessor.hpp>
 
+#include <framework/core/Settings.hpp>
 #include <framework/data/SerializationMessages.hpp>
 
 namespace orlix::imaproc
@@ -35,6 +36,7 @@ ProcessingResult BaseProcessor::execute(const RunContext& context)
 {
     try {
         ProcessingResult result;
+        run_ = &context;
         try {
             result = runSteps(context);
         } catch (...) {
@@ -111,6 +113,14 @@ ProcessingResult BaseProcessor::checkInputs() const
         }
     }
     return {};
+}
+
+ProcessingResult BaseProcessor::reserveResult(std::size_t bytes) const
+{
+    return getRun().reserve(bytes)
+               ? ProcessingResult{}
+               : ProcessingResult::failure(core::formatMessage(eProcessorMessage::eLargeResults, getObjectName(),
+                                                               core::settings::getMemoryLimit() >> 20));
 }
 
 void BaseProcessor::cleanOnErrorDerived()

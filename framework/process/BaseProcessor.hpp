@@ -90,6 +90,11 @@ protected:
     /// Whether an image without pixels gives a result rather than an error.
     virtual bool acceptsEmptyImages() const { return false; }
 
+    /// The run that is on.
+    const RunContext& getRun() const { return *run_; }
+    /// Fails where so many bytes more make the results of the whole run exceed the memory limit.
+    core::ProcessingResult reserveResult(std::size_t bytes) const;
+
     /// Throws if init has not run.
     void requireInitialized(const core::SourceLocation& where) const
     {
@@ -116,6 +121,7 @@ private:
     core::ProcessingResult runSteps(const RunContext& context);
     core::ProcessingResult checkInputs() const;
 
+    const RunContext* run_ = nullptr;
     AttributeColl attributes_;
     ProcessorDispatchPolicy dispatchPolicy_;
     Rule rule_;

@@ -303,13 +303,18 @@ protected:
         return nullptr;
     }
 
+    const StripCut& cutIntoStrips()
+    {
+        const image::BaseImage& image = this->template value<Image>();
+        const std::size_t minBytes = this->getMinStripPixels() * image.getPixelSize();
+        return cut_.emplace(StripCut::of<Strip>(image, std::max(this->getDispatchPolicy().stripBytes, minBytes), 1));
+    }
+
     /// The provider of the strips; `more` are splits of values that are none of the inputs.
     template <class... More>
     Ptr<ActionProvider> makeStripsProvider(ePriority priority, More... more)
     {
-        const image::BaseImage& image = this->template value<Image>();
-        const std::size_t minBytes = this->getMinStripPixels() * image.getPixelSize();
-        cut_.emplace(StripCut::of<Strip>(image, std::max(this->getDispatchPolicy().stripBytes, minBytes), 1));
+        cutIntoStrips();
         results_.begin(this->template attribute<typename Output::Source>(), cut_->size());
         return makeDynamicDispatcher<Child>(
             priority, this->getDispatchPolicy(), cut_->size(), results_.template split<Child>(), std::move(more)...,

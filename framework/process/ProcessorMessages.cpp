@@ -27,6 +27,7 @@ std::span<const Message> MessageMap<imaproc::eProcessorMessage>::texts()
         {17, "%1% is a %2% image, but %3% a %4% image: both need the same pixel type, so convert one of them"},
         {18, "%1%: position %2% of %3% lies outside the image of %4%"},
         {19, "%1%: %2% lies on a GPU: activate GPU support, where the measure runs there, or copy it to the host"},
+        {20, "%1%: the results of all plans need more than the memory limit of %2% MiB: measure fewer plans at once"},
         {33, "%1% is not initialised: call init before its attributes are set or read"},
     };
     return table;

@@ -28,6 +28,7 @@ enum class eProcessorMessage : unsigned
     eUnequalTypes = 17,       ///< attribute, pixel type, attribute, pixel type
     ePositionOutside = 18,    ///< processor, number of the position, attribute, geometry
     eGpuImage = 19,           ///< processor, attribute
+    eLargeResults = 20,       ///< processor, limit in megabytes
     eUninitialisedAccess = 33 ///< processor
 };
 

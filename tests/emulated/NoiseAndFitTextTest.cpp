@@ -73,17 +73,17 @@ TEST(LabelText, IsThatOfOtherDomains)
         const auto numbers = randomValues<std::uint32_t>(size, 4);
         const auto run = [&](const PercentKernels& kernels) {
             return std::vector<std::uint64_t>{
-                kernels.sum({bytes.data(), size}), kernels.sumOfProducts({bytes.data(), size, mask.data()}),
+                kernels.sum({bytes.data(), size}), kernels.sumSelected({bytes.data(), size, mask.data()}),
                 kernels.uint8.largest({bytes.data(), size}), kernels.uint16.largest({words.data(), size}),
                 kernels.uint32.largest({numbers.data(), size})};
         };
         std::uint64_t sum = 0;
-        std::uint64_t products = 0;
+        std::uint64_t selected = 0;
         for (std::size_t i = 0; i < size; ++i) {
             sum += bytes[i];
-            products += bytes[i] * mask[i] % 256u;
+            selected += mask[i] != 0 ? bytes[i] : 0;
         }
-        const std::vector<std::uint64_t> expected{sum, products, *std::max_element(bytes.begin(), bytes.end()),
+        const std::vector<std::uint64_t> expected{sum, selected, *std::max_element(bytes.begin(), bytes.end()),
                                                   *std::max_element(words.begin(), words.end()),
                                                   *std::max_element(numbers.begin(), numbers.end())};
         EXPECT_EQ(run(everyPercentKernel<Domain::eIS_Generic>), expected);

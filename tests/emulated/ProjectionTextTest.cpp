@@ -113,7 +113,7 @@ TYPED_TEST(ProjectionText, ReducesColumns)
                 for (std::size_t x = 0; x < width; ++x) {
                     const auto pixels = columnOf(columns, x);
                     const auto expect = [&](double found, eProjStatType statistic) {
-                        const double wanted = projectPixels(pixels, statistic);
+                        const double wanted = projectPixels(pixels, statistic, Begin::FirstPixel);
                         ASSERT_TRUE(isSame(found, wanted)) << x << ": " << found << " for " << wanted;
                     };
                     const auto n = static_cast<double>(count);

@@ -153,13 +153,38 @@ TEST(Counting, RefusesWhatIsNoLabelImage)
               }),
               "Counting2dMsrLvl1: InLabelImg does not take a float32 image: convert it to one of uint8, int8, uint16, "
               "int16, uint32, int32");
-    // Labels that a histogram cannot hold, or would put into one class.
-    for (const auto& [label, message] : {std::pair{2000000000u, "2000000001 classes need 22889 MiB"},
-                                         std::pair{4000000000u, "the labels range from 0 to 4000000000, but beyond"},
-                                         std::pair{16777217u, "the labels range from 0 to 16777217, but beyond"}}) {
-        const auto image = makeRow<unsigned int>({0, label});
-        EXPECT_NE(messageOf([&] { counting3dMsr(image); }).find(message), std::string::npos) << label;
+    core::settings::setMemoryLimit(std::size_t{300} << 20);
+    EXPECT_NE(messageOf([&] {
+                  counting3dMsr(makeRow<unsigned int>({0, 0xffffffff}));
+              }).find("the labels range from 0 to 4294967295, which needs 513 MiB, and the memory limit is 300 MiB"),
+              std::string::npos);
+    EXPECT_EQ(counting3dMsr(makeRow<unsigned int>({0, 0x80000000, 3}))->Value, 2u);
+    core::settings::setMemoryLimit(0);
+}
+
+// Where single precision takes several labels for one, and where there are few of many.
+TEST(Counting, TellsHighLabelsApart)
+{
+    const ImageGeometry shape{700, 300, 3};
+    const auto expectCount = [&](const auto& labels) {
+        const auto image = makeImage(shape, labels);
+        const std::set all(labels.begin(), labels.end());
+        const std::size_t plan = shape.x * shape.y;
+        const std::set ofFirst(labels.begin(), labels.begin() + static_cast<std::ptrdiff_t>(plan));
+        for (const unsigned threads : {1u, 3u}) {
+            const Threads number{threads};
+            EXPECT_EQ(counting3dMsr(image)->Value, all.size() - 1);
+            EXPECT_EQ(counting2dMsr(image)->Value, ofFirst.size() - 1);
+            EXPECT_EQ(counting3dMsr(makeStrided(shape, labels, true, true, true))->Value, all.size() - 1);
+        }
+    };
+    expectCount(randomValues<unsigned int>(shape.nbPixels())); // sparse, all over
+    expectCount(randomValues<int>(shape.nbPixels()));
+    std::vector<unsigned int> dense(shape.nbPixels());
+    for (std::size_t i = 0; i < dense.size(); ++i) {
+        dense[i] = static_cast<unsigned int>((1u << 24) - 1000 + i / 7 % 90000);
     }
+    expectCount(dense);
 }
 
 } // namespace orlix::test

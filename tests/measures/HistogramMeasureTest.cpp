@@ -93,6 +93,10 @@ TEST(HistogramMeasure, FixesTheClasses)
     const auto holed = makeRow<float>({0, 1, static_cast<float>(nan), 4, 2});
     auto undefined = params(50, 100, 10);
     undefined->MinMaxDefinition = static_cast<eMinMaxDefinition>(7);
+    const auto noClasses = ofImage(0);
+    noClasses->UseBinWidth = false;
+    const double tinyMax = 1e-20f;
+    const auto tiny = makeRow<float>({0, 1e-20f / 2, 1e-20f});
     const Case cases[] = {
         {"bytes", bytes, nullptr, 0, 255, 1, 256, {{0, 1}, {255, 1}}, 256},
         {"narrow bytes", ten, nullptr, 10, 19, 1, 10, {{0, 1}, {9, 1}}, 10},
@@ -106,19 +110,6 @@ TEST(HistogramMeasure, FixesTheClasses)
         {"width of the image's range", bytes, ofImage(100), 0, 255, 100, 3, {{0, 100}, {2, 56}}, 256},
         {"number of classes", bytes, ofImage(0, 4), 0, 255, 64, 4, {{0, 64}, {3, 64}}, 256},
         {"more classes than values", ten, ofImage(0, 1000), 10, 19, 1, 10, {{0, 1}, {9, 1}}, 10},
-        {"no class asked for",
-         bytes,
-         [] {
-             auto none = ofImage(0);
-             none->UseBinWidth = false;
-             return none;
-         }(),
-         0,
-         255,
-         inf,
-         1,
-         {{0, 256}},
-         256},
         {"user classes", unit, params(0, 0.5, 0, 5), 0, 0.5, 0.1, 5, {{0, 26}}, 129},
         {"a width of 0 for a constant", constant, ofImage(0), 2.5, 2.5, 0, 1, {{0, 9}}, 9},
         {"user point", unit, params(0.5, 0.5, 0), 0.5, 0.5, 0, 1, {{0, 1}}, 1},
@@ -133,6 +124,9 @@ TEST(HistogramMeasure, FixesTheClasses)
         {"width of nothing", unit, params(0, 1, 1e-17), 0, 1, 1. / 256, 256, {{255, 2}}, 257},
         {"2^31 classes", unit, params(0, 1, 0x1p-31), 0, 1, 1. / 256, 256, {{255, 2}}, 257},
         {"more than 2^32 classes", unit, params(0, 1, 0x1p-33), 0, 1, 1. / 256, 256, {{255, 2}}, 257},
+        {"no class asked for", bytes, noClasses, 0, 255, 1, 256, {{7, 1}}, 256},
+        {"no wish", unit, makePtr<HistoMsrParams>(), 0, 1, 1. / 256, 256, {{255, 2}}, 257},
+        {"a range below the epsilon", tiny, nullptr, 0, tinyMax, tinyMax / 256, 256, {{0, 1}, {128, 1}, {255, 1}}, 3},
         {"infinite width", unit, params(0, 1, inf), 0, 1, inf, 1, {{0, 257}}, 257},
         {"a width below 1", bytes, params(0, 9, 0.25), 0, 9, 1, 10, {{0, 1}, {9, 1}}, 10},
         {"odd width", words, ofImage(3), 0, 65535, 3, 21846, {{0, 3}, {21845, 1}}, 65536},
@@ -172,10 +166,13 @@ TEST(HistogramMeasure, RefusesWhatHasNoClasses)
          "the image ranges from 0 to inf: pass bounds of your own"},
         {[&] { histogramMsr2d(makeRow(std::vector<float>(3, static_cast<float>(nan)))); },
          "the image ranges from nan to nan"},
+        {[&] { histogramMsr(unit, params(0, 1e-320, 0, 4)); }, "is too narrow for classes"},
         {[&] {
-             histogramMsr(makeRow<float>({0, 1e-20f}));
+             auto unused = makePtr<HistoMsrParams>();
+             unused->BinWidth = 5;
+             histogramMsr(unit, unused);
          },
-         "is too narrow for classes"},
+         "InOptHistoMsrParams has the BinWidth 5, but neither UseBinWidth nor a number of classes"},
         {[&] { histogramMsr(labels, ofImage(1)); },
          "2000000001 classes need 22889 MiB, and the memory limit is 2048 MiB"},
         {[&] {

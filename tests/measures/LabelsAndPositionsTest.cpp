@@ -33,13 +33,13 @@ Ptr<const BaseImage> makeBinary(const ImageGeometry& size, const std::vector<uns
     return BaseImage::wrap(static_cast<const void*>(owner->getRow(0)), eImageBufferType::eIBT_Binary, size, owner);
 }
 
-/// The share in percent of every product of a label and its mask.
+/// The share in percent of every label; outside the mask it is 0.
 template <class T>
 std::vector<double> percentages(const std::vector<T>& labels, const std::vector<unsigned char>& mask)
 {
     std::map<std::uint32_t, std::size_t> counts;
     for (std::size_t i = 0; i < labels.size(); ++i) {
-        ++counts[std::uint32_t{labels[i]} * (mask.empty() ? 1u : mask[i])];
+        ++counts[mask.empty() || mask[i] != 0 ? labels[i] : 0];
     }
     std::vector<double> values(counts.rbegin()->first + 1, 0);
     for (const auto& [value, count] : counts) {
@@ -78,10 +78,10 @@ void comparePercentages()
         SCOPED_TRACE(toString(size));
         const auto labels = makeLabels<T>(size);
         std::vector<unsigned char> mask(size.nbPixels());
-        std::vector<unsigned char> factors(size.nbPixels());
+        std::vector<unsigned char> anyMask(size.nbPixels()); // not only 0 and 1
         for (std::size_t i = 0; i < mask.size(); ++i) {
             mask[i] = i / 5 % 3 != 0;
-            factors[i] = static_cast<unsigned char>(i % 4); // not only 0 and 1
+            anyMask[i] = static_cast<unsigned char>(i % 4 * 85);
         }
         const auto image = makeStrided(size, labels, true, false, false);
         for (const core::eInstructionSet::domain set : allSets) {
@@ -93,7 +93,7 @@ void comparePercentages()
             expectNear(areaPercent2dMsr(image)->Values, percentages(labels, {}));
             expectNear(areaPercent2dMsr(makeImage(size, labels))->Values, percentages(labels, {}));
             expectNear(areaPercent2dMsr(image, makeImage(size, mask))->Values, percentages(labels, mask));
-            expectNear(volumePercent3dMsr(image, makeImage(size, factors))->Values, percentages(labels, factors));
+            expectNear(volumePercent3dMsr(image, makeImage(size, anyMask))->Values, percentages(labels, anyMask));
         }
     }
 }
@@ -119,13 +119,11 @@ TEST(Percent, OfBinaryImages)
         std::vector<unsigned char> mask(size.nbPixels());
         std::size_t quarter = 0;
         std::size_t both = 0;
-        std::size_t lowBytes = 0;
         for (std::size_t i = 0; i < bytes.size(); ++i) {
             bytes[i] = i % 4 == 1;
-            mask[i] = i % 3 == 0;
+            mask[i] = i % 3 == 0 ? static_cast<unsigned char>(1 + i % 255) : 0;
             quarter += bytes[i];
-            both += bytes[i] & mask[i];
-            lowBytes += bytes[i] * 200u;
+            both += bytes[i] != 0 && mask[i] != 0;
         }
         const auto n = static_cast<double>(bytes.size());
         const auto shares = [&](std::size_t set_) {
@@ -136,24 +134,11 @@ TEST(Percent, OfBinaryImages)
         expectNear(volumePercent3dMsr(image)->Values, shares(quarter));
         // What lies outside the mask counts as not set, and all pixels are the denominator.
         expectNear(areaPercent2dMsr(image, makeImage(size, mask))->Values, shares(both));
-        // The sum is one of products: a mask of other values than 0 and 1 is taken at its word.
-        expectNear(areaPercent2dMsr(image, makeImage(size, std::vector<unsigned char>(size.nbPixels(), 200)))->Values,
-                   shares(lowBytes));
     }
 }
 
 TEST(Percent, OneListPerPlanOrVolume)
 {
-    // Products with a mask are those of 32 bits, its bytes those of unsigned numbers.
-    EXPECT_EQ(
-        areaPercent2dMsr(makeImage<unsigned int>({2, 1}, {2, 0x01010102}), makeImage<signed char>({2, 1}, {-1, -1}))
-            ->Values,
-        [] {
-            std::vector<double> values(511, 0);
-            values[510] = 50; // 2 * 255
-            values[254] = 50; // 255 * 0x01010102 modulo 2^32
-            return values;
-        }());
     const ImageGeometry size{2, 2, 2, 1, 2};
     const auto image = makeImage<unsigned short>(size, {0, 3, 3, 0, /**/ 1, 1, 1, 1, /**/ 2, 0, 0, 0, /**/ 0, 0, 0, 5});
     const auto plans = multiSlice_areaPercent2dMsr(image);
@@ -191,6 +176,13 @@ TEST(Percent, WhatIsRefused)
                   }).find("needs 51 MiB"),
                   std::string::npos);
     }
+    // One plan fits, but not the results of ten.
+    core::settings::setMemoryLimit(std::size_t{4} << 20);
+    std::vector<unsigned int> tenPlans(20, 70000);
+    const auto stack = makeImage({2, 1, 10}, tenPlans);
+    EXPECT_EQ(areaPercent2dMsr(stack)->Values.size(), 70001u);
+    EXPECT_NE(messageOf([&] { multiSlice_areaPercent2dMsr(stack); }).find("results of all plans need more than the"),
+              std::string::npos);
     core::settings::setMemoryLimit(0);
     EXPECT_EQ(
         messageOf([&] {
@@ -256,15 +248,23 @@ TEST(Locate, WhatIsRefused)
               "LocatePixels2dLvl1: InBinImg does not take a uint8 image: make it binary, 1 where a pixel is set and 0 "
               "elsewhere");
     EXPECT_EQ(messageOf([] { locateVoxels3d(nullptr); }), "LocateVoxels3dLvl1: InBinImg3d is not set");
-    const auto full = makeBinary({1500, 1500}, std::vector<unsigned char>(1500 * 1500, 1));
-    core::settings::setMemoryLimit(std::size_t{60} << 20);
-    EXPECT_NE(messageOf([&] {
-                  const Threads two{2};
-                  locatePixels2d(full);
-              }).find("2250000 positions need 69 MiB, and the memory limit is 60 MiB"),
-              std::string::npos);
-    EXPECT_EQ(locatePixels2d(full, 1000000)->Coordinates.size(), 1000000u);
-    core::settings::setMemoryLimit(0);
+    // The one list counts, however many threads make it.
+    const auto full = makeBinary({1500, 1500, 2}, std::vector<unsigned char>(1500 * 1500 * 2, 1));
+    for (const unsigned threads : {1u, 2u, 5u}) {
+        const Threads number{threads};
+        core::settings::setMemoryLimit(std::size_t{34} << 20);
+        EXPECT_NE(messageOf([&] {
+                      locatePixels2d(full);
+                  }).find("2250000 positions need 35 MiB, and the memory limit is 34 MiB"),
+                  std::string::npos);
+        core::settings::setMemoryLimit(std::size_t{35} << 20);
+        EXPECT_EQ(locatePixels2d(full)->Coordinates.size(), 2250000u);
+        EXPECT_NE(messageOf([&] { multiSlice_locatePixels2d(full); }).find("results of all plans need more than the"),
+                  std::string::npos);
+        core::settings::setMemoryLimit(std::size_t{16} << 20);
+        EXPECT_EQ(locatePixels2d(full, 1000000)->Coordinates.size(), 1000000u);
+        core::settings::setMemoryLimit(0);
+    }
 }
 
 // Without a limit of its own a call means every pixel, but counts them in 32 bits: 2^32 of them are none.

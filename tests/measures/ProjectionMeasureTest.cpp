@@ -120,7 +120,7 @@ TYPED_TEST(Projection, AlongXAndY)
                     const auto columns = xProjection2d(image, statistic)->Values;
                     ASSERT_EQ(columns.size(), size.x);
                     for (std::size_t x = 0; x < size.x; ++x) {
-                        const double expected = projectPixels(columnOf(values, size, x), statistic);
+                        const double expected = projectPixels(columnOf(values, size, x), statistic, Begin::EndOfType);
                         ASSERT_TRUE(isSame(columns[x], expected)) << x << ": " << columns[x] << " for " << expected;
                     }
                     const auto rows = yProjection2d(image, statistic)->Values;
@@ -171,7 +171,7 @@ TYPED_TEST(Projection, AlongZAndTimeIntoEveryType)
                         for (std::size_t z = 0; z < n; ++z) {
                             column.push_back(values[z * plane.nbPixels() + i]);
                         }
-                        const double expected = toPixelType<U>(projectPixels(column, statistic));
+                        const double expected = toPixelType<U>(projectPixels(column, statistic, Begin::FirstPixel));
                         ASSERT_TRUE(isSame(pixels[i], expected)) << i << ": " << pixels[i] << " for " << expected;
                         ASSERT_TRUE(isSame(pixelsToo[i], expected)) << i;
                     }

@@ -20,19 +20,28 @@ inline constexpr eProjStatType allStatistics[] = {
     eProjStatType::ePST_Max, eProjStatType::ePST_Mean,   eProjStatType::ePST_Median, eProjStatType::ePST_Min,
     eProjStatType::ePST_Sum, eProjStatType::ePST_StdDev, eProjStatType::ePST_Var,    static_cast<eProjStatType>(9)};
 
+/// What a maximum or minimum begins with: with nothing, so that any number replaces a NaN; with the first pixel, which
+/// stays where it is NaN; or with the end of the type.
+enum class Begin
+{
+    Nothing,
+    FirstPixel,
+    EndOfType
+};
+
 template <class T>
-double projectPixels(const std::vector<T>& pixels, eProjStatType statistic)
+double projectPixels(const std::vector<T>& pixels, eProjStatType statistic, Begin begin = Begin::Nothing)
 {
     const auto n = static_cast<double>(pixels.size());
     double sum = 0;
     double sumSq = 0;
-    T least = pixels[0];
-    T most = pixels[0];
+    T least = begin == Begin::EndOfType ? std::numeric_limits<T>::max() : pixels[0];
+    T most = begin == Begin::EndOfType ? std::numeric_limits<T>::lowest() : pixels[0];
     for (const T x : pixels) {
         sum += static_cast<double>(x);
         sumSq += static_cast<double>(x) * static_cast<double>(x);
-        least = least < x ? least : x;
-        most = most > x ? most : x;
+        least = x < least || (begin == Begin::Nothing && least != least) ? x : least;
+        most = x > most || (begin == Begin::Nothing && most != most) ? x : most;
     }
     const double variance = (sumSq - sum * sum / n) / n;
     switch (statistic) {

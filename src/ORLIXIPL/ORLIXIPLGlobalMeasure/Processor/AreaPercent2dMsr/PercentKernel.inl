@@ -9,41 +9,28 @@ namespace orlix::imaproc::glbmsr
 namespace
 {
 
-template <class R>
-ORLIX_KERNEL std::uint8_t lowByte(const R& run, std::size_t i)
-{
-    if constexpr (R::isMasked) {
-        return std::uint8_t(run.pixels[i] * run.mask[i]);
-    } else {
-        return run.pixels[i];
-    }
-}
-
+/// The sum of the pixels that count.
 template <Domain::domain D, class R>
-std::uint64_t sumLowBytes(R run)
+std::uint64_t sum(R run)
 {
-    std::uint64_t sum = 0;
+    std::uint64_t total = 0;
     std::size_t i = 0;
     if constexpr (D != Domain::eIS_Generic) {
         using Bytes = Pack<std::uint8_t, D>;
-        using Words = Pack<std::uint16_t, D>;
         Pack<std::uint64_t, D> sums{};
         for (; i + sizeof(Bytes) <= run.size; i += sizeof(Bytes)) {
             Bytes x = load<Bytes>(run.pixels + i);
             if constexpr (R::isMasked) {
-                const Bytes mask = load<Bytes>(run.mask + i);
-                const Words even = ((Words)x * (Words)mask) & 0xff; // of a product the low byte is that of low bytes
-                const Words odd = ((Words)x >> 8) * ((Words)mask >> 8) << 8;
-                x = (Bytes)(even | odd);
+                x = keep(loadSelection<std::uint8_t, D>(run.mask + i), x);
             }
             sums += addBytes<D>(x);
         }
-        sum = addLanes<std::uint64_t, std::uint64_t>(sums);
+        total = addLanes<std::uint64_t, std::uint64_t>(sums);
     }
     for (; i < run.size; ++i) {
-        sum += lowByte(run, i);
+        total += counts(run, i) ? run.pixels[i] : 0;
     }
-    return sum;
+    return total;
 }
 
 template <class T, Domain::domain D>
@@ -68,22 +55,22 @@ std::uint32_t largest(Run<T> run)
     return most;
 }
 
-/// The compiler widens and multiplies in vectors of the file's instruction set.
+/// The compiler widens and selects in vectors of the file's instruction set.
 template <class T>
-void multiply(MaskedRun<T> run, std::uint32_t* __restrict products)
+void select(MaskedRun<T> run, std::uint32_t* __restrict labels)
 {
     for (std::size_t i = 0; i < run.size; ++i) {
-        products[i] = std::uint32_t{run.pixels[i]} * run.mask[i];
+        labels[i] = counts(run, i) ? run.pixels[i] : 0;
     }
 }
 
 template <class T, Domain::domain D>
-constexpr LabelKernel<T> labelKernel{&largest<T, D>, &multiply<T>};
+constexpr LabelKernel<T> labelKernel{&largest<T, D>, &select<T>};
 
 template <Domain::domain D>
-constexpr PercentKernels everyPercentKernel{&sumLowBytes<D, Run<std::uint8_t>>,
-                                            &sumLowBytes<D, MaskedRun<std::uint8_t>>, labelKernel<std::uint8_t, D>,
-                                            labelKernel<std::uint16_t, D>, labelKernel<std::uint32_t, D>};
+constexpr PercentKernels everyPercentKernel{&sum<D, Run<std::uint8_t>>, &sum<D, MaskedRun<std::uint8_t>>,
+                                            labelKernel<std::uint8_t, D>, labelKernel<std::uint16_t, D>,
+                                            labelKernel<std::uint32_t, D>};
 
 } // namespace
 

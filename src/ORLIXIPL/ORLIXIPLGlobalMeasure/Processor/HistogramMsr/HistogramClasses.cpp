@@ -38,10 +38,10 @@ double getQuotient(double span, double binWidth)
     return span / (binWidth < epsilon ? 1.0 : binWidth);
 }
 
-/// The number of classes, however large.
+/// The number of classes, however large and however narrow; 1 for a width of 0.
 double countClasses(double span, double binWidth)
 {
-    const double quotient = getQuotient(span, binWidth);
+    const double quotient = binWidth > 0 ? span / binWidth : 1;
     const double whole = std::trunc(quotient);
     return std::max(1.0, quotient - whole > epsilon ? whole + 1 : whole);
 }
@@ -50,7 +50,9 @@ double getBinWidth(eImageBufferType type, const HistoMsrParams* params, double s
 {
     double width = span * defaultShare;
     if (params != nullptr) {
-        const double wish = params->UseBinWidth ? params->BinWidth : span / params->NbClasses;
+        const double wish = params->UseBinWidth     ? params->BinWidth
+                            : params->NbClasses > 0 ? span / params->NbClasses
+                                                    : 0;
         // More classes than a signed 32-bit number counts are as bad a wish as none.
         if (wish >= epsilon && countClasses(span, wish) <= std::numeric_limits<std::int32_t>::max()) {
             width = wish;
@@ -99,7 +101,7 @@ ProcessingResult makeClasses(HistogramData& histogram, eImageBufferType type, co
         return fail(eAttributeMessage::eAM_WrongBinWidth, InOptHistoMsrParams::name, 0.0);
     }
     const double width = getBinWidth(type, params, span);
-    if (span > 0 && width < epsilon) {
+    if (span > 0 && !std::isfinite(1 / width)) {
         return fail(eAttributeMessage::eAM_NarrowRange, min, max, width);
     }
     const double classes = countClasses(span, width);
@@ -140,6 +142,9 @@ Rule matchBinWidth(const InOptHistoMsrParams& params, const attr::BaseAttribute&
 {
     return Rule{[&params, &image]() -> ProcessingResult {
         const HistoMsrParams* const record = params.get().get();
+        if (record != nullptr && !record->UseBinWidth && record->NbClasses == 0 && record->BinWidth != 0) {
+            return fail(eAttributeMessage::eAM_UnusedBinWidth, params.getName(), record->BinWidth);
+        }
         if (record == nullptr || !record->UseBinWidth || record->BinWidth > 0) {
             return {};
         }

@@ -24,24 +24,30 @@ core::ProcessingResult checkNbSamples(std::size_t nbSamples, std::size_t positio
 namespace
 {
 
-double drawAlong(std::size_t size)
+double drawAlong(std::size_t size, core::random::Draw& draw)
 {
-    return core::random::draw(static_cast<std::uint32_t>(std::min<std::size_t>(size, 0xffffffff)));
+    return draw(static_cast<std::uint32_t>(std::min<std::size_t>(size, 0xffffffff)));
 }
 
 } // namespace
 
-void drawPosition(const image::ImageGeometry& size, image::Coords2d& position)
+void drawPositions(const image::ImageGeometry& size, std::span<image::Coords2d> positions)
 {
-    position.x = drawAlong(size.x);
-    position.y = drawAlong(size.y);
+    core::random::Draw draw;
+    for (image::Coords2d& position : positions) {
+        position.x = drawAlong(size.x, draw);
+        position.y = drawAlong(size.y, draw);
+    }
 }
 
-void drawPosition(const image::ImageGeometry& size, image::Coords3d& position)
+void drawPositions(const image::ImageGeometry& size, std::span<image::Coords3d> positions)
 {
-    position.x = drawAlong(size.x);
-    position.y = drawAlong(size.y);
-    position.z = drawAlong(size.z);
+    core::random::Draw draw;
+    for (image::Coords3d& position : positions) {
+        position.x = drawAlong(size.x, draw);
+        position.y = drawAlong(size.y, draw);
+        position.z = drawAlong(size.z, draw);
+    }
 }
 
 } // namespace orlix::imaproc::glbmsr

@@ -16,6 +16,9 @@ core::ProcessingResult StatsMerge::merge(std::span<const Ptr<StatsResult>> parts
     double lo = core::NumericLimits<double>::s_max;
     double hi = core::NumericLimits<double>::s_min;
     for (const Ptr<StatsResult>& part : parts) {
+        if (part->NbPixels == 0) {
+            continue; // a mean of nothing is NaN
+        }
         n += part->NbPixels;
         sum += part->Sum;
         lo = std::min(part->Min, lo);

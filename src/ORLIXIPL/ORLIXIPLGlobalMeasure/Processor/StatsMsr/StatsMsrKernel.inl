@@ -171,13 +171,18 @@ void accumulateIntegers(R run, Moments& m)
     }
 }
 
-/// In the order of the pixels, so that a NaN stays until the next number replaces it.
-template <class R>
+/// Where extremes alone are asked for, a NaN never replaces a number.
+template <Figures F>
+inline constexpr bool ignoresNaN = F == Figures::Extremes;
+
+/// In the order of the pixels, so that a NaN, unless it is ignored, stays until the next number replaces it.
+template <Figures F, class R>
 ORLIX_KERNEL void widenInOrder(R run, Moments& m)
 {
     for (std::size_t i = 0; i < run.size; ++i) {
-        if (counts(run, i)) {
-            widen(m, run.pixels[i], run.pixels[i]);
+        const double x = run.pixels[i];
+        if (counts(run, i) && !(ignoresNaN<F> && x != x)) {
+            widen(m, x, x);
         }
     }
 }
@@ -199,7 +204,7 @@ ORLIX_KERNEL void accumulateOneByOne(R run, Moments& m)
         }
     }
     if constexpr (hasExtremes<F>) {
-        widenInOrder(run, m);
+        widenInOrder<F>(run, m);
     }
 }
 
@@ -226,13 +231,13 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
             sumSq[k] = addSquare<D>(sumSq[k], x);
         }
     };
-    Selection<float, D> unordered{}; // where sums do not tell of a NaN
     Floats lo[floats];
     Floats hi[floats];
     SelectionCount<float, D> count;
     for (std::size_t k = 0; k < floats; ++k) {
-        lo[k] = R::isMasked ? splat<Floats>(infinity) : load<Floats>(run.pixels + k * lanes<float, D>);
-        hi[k] = R::isMasked ? splat<Floats>(-infinity) : lo[k];
+        constexpr bool fromPixels = !R::isMasked && !ignoresNaN<F>;
+        lo[k] = fromPixels ? load<Floats>(run.pixels + k * lanes<float, D>) : splat<Floats>(infinity);
+        hi[k] = fromPixels ? lo[k] : splat<Floats>(-infinity);
     }
     for (std::size_t i = 0; i < run.size; i += Moments::lanes) {
         const float* const pixels = run.pixels + i;
@@ -255,11 +260,8 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
 #pragma GCC unroll 4
             for (std::size_t k = 0; k < floats; ++k) {
                 const Floats x = load<Floats>(pixels + k * lanes<float, D>);
-                lo[k] = least(lo[k], x);
-                hi[k] = most(hi[k], x);
-                if constexpr (!hasSum<F>) {
-                    unordered |= x != x;
-                }
+                lo[k] = ignoresNaN<F> ? least(x, lo[k]) : least(lo[k], x);
+                hi[k] = ignoresNaN<F> ? most(x, hi[k]) : most(hi[k], x);
             }
         }
     }
@@ -283,8 +285,8 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
     for (const double lane : m.laneSums) {
         total += lane;
     }
-    if (total != total || laneBits<D>(unordered) != 0) {
-        widenInOrder(run, m); // a NaN, perhaps: lanes would lose track of what came after it
+    if (!ignoresNaN<F> && total != total) {
+        widenInOrder<F>(run, m); // a NaN, perhaps: lanes would lose track of what came after it
         return;
     }
     // By halves, as leastLane() goes on: so all widths come to the same zero, if there are two.
@@ -330,7 +332,7 @@ void accumulateGeneric(R run, Moments& m)
             }
         }
         if constexpr (hasExtremes<F>) {
-            widenInOrder(run, m);
+            widenInOrder<F>(run, m);
         }
     } else {
         constexpr std::size_t block = std::size_t{1} << 20; // of squares below 2^32, which fit 64 bits

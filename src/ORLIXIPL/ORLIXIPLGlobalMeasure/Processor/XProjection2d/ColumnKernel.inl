@@ -47,7 +47,7 @@ void columnLeast(Columns<T> columns, T* least)
             for (std::size_t x = 0; x < columns.width; ++x) {
                 T m = least[x];
                 for (std::size_t r = 0; r < count.value; ++r) {
-                    m = m < rows[r][x] ? m : rows[r][x];
+                    m = rows[r][x] < m ? rows[r][x] : m;
                 }
                 least[x] = m;
             }
@@ -62,7 +62,7 @@ void columnMost(Columns<T> columns, T* most)
             for (std::size_t x = 0; x < columns.width; ++x) {
                 T m = most[x];
                 for (std::size_t r = 0; r < count.value; ++r) {
-                    m = m > rows[r][x] ? m : rows[r][x];
+                    m = rows[r][x] > m ? rows[r][x] : m;
                 }
                 most[x] = m;
             }

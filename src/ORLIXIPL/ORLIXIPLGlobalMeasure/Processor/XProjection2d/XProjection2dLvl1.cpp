@@ -108,14 +108,14 @@ core::ProcessingResult XProjection2dLvl1::postProcess()
         values.assign(size.x, highest);
         for (const Ptr<Doubles>& part : parts_) {
             std::transform(values.begin(), values.end(), part->Values.begin(), values.begin(),
-                           [](double m, double x) { return m < x ? m : x; });
+                           [](double m, double x) { return x < m ? x : m; });
         }
         break;
     default:
         values.assign(size.x, lowest);
         for (const Ptr<Doubles>& part : parts_) {
             std::transform(values.begin(), values.end(), part->Values.begin(), values.begin(),
-                           [](double m, double x) { return m > x ? m : x; });
+                           [](double m, double x) { return x > m ? x : m; });
         }
         break;
     }

@@ -4,6 +4,7 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Projection/ProjectionTables.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/MomentSums.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -42,10 +43,15 @@ double reduceRow(Run<T> row, const RowKernel<T>& kernel)
         const double variance = (getSumOfSquares<T>(moments) - sum * sum / n) / n;
         return Statistic == ePST_Var ? variance : std::sqrt(variance);
     } else {
+        constexpr double worst = Statistic == ePST_Min ? infinity : -infinity;
         moments.min = infinity;
         moments.max = -infinity;
         kernel.extremes(row, moments);
-        return Statistic == ePST_Min ? moments.min : moments.max;
+        const double extreme = Statistic == ePST_Min ? moments.min : moments.max;
+        // Nothing but NaN, perhaps.
+        return extreme == worst && std::all_of(row.pixels, row.pixels + row.size, [](T x) { return x != x; })
+                   ? static_cast<double>(row.pixels[0])
+                   : extreme;
     }
 }
 

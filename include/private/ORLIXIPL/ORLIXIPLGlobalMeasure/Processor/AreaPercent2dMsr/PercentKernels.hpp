@@ -10,15 +10,14 @@ template <class T>
 struct LabelKernel
 {
     std::uint32_t (*largest)(Run<T>);
-    /// Labels times mask bytes.
-    void (*multiply)(MaskedRun<T>, std::uint32_t* products);
+    /// The labels of the pixels that count; 0 for others.
+    void (*select)(MaskedRun<T>, std::uint32_t* labels);
 };
 
 struct PercentKernels
 {
     std::uint64_t (*sum)(Run<std::uint8_t>);
-    /// Of the low bytes of pixels times mask bytes.
-    std::uint64_t (*sumOfProducts)(MaskedRun<std::uint8_t>);
+    std::uint64_t (*sumSelected)(MaskedRun<std::uint8_t>);
     LabelKernel<std::uint8_t> uint8;
     LabelKernel<std::uint16_t> uint16;
     LabelKernel<std::uint32_t> uint32;

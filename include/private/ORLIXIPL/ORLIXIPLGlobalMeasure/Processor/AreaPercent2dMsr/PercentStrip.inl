@@ -53,7 +53,7 @@ core::ProcessingResult PercentStrip<Self, Strip, Mask>::processBinary(Processing
     std::uint64_t count = 0;
     if (this->template attribute<Mask>().isSet()) {
         forEachRun<T>(info, this->getParser(0), this->getParser(1),
-                      [&](const MaskedRun<T>& run) { count += kernels.sumOfProducts(run); });
+                      [&](const MaskedRun<T>& run) { count += kernels.sumSelected(run); });
     } else {
         forEachRun<T>(info, this->getParser(0), [&](const Run<T>& run) { count += kernels.sum(run); });
     }
@@ -67,7 +67,7 @@ template <class T, core::eInstructionSet::domain D>
 core::ProcessingResult PercentStrip<Self, Strip, Mask>::processLabel(ProcessingInfo info)
 {
     const PercentKernels& kernels = getPercentKernels().of(D);
-    // The labels, as they are or times the mask.
+    // The labels, as they are or where the mask is set.
     const auto forEachLabelRun = [&](auto visit) {
         if (!this->template attribute<Mask>().isSet()) {
             forEachRun<T>(info, this->getParser(0), visit);
@@ -75,11 +75,11 @@ core::ProcessingResult PercentStrip<Self, Strip, Mask>::processLabel(ProcessingI
         }
         forEachRun<T>(info, this->getParser(0), this->getParser(1), [&](const MaskedRun<T>& run) {
             constexpr std::size_t size = 4096;
-            std::uint32_t products[size];
+            std::uint32_t selected[size];
             for (std::size_t i = 0; i < run.size; i += size) {
                 const std::size_t n = std::min(size, run.size - i);
-                labelKernelOf<T>(kernels).multiply(part(run, i, n), products);
-                visit(Run<std::uint32_t>{products, n});
+                labelKernelOf<T>(kernels).select(part(run, i, n), selected);
+                visit(Run<std::uint32_t>{selected, n});
             }
         });
     };

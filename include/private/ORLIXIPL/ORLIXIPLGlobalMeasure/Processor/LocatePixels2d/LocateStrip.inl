@@ -24,23 +24,22 @@ core::ProcessingResult LocateStrip<Self, Strip, Output>::genericProcessFunction(
 {
     const image::StripParser& parser = this->getParser(0);
     const image::PixelBox& box = parser.getBox();
-    const std::size_t limit = this->template value<InNbFeatures>();
-    const std::size_t rows = info.size == 0 ? 0 : box.y * box.z;
-    std::size_t set = 0;
-    for (std::size_t row = 0; row < rows && set < limit; ++row) {
-        set += countSetBytes(parser.run<std::uint8_t>(row, box.x), box.x);
-    }
     auto& list = this->template value<Output>().Coordinates;
-    const std::size_t size = std::min(set, limit);
-    if (core::ProcessingResult result = checkNbPositions(size, size * sizeof(list[0])); !result) {
-        return result;
+    if (!place_) {
+        const std::size_t limit = this->template value<InNbFeatures>();
+        const std::size_t size = std::min(countSetPixels(box, limit), limit);
+        if (core::ProcessingResult result = checkNbPositions(size, sizeof(Coords)); !result) {
+            return result;
+        }
+        list.resize(size);
+        core::useHugePages(list);
     }
-    list.resize(size);
-    core::useHugePages(list);
-    auto* to = list.data();
-    auto* const end = to + list.size();
+    const std::span<Coords> place = place_.value_or(list);
+    auto* to = place.data();
+    auto* const end = to + place.size();
+    const std::size_t rows = info.size == 0 ? 0 : box.y * box.z;
     const std::size_t first = this->template attribute<Strip>().get().first;
-    for (std::size_t row = 0; to != end; ++row) {
+    for (std::size_t row = 0; row < rows && to != end; ++row) {
         const auto* const bytes = parser.run<std::uint8_t>(row, box.x);
         if constexpr (std::is_same_v<Strip, InBinZStrip3d>) {
             const auto y = static_cast<double>(row % box.y);

@@ -13,8 +13,8 @@ struct ColumnKernel
 {
     void (*sum)(Columns<T>, double* sums);
     void (*squares)(Columns<T>, double* sums, double* sumsOfSquares);
-    void (*least)(Columns<T>, T* least); ///< m = m < x ? m : x
-    void (*most)(Columns<T>, T* most);   ///< m = m > x ? m : x
+    void (*least)(Columns<T>, T* least); ///< m = x < m ? x : m, so that a NaN never replaces a number
+    void (*most)(Columns<T>, T* most);   ///< m = x > m ? x : m
     /// The pixels of rank count / 2, NaN coming after every number. `scratch` has scratchBytes(width, count) bytes, or
     /// those of a wider part.
     void (*median)(Columns<T>, unsigned char* scratch, T* medians);

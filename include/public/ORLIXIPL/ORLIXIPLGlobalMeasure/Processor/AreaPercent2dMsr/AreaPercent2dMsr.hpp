@@ -6,9 +6,9 @@ namespace orlix::imaproc::glbmsr
 {
 
 /// The percentage of the pixels that each value of a binary or label image has: one list, indexed by value, per
-/// 2d plan (z, c, t). The mask is uint8, int8 or binary, of the size of the image, and 0 or 1; the percentages are
-/// those of all pixels also where there is one. The synchronous forms throw ORLIXBaseProcessingException when the run
-/// fails; the single-result forms measure plan (0, 0, 0) alone.
+/// 2d plan (z, c, t). The mask is uint8, int8 or binary, and of the size of the image: where it is 0, pixels have
+/// the value 0, and still count. The synchronous forms throw ORLIXBaseProcessingException when the run fails; the
+/// single-result forms measure plan (0, 0, 0) only.
 ORLIX_API Ptr<Doubles> areaPercent2dMsr(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<Doubles> areaPercent2dMsr(const Ptr<const image::BaseImage>& image,
                                         const Ptr<const image::BaseImage>& mask);

@@ -8,11 +8,10 @@
 
 /// What area and volume percentages share: element v of a result is the share of the plan's (volume's) pixels that have
 /// the value v, in percent. A binary image has the values 0 and 1; a label image (uint8, uint16, uint32) those up to
-/// its largest label. Under a mask, whose pixels are 0 or 1, a pixel's value is its product with that of the mask: so
-/// all pixels outside have the value 0, and on purpose they count.
+/// its largest label. All pixels outside a mask, where it is 0, have the value 0, and on purpose they count.
 ///
 /// All instruction sets, and any number of threads, give the same bits. A strip keeps a number per label: labels that
-/// need more than the memory limit fail before they allocate.
+/// need more than the memory limit fail before they allocate, and so do the results of all plans together.
 namespace orlix::imaproc::glbmsr
 {
 
@@ -78,6 +77,16 @@ protected:
     std::size_t getMinStripPixels() const override
     {
         return getMinPercentPixels(this->template value<typename Image::Source>());
+    }
+
+    core::ProcessingResult postProcess() override
+    {
+        std::size_t values = 0;
+        for (const auto& part : this->getParts()) {
+            values = std::max(values, part->Values.size());
+        }
+        core::ProcessingResult result = this->reserveResult(values * sizeof(double));
+        return result ? StripsLvl2<Self, Child, Pass<OutValues>, PercentMerge, Image, Mask>::postProcess() : result;
     }
 };
 

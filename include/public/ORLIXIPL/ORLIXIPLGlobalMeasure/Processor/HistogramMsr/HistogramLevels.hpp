@@ -13,7 +13,7 @@
 ///
 /// Range: Min and Max of the parameters where they are user-defined, in order and within the pixel type; else minimum
 /// and maximum of what is measured. Integer images span Max - Min + 1, float images Max - Min. Width: the parameters'
-/// BinWidth, or span / NbClasses, or without parameters span / 256; at least 1 for integer images, and span / 256 where
+/// BinWidth, or span / NbClasses, or without either span / 256; at least 1 for integer images, and span / 256 where
 /// the wish is too small. A float range of one value makes one class of width 0; a plan whose mask is empty makes one
 /// class of nothing. NaN is never counted. Pixels are compared with the bounds in single precision, and a class is
 /// found in double precision and rounded to single, so that a value just below Max may be lost above the last class,

@@ -5,6 +5,8 @@
 #include <framework/process/ImageValueExtraction.hpp>
 #include <framework/process/Levels.hpp>
 
+#include <span>
+
 /// What the density samples of plans and of volumes share. Positions are drawn with replacement, each axis uniformly,
 /// with the random generator of the process (framework/core/Random.hpp). On purpose, plans that run at once draw from
 /// it in any order: the samples of an image of several plans come again in the next run only where one thread runs them
@@ -28,8 +30,8 @@ using attr::PlanIndexedKDEDataSet;
 
 /// Fails where so many positions and their values need more than the memory limit.
 ORLIX_API core::ProcessingResult checkNbSamples(std::size_t nbSamples, std::size_t positionBytes);
-ORLIX_API void drawPosition(const image::ImageGeometry& size, image::Coords2d& position);
-ORLIX_API void drawPosition(const image::ImageGeometry& size, image::Coords3d& position);
+ORLIX_API void drawPositions(const image::ImageGeometry& size, std::span<image::Coords2d> positions);
+ORLIX_API void drawPositions(const image::ImageGeometry& size, std::span<image::Coords3d> positions);
 
 /// One plan or volume: Extraction is the processor that reads it at the positions that are drawn.
 template <class Self, class SubImage, class Extraction, class InPositions>
@@ -51,11 +53,12 @@ protected:
         const std::size_t nbSamples = this->template value<InKDENbSamples>();
         core::ProcessingResult result = checkNbSamples(nbSamples, sizeof(typename Positions::Coords));
         if (result) {
+            result = this->reserveResult(nbSamples * sizeof(double));
+        }
+        if (result) {
             positions_ = makePtr<Positions>();
             positions_->Coordinates.resize(nbSamples);
-            for (auto& position : positions_->Coordinates) {
-                drawPosition(this->template value<SubImage>().getGeometry(), position);
-            }
+            drawPositions(this->template value<SubImage>().getGeometry(), positions_->Coordinates);
         }
         return result;
     }
