@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 #include <map>
 
@@ -196,6 +197,25 @@ void countSamples(Report& report)
     }
 }
 
+/// A table of correlations is for people: what the record keeps besides means nothing to them.
+void keepCorrelation(Report& report)
+{
+    for (Json& row : report.results) {
+        row.erase("SumSquaredDev1");
+        row.erase("SumSquaredDev2");
+    }
+}
+
+/// A table of similarities is for people: the ratio of equal images is infinite.
+void showInfinity(Report& report)
+{
+    for (Json& row : report.results) {
+        if (row["MSE"] == 0.0) {
+            row["PSNR"] = "Infinity";
+        }
+    }
+}
+
 /// What `--per` may be.
 enum class Per
 {
@@ -218,9 +238,17 @@ struct Verb
     bool takesSample = false;
     bool takesLimit = false;
     bool takesBinary = false;
+    bool takesPeak = false;
+    const char* remark = nullptr;         ///< what to beware of
     const char* gpuHelp = nullptr;        ///< of --gpu, where the verb takes it
     void (*forPeople)(Report&) = nullptr; ///< makes a table of a report that is one for machines
 };
+
+constexpr const char* ofNaN =
+    "With NaN pixels the sum, mean and deviation are NaN, and the minimum and maximum depend on where the NaN lie. The "
+    "deviation is the root of E[x^2] - Mean^2 in double precision: where pixels are far from zero compared with their "
+    "spread it has few digits (float pixels between 1e6 and 1e6 + 1: 15 % off; uint32 near 4.29e9: 0 or NaN), and of "
+    "constant pixels it may be NaN.";
 
 constexpr Verb verbs[] = {
     {.name = "info",
@@ -232,6 +260,7 @@ constexpr Verb verbs[] = {
      .run = &runStats,
      .per = Per::Any,
      .takesMask = true,
+     .remark = ofNaN,
      .gpuHelp = "measure on the GPU"},
     {.name = "histogram",
      .help = "number of pixels in classes of equal width",
@@ -239,6 +268,8 @@ constexpr Verb verbs[] = {
      .per = Per::Any,
      .takesMask = true,
      .takesClasses = true,
+     .remark = "NaN is never counted. Without --min and --max the range is that of the pixels, which NaN can narrow: "
+               "what lies outside is not counted.",
      .forPeople = &spreadClasses},
     {.name = "entropy",
      .help = "entropy of the grey levels of each plan, in nats",
@@ -251,7 +282,11 @@ constexpr Verb verbs[] = {
      .per = Per::Parts,
      .takesSample = true,
      .forPeople = &countSamples},
-    {.name = "count", .help = "number of objects in a label image", .run = &runCount, .per = Per::Parts},
+    {.name = "count",
+     .help = "number of objects in a label image",
+     .run = &runCount,
+     .per = Per::Parts,
+     .remark = "The lowest label of a plan or volume is its background, whatever it is."},
     {.name = "percent",
      .help = "percentage of the pixels that each value of a binary or label image has",
      .run = &runPercent,
@@ -276,20 +311,29 @@ constexpr Verb verbs[] = {
      .help = "normalized cross correlation of two images",
      .run = &runNcc,
      .images = 2,
-     .per = Per::Parts},
+     .per = Per::Parts,
+     .remark = "NaN where an image is constant over a plan, or over a part of some 512 KiB of it.",
+     .forPeople = &keepCorrelation},
     {.name = "pearson",
      .help = "Pearson correlation of two images: times the number of pixels, and the coefficient r",
      .run = &runPearson,
      .images = 2,
      .per = Per::Parts},
     {.name = "similarity",
-     .help = "squared differences of two images, their mean and the peak signal-to-noise ratio",
+     .help = "squared differences of two images, their mean and the peak signal-to-noise ratio (peak 255, or --peak)",
      .run = &runSimilarity,
-     .images = 2},
+     .images = 2,
+     .takesPeak = true,
+     .remark = "PSNR is 20 log10(peak / sqrt(MSE)) dB, with a peak of 255 whatever the pixel type. Of equal images it "
+               "is infinite, which the JSON has as the largest double.",
+     .forPeople = &showInfinity},
     {.name = "project",
-     .help = "a statistic of the pixels along x, y, z or the time",
+     .help = "a statistic of every column (x), row (y), pixel over the planes (z) or pixel over the times (t)",
      .run = &runProject,
      .takesProjection = true,
+     .remark =
+         "A maximum or minimum is that of the numbers among NaN. Numbers are rounded and limited to the pixel type "
+         "of the output: sums want --out-type float32.",
      .forPeople = &spreadValues},
     {.name = "processors",
      .help = "the processor classes and their kernels",
@@ -360,7 +404,10 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
             ->type_name("N");
     }
     if (verb.takesProjection) {
-        command.add_option("--axis", options.axis, "the axis that goes: x, y, z or t")
+        command
+            .add_option("--axis", options.axis,
+                        "x: a number per column, y: a number per row, z: an image over all planes, t: an image "
+                        "over all times")
             ->transform(CLI::IsMember({"x", "y", "z", "t"}, CLI::ignore_case))
             ->type_name("")
             ->required();
@@ -379,7 +426,15 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
         command.add_option("--bandwidth", options.bandwidth, "silverman (the default), scott or a number")
             ->transform(bandwidth())
             ->type_name("");
-        command.add_option("--seed", options.seed, "seed of the sample")->type_name("N");
+        command
+            .add_option("--seed", options.seed,
+                        "seed of the sample, which it repeats for one plan, or with --threads 1")
+            ->type_name("N");
+    }
+    if (verb.takesPeak) {
+        command.add_option("--peak", options.peak, "peak of the signal (default: 255)")
+            ->check(finiteAbove(0))
+            ->type_name("P");
     }
     if (verb.takesLimit) {
         command.add_option("--limit", options.limit, "at most so many coordinates per plan or volume")->type_name("N");
@@ -397,7 +452,10 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
         ->check(CLI::Range(1u, 4096u))
         ->type_name("N");
     command.add_flag("--json", options.json, "one JSON object on one line");
-    command.add_flag("--quiet", options.quiet, "no progress on standard error");
+    command.add_flag("--quiet", options.quiet, "no notes on standard error");
+    if (verb.remark != nullptr) {
+        command.footer(verb.remark);
+    }
 }
 
 /// Refuses by name what cannot be served: a verb that is not there, or verbs and options that are still to come.
@@ -407,6 +465,9 @@ void refuseUnknown(int argc, const char* const* argv)
         return std::any_of(std::begin(verbs), std::end(verbs), [&](const Verb& verb) { return verb.name == word; });
     };
     const std::string first = argc > 1 ? argv[1] : "";
+    if (first == "help") {
+        return;
+    }
     if (std::find(std::begin(laterVerbs), std::end(laterVerbs), first) != std::end(laterVerbs)) {
         throw UsageError{"the verb " + first + " is not available yet"};
     }
@@ -437,6 +498,16 @@ Report runNamed(const Verb& verb, const Options& options)
     }
 }
 
+/// The extension of a file name that stands for something else than TIFF; empty if none.
+std::string findOtherExtension(const std::string& path)
+{
+    constexpr std::string_view others[] = {".png",  ".jpg", ".jpeg", ".jp2", ".webp", ".gif",  ".bmp", ".nrrd",
+                                           ".nhdr", ".mha", ".mhd",  ".nii", ".gz",   ".mrc",  ".npy", ".h5",
+                                           ".hdf5", ".pdf", ".csv",  ".txt", ".json", ".html", ".zarr"};
+    const std::string extension = CLI::detail::to_lower(std::filesystem::path{path}.extension().string());
+    return std::find(std::begin(others), std::end(others), extension) != std::end(others) ? extension : "";
+}
+
 /// What one option cannot tell by itself.
 void checkTogether(const Verb& verb, const Options& options)
 {
@@ -455,6 +526,13 @@ void checkTogether(const Verb& verb, const Options& options)
     if (options.min && *options.min > *options.max) {
         throw UsageError{"--min is above --max"};
     }
+    if (options.output == "-") {
+        throw UsageError{"-o -: an image does not go to standard output: name a TIFF file"};
+    }
+    if (const std::string other = findOtherExtension(options.output); !other.empty()) {
+        throw UsageError{"-o " + options.output + ": no " + other +
+                         " files are written, but TIFF: end its name in .tif"};
+    }
     if (!options.axis.empty()) {
         const bool isProfile = options.axis == "x" || options.axis == "y";
         if (isProfile && !(options.output.empty() && options.outType.empty())) {
@@ -470,7 +548,20 @@ void checkTogether(const Verb& verb, const Options& options)
     }
 }
 
-std::string run(int argc, const char* const* argv)
+/// What is wrong with the words, and where to look; `chosen` is the verb, if it got that far.
+[[noreturn]] void failUsage(const CLI::ParseError& error, const std::string& chosen, int argc, const char* const* argv)
+{
+    // An option that there is not may be the name of a file.
+    for (int i = 2; i < argc && std::string{argv[i]} != "--"; ++i) {
+        if (argv[i][0] == '-' && std::filesystem::exists(argv[i])) {
+            throw UsageError{std::string{argv[i]} +
+                             " looks like an option: write -- before files that begin with a dash"};
+        }
+    }
+    throw UsageError{std::string{error.what()} + " (see orlix " + (chosen.empty() ? "" : chosen + " ") + "--help)"};
+}
+
+std::string run(int argc, const char* const* argv, std::vector<std::string>& notes)
 {
     refuseUnknown(argc, argv);
     CLI::App app{"Global measures of 2d and 3d images.", "orlix"};
@@ -480,22 +571,37 @@ std::string run(int argc, const char* const* argv)
     for (const Verb& verb : verbs) {
         addOptions(*app.add_subcommand(verb.name, verb.help), verb, options);
     }
+    std::string helpOf;
+    app.add_subcommand("help", "help on a verb")->add_option("VERB", helpOf);
+    const auto chosen = [&] {
+        const auto subcommands = app.get_subcommands();
+        return subcommands.empty() ? std::string{} : subcommands.front()->get_name();
+    };
+    const auto help = [&](const std::string& verb) {
+        return verb.empty() ? app.help() : app.get_subcommand(verb)->help("orlix");
+    };
     try {
         app.parse(argc, argv);
+        if (chosen() == "help") {
+            return help(helpOf);
+        }
     } catch (const CLI::CallForHelp&) {
-        const auto chosen = app.get_subcommands();
-        return chosen.empty() ? app.help() : chosen.front()->help();
+        return help(chosen());
     } catch (const CLI::CallForVersion& version) {
         return std::string{version.what()} + "\n";
+    } catch (const CLI::OptionNotFound&) {
+        throw UsageError{"there is no verb " + helpOf + " (see orlix --help)"};
     } catch (const CLI::ParseError& error) {
-        throw UsageError{std::string{error.what()} + " (see orlix --help)"};
+        failUsage(error, chosen(), argc, argv);
     }
-    const std::string chosen = app.get_subcommands().front()->get_name();
     const Verb& verb =
-        *std::find_if(std::begin(verbs), std::end(verbs), [&](const Verb& v) { return v.name == chosen; });
+        *std::find_if(std::begin(verbs), std::end(verbs), [&](const Verb& v) { return v.name == chosen(); });
     checkTogether(verb, options);
     applySettings(options);
     Report report = runNamed(verb, options);
+    if (!options.quiet) {
+        notes = report.notes;
+    }
     if (options.json) {
         return printJson(report);
     }
@@ -517,7 +623,11 @@ std::string onOneLine(std::string text)
 int runCommand(int argc, const char* const* argv, std::string& output, std::string& error)
 {
     try {
-        output = run(argc, argv);
+        std::vector<std::string> notes;
+        output = run(argc, argv, notes);
+        for (const std::string& note : notes) {
+            error += onOneLine("note: " + note);
+        }
         return 0;
     } catch (const UsageError& usage) {
         error = onOneLine(usage.what());

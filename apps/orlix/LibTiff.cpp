@@ -10,9 +10,8 @@ namespace orlix::app
 namespace
 {
 
-int keepError(TIFF*, void* text, const char*, const char* format, va_list arguments)
+int keep(std::string& kept, const char* format, va_list arguments)
 {
-    std::string& kept = *static_cast<std::string*>(text);
     if (kept.empty()) {
         std::array<char, 512> line{};
         std::vsnprintf(line.data(), line.size(), format, arguments);
@@ -21,21 +20,55 @@ int keepError(TIFF*, void* text, const char*, const char* format, va_list argume
     return 1;
 }
 
-int ignoreWarning(TIFF*, void*, const char*, const char*, va_list)
+int keepError(TIFF*, void* messages, const char*, const char* format, va_list arguments)
 {
-    return 1;
+    return keep(static_cast<TiffMessages*>(messages)->error, format, arguments);
+}
+
+int keepWarning(TIFF*, void* messages, const char*, const char* format, va_list arguments)
+{
+    return keep(static_cast<TiffMessages*>(messages)->warning, format, arguments);
 }
 
 } // namespace
 
-TiffHandle openTiff(const std::string& path, const char* mode, std::string& error)
+TiffHandle openTiff(const std::string& path, const char* mode, TiffMessages& messages)
 {
     TIFFOpenOptions* const options = TIFFOpenOptionsAlloc();
-    TIFFOpenOptionsSetErrorHandlerExtR(options, keepError, &error);
-    TIFFOpenOptionsSetWarningHandlerExtR(options, ignoreWarning, nullptr);
+    TIFFOpenOptionsSetErrorHandlerExtR(options, keepError, &messages);
+    TIFFOpenOptionsSetWarningHandlerExtR(options, keepWarning, &messages);
     TiffHandle tiff{TIFFOpenExt(path.c_str(), mode, options)};
     TIFFOpenOptionsFree(options);
     return tiff;
+}
+
+const char* nameUnreadableCompression(std::uint16_t compression)
+{
+    if (TIFFIsCODECConfigured(compression) != 0) {
+        return nullptr;
+    }
+    switch (compression) {
+    case 33003:
+    case 33004:
+    case 33005:
+    case 34712:
+        return "JPEG 2000";
+    case 34892:
+        return "lossy JPEG (DNG)";
+    case 50001:
+        return "WebP";
+    case 50002:
+    case 52546:
+        return "JPEG XL";
+    case 34887:
+        return "LERC";
+    case 50000:
+        return "Zstandard";
+    case 34925:
+        return "LZMA2";
+    default:
+        return "a method of its own";
+    }
 }
 
 } // namespace orlix::app

@@ -2,6 +2,7 @@
 
 #include <tiffio.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -14,8 +15,17 @@ struct TiffCloser
 };
 using TiffHandle = std::unique_ptr<TIFF, TiffCloser>;
 
-/// Opens a file; null if that fails. `error` outlives the handle and gets the first error text that libtiff has; it
-/// prints nothing itself.
-TiffHandle openTiff(const std::string& path, const char* mode, std::string& error);
+/// What libtiff has to say of a file, which it does not print itself: the first text of each kind.
+struct TiffMessages
+{
+    std::string error;
+    std::string warning;
+};
+
+/// Opens a file; null if that fails. `messages` outlives the handle.
+TiffHandle openTiff(const std::string& path, const char* mode, TiffMessages& messages);
+
+/// The name of a compression that this libtiff cannot read; null if it can.
+const char* nameUnreadableCompression(std::uint16_t compression);
 
 } // namespace orlix::app

@@ -41,7 +41,9 @@
 #include <framework/core/Random.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <limits>
 
 namespace orlix::app
 {
@@ -102,7 +104,8 @@ struct Inputs
     explicit Inputs(const Options& options, bool takesBinary = false)
     {
         const TiffFile file{options.image, options.pages};
-        image = takesBinary ? file.read() : asNumbers(file.read());
+        image = readPixels(file, options.image);
+        image = takesBinary ? image : asNumbers(image);
         if (options.binary) {
             image = findNonZero(*image, eImageBufferType::eIBT_Binary);
         }
@@ -115,17 +118,27 @@ struct Inputs
         }
     }
 
+    Ptr<const BaseImage> readPixels(const TiffFile& file, const std::string& path)
+    {
+        auto pixels = file.read();
+        if (!file.getDamage().empty()) {
+            report.notes.push_back(path + ": its pixels may be damaged (" + file.getDamage() + ")");
+        }
+        return pixels;
+    }
+
     /// Another image, which has the size of the first.
     Ptr<const BaseImage> readOther(const Options& options, const std::string& path, const std::string& role)
     {
         const TiffFile file{path, options.pages};
         const image::ImageGeometry& size = image->getGeometry();
         if (!(file.getGeometry() == size)) {
-            throw FileError{path + ": it has " + toString(file.getGeometry()) + ", but " + options.image + " has " +
-                            toString(size) + ": both need the same size"};
+            throw FileError{path + ": the " + (role == "mask" ? "mask" : "second image") + " has " +
+                            toString(file.getGeometry()) + ", but " + options.image + " has " + toString(size) +
+                            ": both need the same size"};
         }
         report.images.emplace_back(role, describeImage(path, file.getType(), size));
-        return file.read();
+        return readPixels(file, path);
     }
 
     Ptr<const BaseImage> image;
@@ -184,6 +197,109 @@ Report reportPer(const Options& options, Report report, const std::string& name,
     return report;
 }
 
+/// Notes what holds of some results.
+void note(Report& report, const std::string& text, std::size_t nbResults)
+{
+    if (nbResults != 0) {
+        const std::size_t all = report.results.size();
+        const std::string which =
+            all == 1 ? "" : "in " + std::to_string(nbResults) + " of " + std::to_string(all) + " results, ";
+        report.notes.push_back(report.images.front().second["path"].get<std::string>() + ": " + which + text);
+    }
+}
+
+/// Notes where the formulas of the statistics give no number.
+void noteNaN(Report& report)
+{
+    std::size_t nanSums = 0;
+    std::size_t infiniteSums = 0;
+    std::size_t nanDeviations = 0;
+    std::size_t empty = 0;
+    for (const Json& row : report.results) {
+        empty += row["NbPixels"] == 0;
+        if (row["NbPixels"] != 0) {
+            nanSums += row["Sum"].is_null();
+            infiniteSums += row["Sum"].is_string();
+            nanDeviations += row["Sum"].is_number() && row["StdDev"].is_null();
+        }
+    }
+    note(report, "no pixel is inside the mask: there is no mean, minimum or maximum", empty);
+    note(report,
+         "there are NaN pixels (or infinities of both signs): sum, mean and deviation are NaN, and the minimum and "
+         "maximum depend on where the NaN lie",
+         nanSums);
+    note(report, "there are infinite pixels: the deviation is NaN", infiniteSums);
+    note(report,
+         "the deviation is NaN: the pixels are constant, or their spread is small compared with their distance from "
+         "zero, and rounding made the variance negative",
+         nanDeviations);
+}
+
+/// The pixels that each result covers: all, or those inside the mask.
+std::vector<double> countPixels(const Options& options, const Inputs& inputs, std::size_t nbResults)
+{
+    if (!inputs.mask) {
+        const auto pixels = static_cast<double>(inputs.image->getGeometry().nbPixels());
+        return std::vector(nbResults, pixels / static_cast<double>(nbResults));
+    }
+    if (options.per != "plan" && options.per != "volume") {
+        return {statsMsr(inputs.mask)->Sum};
+    }
+    const auto parts = options.per == "plan" ? multiSlice_statsMsr2d(inputs.mask) : multiSlice_statsMsr3d(inputs.mask);
+    std::vector<double> pixels;
+    for (std::size_t i = 0; i < parts->size(); ++i) {
+        pixels.push_back(parts->getElement(i)->Sum);
+    }
+    return pixels;
+}
+
+/// Notes pixels that are in no class although nobody gave a range, and classes that are not those asked for.
+void noteClasses(const Options& options, const Inputs& inputs, Report& report)
+{
+    std::size_t outside = 0;
+    std::size_t otherWidths = 0;
+    std::size_t otherNumbers = 0;
+    const std::vector<double> pixels = countPixels(options, inputs, report.results.size());
+    for (std::size_t i = 0; i < report.results.size(); ++i) {
+        const Json& row = report.results[i];
+        std::uint64_t counted = 0;
+        for (const Json& frequency : row["Frequencies"]) {
+            counted += frequency.get<std::uint64_t>();
+        }
+        outside += !options.min && static_cast<double>(counted) != pixels[i];
+        otherWidths += options.binWidth && row["BinWidth"] != *options.binWidth;
+        otherNumbers += options.classes && row["Frequencies"].size() != *options.classes;
+    }
+    note(report,
+         "some pixels are in no class: NaN, which also narrow the range, or values that single precision rounds out of "
+         "it",
+         outside);
+    note(report, "the classes do not have the --bin-width asked for (of integers they are at least 1 wide)",
+         otherWidths);
+    note(report, "there are not as many --classes as asked for (of integers they are at least 1 wide)", otherNumbers);
+}
+
+/// The same for the entropy, whose histograms are not seen: from the ranges of the plans.
+void noteEntropyClasses(const Options& options, const Ptr<const BaseImage>& image, Report& report)
+{
+    if (!options.binWidth && !options.classes) {
+        return;
+    }
+    const bool isFloat = image->getType() == eImageBufferType::eIBT_Float32;
+    std::size_t replaced = 0;
+    const auto ranges = multiSlice_statsMsr2d(image);
+    for (std::size_t i = 0; i < ranges->size(); ++i) {
+        const double min = options.min.value_or(ranges->getElement(i)->Min);
+        const double max = options.max.value_or(ranges->getElement(i)->Max);
+        const double span = max - min + (isFloat ? 0 : 1);
+        const double width = options.binWidth ? *options.binWidth : span / *options.classes;
+        constexpr double mostClasses = std::numeric_limits<std::int32_t>::max();
+        replaced +=
+            (!isFloat && width < 1) || width < std::numeric_limits<double>::epsilon() || span / width > mostClasses;
+    }
+    note(report, "the classes are not those asked for (of integers they are at least 1 wide)", replaced);
+}
+
 eProjStatType findStatistic(const std::string& name)
 {
     constexpr const char* names[] = {"max", "mean", "median", "min", "stddev", "sum", "var"}; // as enumerated
@@ -205,6 +321,37 @@ void projectPlans(const Options& options, const Ptr<const BaseImage>& image, Rep
     }
 }
 
+/// The pixels of a projection that its type could not hold. `inFloat` makes the projection again; only where pixels are
+/// at the ends of a type that may be too small.
+template <class InFloat>
+std::size_t countLimited(const BaseImage& output, eImageBufferType inputType, eProjStatType statistic, InFloat inFloat)
+{
+    const auto [lowest, highest] = image::getValueRange(output.getType());
+    const auto [inputLowest, inputHighest] = image::getValueRange(inputType);
+    const bool isLarge = statistic == eProjStatType::ePST_Sum || statistic == eProjStatType::ePST_Var ||
+                         statistic == eProjStatType::ePST_StdDev;
+    if (output.getType() == eImageBufferType::eIBT_Float32 ||
+        (!isLarge && lowest <= inputLowest && inputHighest <= highest)) {
+        return 0;
+    }
+    const std::size_t size = output.getGeometry().nbPixels();
+    std::size_t limited = 0;
+    image::forEachPixelType([&]<class T>(std::type_identity<T>) {
+        if (output.getType() != image::imageBufferTypeOf<T>) {
+            return;
+        }
+        const T* const pixels = reinterpret_cast<const T*>(output.getRow(0));
+        if (std::any_of(pixels, pixels + size, [&](T x) { return x == lowest || x == highest; })) {
+            const auto wide = inFloat();
+            const auto* const numbers = reinterpret_cast<const float*>(wide->getRow(0));
+            limited = static_cast<std::size_t>(std::count_if(numbers, numbers + size, [&](float x) {
+                return x <= static_cast<float>(lowest) - 0.5f || x >= static_cast<float>(highest) + 0.5f;
+            }));
+        }
+    });
+    return limited;
+}
+
 /// The image's projection along z or the time, written to a file.
 void projectStack(const Options& options, const Ptr<const BaseImage>& image, Report& report)
 {
@@ -219,6 +366,15 @@ void projectStack(const Options& options, const Ptr<const BaseImage>& image, Rep
         zProjectionImg(image, statistic, output);
     } else {
         seqProjectionImg(image, statistic, output);
+    }
+    const std::size_t limited = countLimited(*output, image->getType(), statistic, [&] {
+        const auto wide = BaseImage::create(eImageBufferType::eIBT_Float32, size);
+        return alongZ ? zProjectionImg(image, statistic, wide) : seqProjectionImg(image, statistic, wide);
+    });
+    if (limited != 0) {
+        report.notes.push_back(options.output + ": " + std::to_string(limited) + " of " +
+                               std::to_string(size.nbPixels()) + " pixels were limited to the range of " +
+                               image::getName(type) + ": pass --out-type float32 to keep them");
     }
     writeTiff(options.output, *output);
     Json row{{"output", options.output}};
@@ -269,15 +425,16 @@ Report runStats(const Options& options)
     const Inputs inputs{options};
     const auto image = options.gpu ? placeOnGpu(inputs.image) : inputs.image;
     const auto& mask = inputs.mask;
-    if (mask) {
-        return reportPer(
-            options, inputs.report, "statsMaskMsr", [&] { return statsMaskMsr(image, mask); },
-            [&] { return multiSlice_statsMaskMsr2d(image, mask); },
-            [&] { return multiSlice_statsMaskMsr3d(image, mask); });
-    }
-    return reportPer(
-        options, inputs.report, "statsMsr", [&] { return statsMsr(image); },
-        [&] { return multiSlice_statsMsr2d(image); }, [&] { return multiSlice_statsMsr3d(image); });
+    Report report =
+        mask ? reportPer(
+                   options, inputs.report, "statsMaskMsr", [&] { return statsMaskMsr(image, mask); },
+                   [&] { return multiSlice_statsMaskMsr2d(image, mask); },
+                   [&] { return multiSlice_statsMaskMsr3d(image, mask); })
+             : reportPer(
+                   options, inputs.report, "statsMsr", [&] { return statsMsr(image); },
+                   [&] { return multiSlice_statsMsr2d(image); }, [&] { return multiSlice_statsMsr3d(image); });
+    noteNaN(report);
+    return report;
 }
 
 Report runHistogram(const Options& options)
@@ -286,16 +443,17 @@ Report runHistogram(const Options& options)
     const auto& image = inputs.image;
     const auto& mask = inputs.mask;
     const auto params = makeParams(options, *image);
-    if (mask) {
-        return reportPer(
-            options, inputs.report, "histogramMaskMsr", [&] { return histogramMaskMsr(image, mask, params); },
-            [&] { return multiSlice_histogramMaskMsr2d(image, mask, params); },
-            [&] { return multiSlice_histogramMaskMsr3d(image, mask, params); });
-    }
-    return reportPer(
-        options, inputs.report, "histogramMsr", [&] { return histogramMsr(image, params); },
-        [&] { return multiSlice_histogramMsr2d(image, params); },
-        [&] { return multiSlice_histogramMsr3d(image, params); });
+    Report report =
+        mask ? reportPer(
+                   options, inputs.report, "histogramMaskMsr", [&] { return histogramMaskMsr(image, mask, params); },
+                   [&] { return multiSlice_histogramMaskMsr2d(image, mask, params); },
+                   [&] { return multiSlice_histogramMaskMsr3d(image, mask, params); })
+             : reportPer(
+                   options, inputs.report, "histogramMsr", [&] { return histogramMsr(image, params); },
+                   [&] { return multiSlice_histogramMsr2d(image, params); },
+                   [&] { return multiSlice_histogramMsr3d(image, params); });
+    noteClasses(options, inputs, report);
+    return report;
 }
 
 Report runEntropy(const Options& options)
@@ -312,6 +470,7 @@ Report runEntropy(const Options& options)
     inputs.report.measure = "globalEntropyMsr2d";
     inputs.report.results =
         listResults(*multiSlice_globalEntropyMsr2d(inputs.image, planParams), ePlanKind::ePK_Plan2d);
+    noteEntropyClasses(options, inputs.image, inputs.report);
     return inputs.report;
 }
 
@@ -336,6 +495,13 @@ Report runCount(const Options& options)
         row["Count"] = row["Value"];
         row.erase("Value");
     }
+    const auto labels =
+        options.per == "volume" ? multiSlice_statsMsr3d(inputs.image) : multiSlice_statsMsr2d(inputs.image);
+    std::size_t withoutBackground = 0;
+    for (std::size_t i = 0; i < labels->size(); ++i) {
+        withoutBackground += labels->getElement(i)->Min != 0;
+    }
+    note(report, "the lowest label is not 0: it was taken for the background, and not counted", withoutBackground);
     return report;
 }
 
@@ -375,7 +541,11 @@ Report runSimilarity(const Options& options)
                         ": both need the same pixel type"};
     }
     inputs.report.measure = "similarityMsr";
-    inputs.report.results = {toJson(*similarityMsr(inputs.image, inputs.image2))};
+    const auto stats = similarityMsr(inputs.image, inputs.image2);
+    if (options.peak && stats->MSE != 0) {
+        stats->PSNR = 20 * std::log10(*options.peak / std::sqrt(stats->MSE));
+    }
+    inputs.report.results = {toJson(*stats)};
     return inputs.report;
 }
 
@@ -429,15 +599,10 @@ Report runLocate(const Options& options)
         throw FileError{options.image + ": it is " + image::getName(image->getType()) +
                         ", and locate takes a binary image: pass --binary to read any pixel that is not 0 as set"};
     }
+    const unsigned limit = options.limit.value_or(std::numeric_limits<unsigned>::max()); // the library's own may wrap
     return reportParts(
-        options, inputs.report, "locatePixels2d",
-        [&] {
-            return options.limit ? multiSlice_locatePixels2d(image, *options.limit) : multiSlice_locatePixels2d(image);
-        },
-        "locateVoxels3d",
-        [&] {
-            return options.limit ? multiSlice_locateVoxels3d(image, *options.limit) : multiSlice_locateVoxels3d(image);
-        });
+        options, inputs.report, "locatePixels2d", [&] { return multiSlice_locatePixels2d(image, limit); },
+        "locateVoxels3d", [&] { return multiSlice_locateVoxels3d(image, limit); });
 }
 
 Report runParaboloid(const Options& options)

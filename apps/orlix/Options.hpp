@@ -27,6 +27,7 @@ struct Options
     std::string bandwidth; ///< a rule or a number; empty: the library's own rule
     std::optional<unsigned> seed;
     std::optional<unsigned> limit;
+    std::optional<double> peak;
     bool binary = false;
     bool gpu = false;
     unsigned threads = 0;

@@ -74,14 +74,9 @@ std::string printTable(const Report& report)
 {
     std::string text;
     for (const auto& [name, image] : report.images) {
-        text += printCell(image["path"]) + ": " + printCell(image["type"]) + ", " + image["x"].dump() + " x " +
-                image["y"].dump();
-        for (const char* const axis : {"z", "c", "t"}) {
-            if (image[axis] != 1) {
-                text += std::string{", "} + axis + " " + image[axis].dump();
-            }
-        }
-        text += "\n";
+        const auto side = [&image = image](const char* axis) { return image[axis].get<std::size_t>(); };
+        text += printCell(image["path"]) + ": " + printCell(image["type"]) + ", " +
+                toString(image::ImageGeometry{side("x"), side("y"), side("z"), side("c"), side("t")}) + "\n";
     }
     if (report.results.empty()) {
         return text;

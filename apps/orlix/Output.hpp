@@ -21,6 +21,7 @@ struct Report
     std::string measure;
     std::vector<std::pair<std::string, Json>> images; ///< "image", "mask", "image2" and what they are
     std::vector<Json> results;                        ///< one object each, with the same fields
+    std::vector<std::string> notes{};                 ///< what a user should know and did not ask for
 };
 
 /// A number as JSON: NaN is null, infinities are "Infinity" and "-Infinity".

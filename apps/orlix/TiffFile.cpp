@@ -90,6 +90,7 @@ public:
     Ptr<image::BaseImage> read()
     {
         auto image = image::BaseImage::create(type_, geometry_);
+        messages_.warning.clear(); // those about directories say nothing about the pixels
         std::size_t plan = 0;
         for (std::size_t t = 0; t < axes_.t; ++t) {
             for (std::size_t c = 0; c < axes_.c; ++c) {
@@ -106,6 +107,9 @@ public:
         }
         return image;
     }
+
+    /// What libtiff found wrong with the pixels that were read, and passed over; empty if nothing.
+    const std::string& getDamage() const { return messages_.warning; }
 
 private:
     /// Where a page goes: plan (z, t), from channel c on.
@@ -124,7 +128,7 @@ private:
     /// Fails with libtiff's own words, if it has any.
     [[noreturn]] void failReading(const std::string& what) const
     {
-        fail(error_.empty() ? what : what + " (" + error_ + ")");
+        fail(messages_.error.empty() ? what : what + " (" + messages_.error + ")");
     }
 
     void open()
@@ -143,7 +147,7 @@ private:
         if (!std::ifstream{path_, std::ios::binary}) {
             fail(std::strerror(errno));
         }
-        tiff_ = openTiff(path_, "r", error_);
+        tiff_ = openTiff(path_, "r", messages_);
         if (!tiff_) {
             if (const char* const other = nameOtherFormat(path_)) {
                 fail(std::string{other} + " files are not read yet: convert it to TIFF");
@@ -279,15 +283,21 @@ private:
 
     void readPage(std::size_t page, const Target& target)
     {
+        const std::string damage = messages_.warning;
         if (TIFFSetSubDirectory(tiff_.get(), directories_[page]) == 0) {
             failReading("page " + std::to_string(page) + " cannot be read");
         }
+        messages_.warning = damage;
         std::uint16_t photometric = PHOTOMETRIC_MINISBLACK;
         std::uint16_t compression = COMPRESSION_NONE;
         std::uint16_t planar = PLANARCONFIG_CONTIG;
         TIFFGetField(tiff_.get(), TIFFTAG_PHOTOMETRIC, &photometric);
         TIFFGetFieldDefaulted(tiff_.get(), TIFFTAG_COMPRESSION, &compression);
         TIFFGetFieldDefaulted(tiff_.get(), TIFFTAG_PLANARCONFIG, &planar);
+        if (const char* const method = nameUnreadableCompression(compression)) {
+            fail("page " + std::to_string(page) + " is compressed with " + method + " (TIFF compression " +
+                 std::to_string(compression) + "), which is not supported: convert the image, say to Deflate");
+        }
         if (photometric == PHOTOMETRIC_YCBCR) {
             if (compression != COMPRESSION_JPEG) {
                 fail("YCbCr pixels are not supported: convert the image to RGB");
@@ -404,7 +414,7 @@ private:
     }
 
     std::string path_;
-    std::string error_; // before tiff_, which writes to it until it is closed
+    TiffMessages messages_; // before tiff_, which writes to it until it is closed
     TiffHandle tiff_;
     Page page_;
     std::vector<std::uint64_t> directories_; ///< where they lie in the file
@@ -434,6 +444,11 @@ const image::ImageGeometry& TiffFile::getGeometry() const
 Ptr<image::BaseImage> TiffFile::read() const
 {
     return reader_->read();
+}
+
+const std::string& TiffFile::getDamage() const
+{
+    return reader_->getDamage();
 }
 
 } // namespace orlix::app

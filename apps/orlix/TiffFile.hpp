@@ -21,6 +21,8 @@ public:
     const image::ImageGeometry& getGeometry() const;
     /// Reads the pixels. Throws FileError.
     Ptr<image::BaseImage> read() const;
+    /// What was found wrong with the pixels that were read, and passed over; empty if nothing.
+    const std::string& getDamage() const;
 
 private:
     class Reader;

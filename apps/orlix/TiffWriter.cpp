@@ -47,7 +47,9 @@ public:
         ::close(file);
         std::strncpy(unfinished, path_.c_str(), sizeof unfinished - 1);
         for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-            std::signal(signal, removeUnfinished);
+            if (std::signal(signal, removeUnfinished) == SIG_IGN) {
+                std::signal(signal, SIG_IGN); // as nohup wants it
+            }
         }
         std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is an error like others
     }
@@ -170,7 +172,7 @@ void writeTiff(const std::string& path, const image::BaseImage& image)
 {
     const image::ImageGeometry& size = image.getGeometry();
     const TemporaryFile file{path};
-    std::string reason;
+    TiffMessages messages;
     bool written = false;
     errno = 0;
     {
@@ -178,7 +180,7 @@ void writeTiff(const std::string& path, const image::BaseImage& image)
         constexpr std::size_t bytesOfPage = 512; // of what is said of it
         const bool isBig =
             size.nbPixels() * image.getPixelSize() + size.z * size.c * size.t * bytesOfPage > largestClassic;
-        const TiffHandle tiff = openTiff(file.getPath(), isBig ? "w8" : "w", reason);
+        const TiffHandle tiff = openTiff(file.getPath(), isBig ? "w8" : "w", messages);
         written = tiff != nullptr;
         for (std::size_t t = 0; t < size.t; ++t) {
             for (std::size_t z = 0; z < size.z; ++z) {
@@ -190,6 +192,7 @@ void writeTiff(const std::string& path, const image::BaseImage& image)
             }
         }
     }
+    const std::string& reason = messages.error;
     if (!written || !reason.empty()) {
         const std::string error = errno != 0 ? std::strerror(errno) : "";
         throw FileError{path + ": it cannot be written (" + reason + (reason.empty() || error.empty() ? "" : ", ") +

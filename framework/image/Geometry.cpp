@@ -5,8 +5,16 @@ namespace orlix::image
 
 std::string toString(const ImageGeometry& geometry)
 {
-    return std::to_string(geometry.x) + " x " + std::to_string(geometry.y) + " x " + std::to_string(geometry.z) +
-           " x " + std::to_string(geometry.c) + " x " + std::to_string(geometry.t) + " (x, y, z, c, t)";
+    std::string text = std::to_string(geometry.x) + " x " + std::to_string(geometry.y);
+    const auto add = [&](std::size_t size, const char* elements) {
+        if (size != 1) {
+            text += ", " + std::to_string(size) + " " + elements;
+        }
+    };
+    add(geometry.z, "planes");
+    add(geometry.c, "channels");
+    add(geometry.t, "times");
+    return text;
 }
 
 std::string toString(const PlanIndex& plan)

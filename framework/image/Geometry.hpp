@@ -24,7 +24,7 @@ struct ImageGeometry
     friend constexpr bool operator==(const ImageGeometry&, const ImageGeometry&) = default;
 };
 
-/// "512 x 512 x 1 x 1 x 1 (x, y, z, c, t)"
+/// "512 x 512, 40 planes, 3 channels, 20 times", less what there is one of
 ORLIX_API std::string toString(const ImageGeometry& geometry);
 
 /// Distances in bytes between neighbours; any may be negative. Pixels of a row always touch.

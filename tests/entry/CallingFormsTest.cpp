@@ -177,7 +177,7 @@ TEST(Processor, IsLookedUpByNameAndUsedThroughItsBase)
 
     processor->set<InSubImg2d>(makeRamp({4, 4, 2}));
     EXPECT_EQ(messageOf([&] { executeSyncRun(processor); }),
-              "StatsMsrLvl2: InSubImg2d is an image of 4 x 4 x 2 x 1 x 1 (x, y, z, c, t): one 2d plan is needed");
+              "StatsMsrLvl2: InSubImg2d is an image of 4 x 4, 2 planes: one 2d plan is needed");
     EXPECT_EQ(processor->getStorage<OutStatsResult>(), nullptr); // nothing half-written is left
 }
 
@@ -339,7 +339,7 @@ TEST(Processor, TurnsExceptionsIntoResults)
     EXPECT_EQ(base.run(eSynchroType::eST_Synchronous).getMessage(), "Slow: thrown inside");
     base.set<InImg>(makeRamp({2, 2, 0}));
     EXPECT_EQ(base.run(eSynchroType::eST_Synchronous).getMessage(),
-              "Slow: InImg is empty (2 x 2 x 0 x 1 x 1 (x, y, z, c, t)): an image with pixels is needed");
+              "Slow: InImg is empty (2 x 2, 0 planes): an image with pixels is needed");
     EXPECT_FALSE(base.isRunning());
 }
 

@@ -351,9 +351,7 @@ TEST(ParaboloidOfPlans, SingularFitsSucceed)
                   paraboloidImgFit2d(makeImage({6, 6}, values),
                                      makeImage<unsigned char>({6, 5}, std::vector<unsigned char>(30)));
               }),
-              "ParaboloidImgFit2dLvl1: InOptMaskImg has 6 x 5 x 1 x 1 x 1 (x, y, z, c, t) pixels, but InImg has 6 x 6 "
-              "x 1 x 1 "
-              "x 1 (x, y, z, c, t): both need the same size");
+              "ParaboloidImgFit2dLvl1: InOptMaskImg has 6 x 5 pixels, but InImg has 6 x 6: both need the same size");
 }
 
 // Strips and threads change no bit.

@@ -309,12 +309,12 @@ TEST(ProjectionOfStacks, WhatIsRefused)
     expectText(messageOf([&] {
                    zProjectionImg(stack, mean, create({2, 2, 1, 1, 1}));
                }),
-               "OutImg2d is an image of 2 x 2 x 1 x 1 x 1 (x, y, z, c, t): one of 2 x 2 x 1 x 1 x 3 (x, y, z, c, t) is "
-               "needed for InImg3d of 2 x 2 x 2 x 1 x 3");
+               "OutImg2d is an image of 2 x 2: one of 2 x 2, 3 times is "
+               "needed for InImg3d of 2 x 2, 2 planes, 3 times");
     expectText(messageOf([&] {
                    seqProjectionImg(stack, mean, create({2, 2, 2, 1, 3}));
                }),
-               "one of 2 x 2 x 2 x 1 x 1 (x, y, z, c, t) is needed");
+               "one of 2 x 2, 2 planes is needed");
     expectText(messageOf([&] {
                    seqProjectionImg(stack, mean, create({2, 2, 2}, eImageBufferType::eIBT_Binary));
                }),

@@ -1,6 +1,6 @@
 // Sums, largest values and masked values of binary and label images, once for every pixel type and instruction set.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Pack.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/AreaPercent2dMsr/PercentKernels.hpp>
 
 namespace orlix::imaproc::glbmsr
@@ -17,8 +17,10 @@ std::uint64_t sum(R run)
     std::size_t i = 0;
     if constexpr (D != Domain::eIS_Generic) {
         using Bytes = Pack<std::uint8_t, D>;
+        const Prefetch prefetch{run.size * sizeof(run.pixels[0])};
         Pack<std::uint64_t, D> sums{};
         for (; i + sizeof(Bytes) <= run.size; i += sizeof(Bytes)) {
+            prefetch.stepOf<sizeof(Bytes)>(run, i);
             Bytes x = load<Bytes>(run.pixels + i);
             if constexpr (R::isMasked) {
                 x = keep(loadSelection<std::uint8_t, D>(run.mask + i), x);
@@ -41,8 +43,10 @@ std::uint32_t largest(Run<T> run)
     if constexpr (D != Domain::eIS_Generic) {
         using P = Pack<T, D>;
         constexpr std::size_t step = lanes<T, D>;
+        const Prefetch prefetch{run.size * sizeof(run.pixels[0])};
         P packs[4] = {};
         for (; i + 4 * step <= run.size; i += 4 * step) {
+            prefetch.stepOf<4 * step>(run, i);
             for (std::size_t k = 0; k < 4; ++k) {
                 packs[k] = glbmsr::most(packs[k], load<P>(run.pixels + i + k * step));
             }

@@ -5,7 +5,7 @@
 // those of 8 bits fit 16, those of 16 bits fit 32, and those of 32 bits fit a double; so all integer sums are exact.
 // Float responses are formed and added in double, in 16 lanes; so all sets give the same bits.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Pack.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GaussianNoiseMsr/GaussianNoiseKernels.hpp>
 
 namespace orlix::imaproc::glbmsr
@@ -138,6 +138,7 @@ void addResponses(const T* above, const T* at, const T* below, std::size_t size,
     constexpr std::size_t margin = sizeof(V) == 2 ? 32 : 16; // of columns that a last block of lanes may need
     V buffer[margin + segment + margin];
     V* const v = buffer + margin;
+    const Prefetch prefetch{size * sizeof(T)};
     const auto down = [&](std::size_t x) __attribute__((always_inline))
     {
         const V middle = widen<V>(at[x]);
@@ -149,6 +150,7 @@ void addResponses(const T* above, const T* at, const T* below, std::size_t size,
         if constexpr (D != Domain::eIS_Generic) {
             constexpr std::size_t step = lanes<V, D>;
             for (; x + step <= n; x += step) {
+                prefetch.step<step * sizeof(T)>(below + begin + x); // the other two rows were read before
                 const auto middle = loadWide<V, D>(at + begin + x);
                 store(loadWide<V, D>(above + begin + x) + loadWide<V, D>(below + begin + x) - (middle + middle), v + x);
             }

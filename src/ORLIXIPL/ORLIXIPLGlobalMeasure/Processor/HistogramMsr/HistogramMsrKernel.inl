@@ -4,7 +4,7 @@
 // kernels multiply by the reciprocal of the width in single precision, and where the product is so close to a class
 // border that rounding might decide, ask the rule, which divides in double.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Pack.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramKernels.hpp>
 
 namespace orlix::imaproc::glbmsr
@@ -54,8 +54,10 @@ ORLIX_KERNEL void countBytes(R run, const ClassCounts& c)
     {
         return counts(run, i) ? byte : 256u + byte;
     };
+    const Prefetch prefetch{run.size * sizeof(run.pixels[0])};
     std::size_t i = 0;
     for (; i + 16 <= run.size; i += 16) {
+        prefetch.stepOf<16>(run, i);
         std::uint64_t eight[2];
         __builtin_memcpy(eight, bytes + i, sizeof eight);
 #pragma GCC unroll 16
@@ -166,8 +168,10 @@ ORLIX_KERNEL void countValues(R run, const ClassCounts& c)
     alignas(64) Entry entries[2][block];
     bool pending = false; // the other block's entries are not counted yet
     std::size_t turn = 0;
+    const Prefetch prefetch{run.size * sizeof(run.pixels[0])};
     std::size_t i = 0;
     for (; i + block < run.size; i += block) {
+        prefetch.stepOf<block>(run, i);
         if constexpr (!R::isMasked) {
             if (countFewRuns<D>(run.pixels + i, c)) {
                 continue;
@@ -233,8 +237,10 @@ ORLIX_KERNEL void countClasses(R run, const ClassCounts& c)
     constexpr std::size_t block = 64;
     const Class approximateClass{c};
 
+    const Prefetch prefetch{run.size * sizeof(run.pixels[0])};
     std::size_t i = 0;
     for (; c.approximate && i + block <= run.size; i += block) {
+        prefetch.stepOf<block>(run, i);
         alignas(64) std::uint32_t entries[block]; // or stores would lie across cache lines
         std::uint64_t doubtful = 0;
 #pragma GCC unroll 4

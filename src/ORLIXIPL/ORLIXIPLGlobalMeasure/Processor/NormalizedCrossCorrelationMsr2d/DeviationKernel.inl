@@ -3,6 +3,7 @@
 // no buffer; of 8 and 16 bits not even deviations: sums over pixels are exact, and the means are taken off at the end.
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/ExactSums.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Correlation/DeviationKernels.hpp>
 
 namespace orlix::imaproc::glbmsr
@@ -90,13 +91,26 @@ ORLIX_KERNEL void doublesAt(const double* deviations, std::size_t i, Pack<double
     x[1] = load<Pack<double, D>>(deviations + i + lanes<double, D>);
 }
 
+/// Asks for the pixels behind 16 deviations; those that were read are at hand.
+template <class T, class Number>
+ORLIX_KERNEL void ask(const Prefetch& prefetch, DeviationsOf<T, Number> of, std::size_t i)
+{
+    prefetch.step<16 * sizeof(T)>(of.pixels + i);
+}
+template <class Number>
+ORLIX_KERNEL void ask(const Prefetch&, const Number*, std::size_t)
+{}
+
 /// Calls block(first, second, i) for every 16 deviations of both from i on. The last are filled up with zeros, which
 /// add nothing.
 template <class Number, class First, class Second, class Block>
 ORLIX_KERNEL void forBlocks(First first, Second second, std::size_t size, Block block)
 {
+    const Prefetch prefetch{size * sizeof(float)};
     const std::size_t whole = size / 16 * 16;
     for (std::size_t i = 0; i < whole; i += 16) {
+        ask(prefetch, first, i);
+        ask(prefetch, second, i);
         block(first, second, i);
     }
     if (whole != size) {
@@ -300,11 +314,14 @@ void addTotals(Run<T> a, Run<T> b, PairTotals& pair)
             sums[1].add(y);
             products.add(x, y);
         };
+        const Prefetch prefetch{a.size * sizeof(T)};
         const std::size_t whole = a.size / step;
         std::size_t i = 0;
         do {
             const std::size_t end = whole - i < block ? whole : i + block - 1;
             for (; i < end; ++i) {
+                prefetch.stepOf<step>(a, i * step);
+                prefetch.stepOf<step>(b, i * step);
                 take(a.pixels + i * step, b.pixels + i * step);
             }
             const std::size_t rest = a.size % step;

@@ -3,7 +3,7 @@
 // Pixels of 8 and 16 bits: exact integer sums over segments of 512 columns. Others: in double, in 16 lanes. So all sets
 // give the same bits. What does not count is 0 and adds nothing.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Pack.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/ParaboloidImgFit2d/ParaboloidKernels.hpp>
 
 namespace orlix::imaproc::glbmsr
@@ -185,7 +185,9 @@ ORLIX_KERNEL RowSums sumIntegers(R run)
     constexpr std::size_t segment = 512;
     T filled[segment];
     RowSums row;
+    const Prefetch prefetch{run.size * sizeof(T)};
     for (std::size_t begin = 0; begin < run.size; begin += segment) {
+        prefetch.stepOf<segment>(run, begin);
         const std::size_t n = run.size - begin < segment ? run.size - begin : segment;
         const T* pixels = run.pixels + begin;
         constexpr std::size_t width = integerBlock<D>;
@@ -223,7 +225,9 @@ ORLIX_KERNEL RowSums sumDoubles(R run, const double* columns)
         xz.pack[k] += product;
         x2z.pack[k] += x * product;
     };
+    const Prefetch prefetch{run.size * sizeof(T)};
     for (std::size_t i = 0; i < run.size; i += block) {
+        prefetch.stepOf<block>(run, i);
         if (R::isMasked || i + block > run.size) {
             T filled[block];
             fill(part(run, i, run.size - i), filled, block);

@@ -4,6 +4,7 @@
 // to double once, at the end of the strip. Float: in double, in 16 lanes; so all vector sets give the same bits.
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/ExactSums.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SimilarityMsr/SimilarityKernels.hpp>
 
 namespace orlix::imaproc::glbmsr
@@ -30,12 +31,15 @@ void addIntegers(Run<T> a, Run<T> b, SquaredDifferences& differences)
         return (Pack<Y, D>)((most(p, q) - least(p, q)) ^ splat<UPack>(toCanonical));
     };
     const std::size_t packs = a.size / step;
+    const Prefetch prefetch{a.size * sizeof(a.pixels[0])};
     Totals totals;
     Sums sums[2];
     std::size_t i = 0;
     while (i < packs) {
         const std::size_t end = packs - i < Sums::block ? packs : i + Sums::block;
         for (; i + 2 <= end; i += 2) {
+            prefetch.stepOf<2 * step>(a, i * step);
+            prefetch.stepOf<2 * step>(b, i * step);
             sums[0].add(difference(a.pixels + i * step, b.pixels + i * step));
             sums[1].add(difference(a.pixels + (i + 1) * step, b.pixels + (i + 1) * step));
         }
@@ -71,8 +75,11 @@ void addFloats(Run<float> a, Run<float> b, SquaredDifferences& differences)
     }
     Doubles sums[packs];
     loadAll(sums, differences.laneSums);
+    const Prefetch prefetch{a.size * sizeof(a.pixels[0])};
     const std::size_t first = i;
     for (; i + lanesAll <= a.size; i += lanesAll) {
+        prefetch.stepOf<lanesAll>(a, i);
+        prefetch.stepOf<lanesAll>(b, i);
 #pragma GCC unroll 8
         for (std::size_t k = 0; k < packs; ++k) {
             const Doubles d = loadAsDoubles<D>(a.pixels + i + k * lanes<double, D>) -

@@ -7,6 +7,7 @@
 // Masks: a pixel that does not count adds 0 to its lane, and the neutral value takes its place in the extremes.
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/ExactSums.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsKernels.hpp>
 
 namespace orlix::imaproc::glbmsr
@@ -125,10 +126,12 @@ void accumulateIntegers(R run, Moments& m)
             hi[half] = most(hi[half], y);
         }
     };
+    const Prefetch prefetch{run.size * sizeof(run.pixels[0])};
     std::size_t i = 0;
     do {
         const std::size_t end = whole - i < Sums::block ? whole : i + Sums::block;
         for (; i + 2 <= end; i += 2) {
+            prefetch.stepOf<2 * step>(run, i * step);
             take(0, run.pixels + i * step, maskAt(run, i * step));
             take(1, run.pixels + (i + 1) * step, maskAt(run, (i + 1) * step));
         }
@@ -239,8 +242,10 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
         lo[k] = fromPixels ? load<Floats>(run.pixels + k * lanes<float, D>) : splat<Floats>(infinity);
         hi[k] = fromPixels ? lo[k] : splat<Floats>(-infinity);
     }
+    const Prefetch prefetch{run.size * sizeof(run.pixels[0])};
     for (std::size_t i = 0; i < run.size; i += Moments::lanes) {
         const float* const pixels = run.pixels + i;
+        prefetch.stepOf<Moments::lanes>(run, i);
         if constexpr (R::isMasked) {
 #pragma GCC unroll 4
             for (std::size_t k = 0; k < floats; ++k) {

@@ -3,6 +3,7 @@
 // Sums are those of the pixels and of their squares as doubles, one after the other. Integers of 8 and 16 bits are
 // summed in integer lanes over blocks of rows, which comes to the same: below 2^53 every sum is exact.
 
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Selection.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Projection/ColumnKernels.hpp>
 
@@ -39,56 +40,121 @@ ORLIX_KERNEL void forRows(const Columns<T>& columns, Work work)
     }
 }
 
-template <class T>
-void columnLeast(Columns<T> columns, T* least)
+/// Calls `pack(row pointers, row count, x)` for packs of columns, and `single(...)` for those that fill none.
+template <class T, std::size_t Lanes, class OfPack, class OfOne>
+ORLIX_KERNEL void forPacksOfColumns(const Columns<T>& columns, OfPack pack, OfOne single)
 {
+    constexpr std::size_t line = 64 / sizeof(T);
+    constexpr std::size_t step = Lanes < line ? line : Lanes;
+    const Prefetch prefetch{columns.width * columns.count * sizeof(T)};
     forRows(
         columns, [&](auto count, const T* const* rows) __attribute__((always_inline)) {
-            for (std::size_t x = 0; x < columns.width; ++x) {
-                T m = least[x];
-                for (std::size_t r = 0; r < count.value; ++r) {
-                    m = rows[r][x] < m ? rows[r][x] : m;
+            std::size_t x = 0;
+            for (; x + step <= columns.width; x += step) {
+                prefetch.stepOfRows<step * sizeof(T), count.value>(rows, x);
+#pragma GCC unroll 8
+                for (std::size_t k = 0; k < step; k += Lanes) {
+                    pack(rows, count, x + k);
                 }
-                least[x] = m;
+            }
+            for (; x < columns.width; ++x) {
+                single(rows, count, x);
             }
         });
 }
 
-template <class T>
-void columnMost(Columns<T> columns, T* most)
+/// m = better(x, m) for every pixel x of a column.
+template <class T, Domain::domain D, class Better>
+ORLIX_KERNEL void reduceColumns(const Columns<T>& columns, T* extremes, Better better)
 {
-    forRows(
-        columns, [&](auto count, const T* const* rows) __attribute__((always_inline)) {
-            for (std::size_t x = 0; x < columns.width; ++x) {
-                T m = most[x];
+    using P = Pack<T, D>;
+    const auto reduceOne = [&](const T* const* rows, auto count, std::size_t x) __attribute__((always_inline))
+    {
+        T m = extremes[x];
+        for (std::size_t r = 0; r < count.value; ++r) {
+            m = better(rows[r][x], m);
+        }
+        extremes[x] = m;
+    };
+    if constexpr (D == Domain::eIS_Generic) {
+        forPacksOfColumns<T, 1>(columns, reduceOne, reduceOne);
+    } else {
+        forPacksOfColumns<T, lanes<T, D>>(
+            columns,
+            [&](const T* const* rows, auto count, std::size_t x) __attribute__((always_inline)) {
+                auto m = load<P>(extremes + x);
+#pragma GCC unroll 8
                 for (std::size_t r = 0; r < count.value; ++r) {
-                    m = rows[r][x] > m ? rows[r][x] : m;
+                    m = better(load<P>(rows[r] + x), m);
                 }
-                most[x] = m;
-            }
-        });
+                store(m, extremes + x);
+            },
+            reduceOne);
+    }
+}
+
+template <class T, Domain::domain D>
+void columnLeast(Columns<T> columns, T* extremes)
+{
+    reduceColumns<T, D>(
+        columns, extremes, [](auto x, auto m) __attribute__((always_inline)) { return x < m ? x : m; });
+}
+
+template <class T, Domain::domain D>
+void columnMost(Columns<T> columns, T* extremes)
+{
+    reduceColumns<T, D>(
+        columns, extremes, [](auto x, auto m) __attribute__((always_inline)) { return x > m ? x : m; });
 }
 
 /// One row after the other.
-template <bool Squares, class T>
-void addAsDoubles(Columns<T> columns, double* sums, double* squares)
+template <bool Squares, class T, Domain::domain D>
+ORLIX_KERNEL void addAsDoubles(const Columns<T>& columns, double* sums, double* squares)
 {
-    forRows(
-        columns, [&](auto count, const T* const* rows) __attribute__((always_inline)) {
-            for (std::size_t x = 0; x < columns.width; ++x) {
-                double sum = sums[x];
-                double sumSq = Squares ? squares[x] : 0;
+    const auto addOne = [&](const T* const* rows, auto count, std::size_t x) __attribute__((always_inline))
+    {
+        double sum = sums[x];
+        double sumSq = Squares ? squares[x] : 0;
+        for (std::size_t r = 0; r < count.value; ++r) {
+            const double v = toDouble(rows[r][x]);
+            sum += v;
+            sumSq += v * v;
+        }
+        sums[x] = sum;
+        if constexpr (Squares) {
+            squares[x] = sumSq;
+        }
+    };
+    if constexpr (D == Domain::eIS_Generic || sizeof(T) < 4) {
+        forPacksOfColumns<T, 1>(columns, addOne, addOne);
+    } else {
+        using P = Pack<double, D>;
+        forPacksOfColumns<T, lanes<double, D>>(
+            columns,
+            [&](const T* const* rows, auto count, std::size_t x) __attribute__((always_inline)) {
+                P sum = load<P>(sums + x);
+                P sumSq{};
+                if constexpr (Squares) {
+                    sumSq = load<P>(squares + x);
+                }
+#pragma GCC unroll 8
                 for (std::size_t r = 0; r < count.value; ++r) {
-                    const double v = toDouble(rows[r][x]);
+                    P v;
+                    if constexpr (isFloat<T>) {
+                        v = loadAsDoubles<D>(rows[r] + x);
+                    } else {
+                        v = loadIntegersAsDoubles<D>(rows[r] + x);
+                    }
                     sum += v;
                     sumSq += v * v;
                 }
-                sums[x] = sum;
+                store(sum, sums + x);
                 if constexpr (Squares) {
-                    squares[x] = sumSq;
+                    store(sumSq, squares + x);
                 }
-            }
-        });
+            },
+            addOne);
+    }
 }
 
 /// Sums of numbers of n bits, two to a lane of 2 n: `both` adds up lower + 2^n upper and wraps, but `upper` tells how
@@ -204,6 +270,7 @@ void addInPacks(Columns<T> columns, double* sums, double* squares)
     constexpr std::size_t tile = 1024 / step;
     constexpr std::uint32_t offset = isSigned<T> ? 1u << (8 * sizeof(T) - 1) : 0;
     const std::size_t packs = columns.width / step;
+    const Prefetch prefetch{columns.width * columns.count * sizeof(T)};
     Sums packSums[tile];
     for (std::size_t first = 0; first < packs; first += tile) {
         const std::size_t size = packs - first < tile ? packs - first : tile;
@@ -216,6 +283,7 @@ void addInPacks(Columns<T> columns, double* sums, double* squares)
                 columns.part(first * step, size * step, y, rows), [&](auto count, const T* const* row) __attribute__((
                                                                       always_inline)) {
                     for (std::size_t k = 0; k < size; ++k) {
+                        prefetch.stepOfRows<packBytes<D>, count.value>(row, k * step);
                         Sums s = packSums[k];
 #pragma GCC unroll 8
                         for (std::size_t r = 0; r < count.value; ++r) {
@@ -233,8 +301,8 @@ void addInPacks(Columns<T> columns, double* sums, double* squares)
         }
     }
     const std::size_t done = packs * step;
-    addAsDoubles<Squares>(columns.part(done, columns.width - done, 0, columns.count), sums + done,
-                          Squares ? squares + done : nullptr);
+    addAsDoubles<Squares, T, D>(columns.part(done, columns.width - done, 0, columns.count), sums + done,
+                                Squares ? squares + done : nullptr);
 }
 
 template <bool Squares, class T, Domain::domain D>
@@ -243,7 +311,7 @@ ORLIX_KERNEL void addColumns(Columns<T> columns, double* sums, double* squares)
     if constexpr (D != Domain::eIS_Generic && sizeof(T) < 4) {
         addInPacks<Squares, T, D>(columns, sums, squares);
     } else {
-        addAsDoubles<Squares>(columns, sums, squares);
+        addAsDoubles<Squares, T, D>(columns, sums, squares);
     }
 }
 
@@ -366,8 +434,8 @@ void columnMedian(Columns<T> columns, unsigned char* scratch, T* medians)
 
 /// The kernels of one type of a vector set.
 template <class T, Domain::domain D>
-constexpr ColumnKernel<T> columnKernel{&columnSum<T, D>, &columnSquares<T, D>, &columnLeast<T>,
-                                       &columnMost<T>,   &columnMedian<T, D>,  &columnScratchBytes<T, D>};
+constexpr ColumnKernel<T> columnKernel{&columnSum<T, D>,  &columnSquares<T, D>, &columnLeast<T, D>,
+                                       &columnMost<T, D>, &columnMedian<T, D>,  &columnScratchBytes<T, D>};
 
 template <Domain::domain D>
 constexpr ColumnKernels everyColumnKernel{{columnKernel<unsigned char, D>},  {columnKernel<signed char, D>},

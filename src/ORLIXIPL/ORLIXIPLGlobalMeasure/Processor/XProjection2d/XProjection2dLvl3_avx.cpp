@@ -10,7 +10,7 @@ extern const ColumnKernels columnKernels_avx{
     {},
     {},
     {},
-    {{&columnSum<float, Domain::eIS_AVX>, &columnSquares<float, Domain::eIS_AVX>, &columnLeast<float>,
-      &columnMost<float>, nullptr, nullptr}}};
+    {{&columnSum<float, Domain::eIS_AVX>, &columnSquares<float, Domain::eIS_AVX>, &columnLeast<float, Domain::eIS_AVX>,
+      &columnMost<float, Domain::eIS_AVX>, nullptr, nullptr}}};
 
 } // namespace orlix::imaproc::glbmsr

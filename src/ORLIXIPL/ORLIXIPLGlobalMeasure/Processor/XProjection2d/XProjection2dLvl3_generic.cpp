@@ -32,8 +32,8 @@ std::size_t scratchBytesGeneric(std::size_t, std::size_t count)
 template <class T>
 constexpr ColumnKernel<T> genericKernel{&columnSum<T, Domain::eIS_Generic>,
                                         &columnSquares<T, Domain::eIS_Generic>,
-                                        &columnLeast<T>,
-                                        &columnMost<T>,
+                                        &columnLeast<T, Domain::eIS_Generic>,
+                                        &columnMost<T, Domain::eIS_Generic>,
                                         &columnMedianGeneric<T>,
                                         &scratchBytesGeneric<T>};
 

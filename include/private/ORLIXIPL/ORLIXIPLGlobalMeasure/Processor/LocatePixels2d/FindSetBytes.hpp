@@ -1,5 +1,7 @@
 #pragma once
 
+#include <framework/core/Prefetch.hpp>
+
 #include <emmintrin.h>
 
 #include <bit>
@@ -41,9 +43,18 @@ inline std::size_t countSetBytes(const std::uint8_t* bytes, std::size_t size)
         constexpr std::size_t most = std::size_t{255} * 16; // that lanes of bytes can count
         const std::size_t end = i + (size - i < most ? size - i : most) / 16 * 16;
         __m128i counts = zero;
-        for (; i < end; i += 16) {
-            const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
+        const auto add = [&](const std::uint8_t* at) {
+            const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
             counts = _mm_sub_epi8(counts, _mm_cmpeq_epi8(sixteen, zero));
+        };
+        for (; i + 64 <= end; i += 64) {
+            __builtin_prefetch(bytes + i + core::prefetchDistance);
+            for (std::size_t k = 0; k < 64; k += 16) {
+                add(bytes + i + k);
+            }
+        }
+        for (; i < end; i += 16) {
+            add(bytes + i);
         }
         const __m128i sums = _mm_sad_epu8(counts, zero);
         zeros += static_cast<std::size_t>(_mm_cvtsi128_si64(sums) + _mm_cvtsi128_si64(_mm_srli_si128(sums, 8)));
@@ -59,6 +70,7 @@ template <class Coords, class MakeCoords>
 Coords* listSetBytes(const std::uint8_t* bytes, std::size_t size, Coords* to, Coords* end, MakeCoords coords)
 {
     for (std::size_t i = 0; i < size && to != end; i += 64) {
+        __builtin_prefetch(bytes + i + core::prefetchDistance);
         std::uint64_t set = i + 64 <= size ? setBytes(bytes + i) : setBytes(bytes + i, size - i);
         const auto at = [&](std::uint64_t rest) {
             return coords(
