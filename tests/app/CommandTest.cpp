@@ -1,6 +1,7 @@
 #include <support/TestImages.hpp>
 
 #include <orlix/Commands.hpp>
+#include <orlix/TiffWriter.hpp>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -549,7 +550,7 @@ TEST_F(CommandTest, PercentagesAndPositions)
     const Outcome some = run({"locate", labels, "--binary", "--limit", "3", "--per", "volume", "--json"});
     EXPECT_EQ(some.json()["measure"], "locateVoxels3d");
     EXPECT_EQ(some.result()["Coordinates"], Json::parse("[[1,0,0],[2,0,0],[3,0,0]]"));
-    EXPECT_EQ(run({"locate", bits, "--limit", "1"}).output, bits + ": binary, 21 x 10, z 2\n"
+    EXPECT_EQ(run({"locate", bits, "--limit", "1"}).output, bits + ": binary, 21 x 10, 2 planes\n"
                                                                    "plan z  plan c  plan t  x  y\n"
                                                                    "     0       0       0  1  0\n"
                                                                    "     1       0       0  0  0\n");
@@ -656,6 +657,12 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         TIFFWriteScanline(tiff, row, 0, 0);
         TIFFClose(tiff);
     }
+    std::string pages = whole;
+    const std::string tag("\x03\x01\x03\x00\x01\x00\x00\x00", 8); // compression, one number
+    for (std::size_t at = pages.find(tag); at != std::string::npos; at = pages.find(tag, at + 1)) {
+        pages.replace(at + tag.size(), 2, "\x98\x87");
+    }
+    const std::string jp2 = writeBytes("jp2.tif", pages);
     const std::string one = write("one.tif", 1, {});
     const std::string floats = write("f.tif", 1, {.bits = 32, .format = SAMPLEFORMAT_IEEEFP});
     const std::string imagej = write("ij.tif", 4, {.description = "ImageJ=1.53\nimages=6\nchannels=2\nslices=3\n"});
@@ -679,7 +686,13 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         {{"stats", good, "--gpu", "--isa", "sse2"}, 2, "--gpu and --isa do not go together"},
         {{"info", good, "--gpu"}, 2, "info --gpu takes no image"},
         {{"info"}, 2, "IMAGE is required"},
-        {{"stats", good, "--frob"}, 2, "--frob"},
+        {{"stats", good, "--frob"}, 2, "--frob (see orlix stats --help)"},
+        {{"stats", "-x.tif"}, 2, "see orlix stats --help"},
+        {{"help", "frob"}, 2, "there is no verb frob"},
+        {{"similarity", good, good, "--peak", "0"}, 2, "0 is not above 0"},
+        {{"stats", jp2}, 1, "page 0 is compressed with JPEG 2000 (TIFF compression 34712), which is not supported"},
+        {{"project", good, "--axis", "z", "--stat", "max", "-o", "-"}, 2, "-o -: an image does not go to standard"},
+        {{"project", good, "--axis", "z", "--stat", "max", "-o", path("x.PNG")}, 2, "no .png files are written"},
         {{"locate", good}, 1, "good.tif: it is uint8, and locate takes a binary image: pass --binary"},
         {{"locate", good, "--binary", "--limit", "-1"}, 2, "-1"},
         {{"stats", good, "--binary"}, 2, "--binary"},
@@ -728,9 +741,9 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         {{"project", cut, "--axis", "z", "--stat", "max", "-o", path("x.tif")}, 1, "cut.tif"},
         {{"ncc", good}, 2, "IMAGE2 is required"},
         {{"similarity", good, good, "--per", "plan"}, 2, "--per"},
-        {{"pearson", good, one}, 1, "one.tif: it has 21 x 10, but"},
+        {{"pearson", good, one}, 1, "one.tif: the second image has 21 x 10, but"},
         {{"stats", good, "--mask", path("none.tif")}, 1, "none.tif: No such file or directory"},
-        {{"stats", good, "--mask", one}, 1, "one.tif: it has 21 x 10, but"},
+        {{"stats", good, "--mask", one}, 1, "one.tif: the mask has 21 x 10, but"},
         {{"stats", floats, "--mask", floats}, 1, "f.tif: a float32 image is no mask"},
         {{"stats", ome}, 1, "ome.tif: its OME axes want 2 pages, where there are 1"},
     };
@@ -746,6 +759,79 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
     EXPECT_EQ(run({"--help"}).status, 0);
     EXPECT_NE(run({"stats", "--help"}).output.find("--per"), std::string::npos);
     EXPECT_EQ(run({"--version"}).output, "orlix 4.1.0.2\n");
+    EXPECT_EQ(run({"help", "stats"}).output, run({"stats", "--help"}).output);
+    EXPECT_NE(run({"help", "stats"}).output.find("Usage: orlix stats"), std::string::npos);
+
+    // A file that looks like an option.
+    const auto folder = std::filesystem::current_path();
+    std::filesystem::current_path(std::filesystem::path{good}.parent_path());
+    std::filesystem::copy_file(good, "-x.tif");
+    EXPECT_NE(run({"stats", "-x.tif"}).error.find("write -- before files that begin with a dash"), std::string::npos);
+    EXPECT_EQ(run({"stats", "--", "-x.tif"}).status, 0);
+    std::filesystem::current_path(folder);
+}
+
+// What a user should know and did not ask for: a line on standard error, and the exit status of success.
+TEST_F(CommandTest, NotesWhatAUserShouldKnow)
+{
+    const auto make = [&](const std::string& name, const auto& image) {
+        app::writeTiff(path(name), *image);
+        return path(name);
+    };
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float inf = std::numeric_limits<float>::infinity();
+    const std::string plain = make("plain.tif", makeImage<unsigned char>({3, 1, 2}, {0, 1, 2, 0, 5, 9}));
+    const std::string holed = make("holed.tif", makeImage<float>({5, 1}, {0, 7, nan, 3, 2}));
+    const std::string two = make("two.tif", makeImage<float>({2, 1, 2}, {0, 7, nan, 3}));
+    const std::string infinite = make("inf.tif", makeImage<float>({2, 1}, {1, inf}));
+    const std::string constant = make("constant.tif", makeImage<unsigned int>({5, 1}, std::vector(5, 3000000001u)));
+    const std::string labels = make("labels.tif", makeImage<unsigned char>({3, 1}, {3, 4, 9}));
+    const std::string bright = make("bright.tif", makeImage<unsigned char>({2, 1, 2}, {200, 10, 200, 20}));
+    const std::string nothing = make("nothing.tif", makeImage<unsigned char>({3, 1, 2}, {0, 0, 0, 0, 0, 0}));
+    const std::string output = path("p.tif");
+    struct Case
+    {
+        std::vector<std::string> arguments;
+        std::string note; ///< empty: none
+    };
+    const Case cases[] = {
+        {{"stats", plain}, ""},
+        {{"stats", holed}, holed + ": there are NaN pixels"},
+        {{"stats", two, "--per", "plan"}, two + ": in 1 of 2 results, there are NaN pixels"},
+        {{"stats", infinite}, "there are infinite pixels: the deviation is NaN"},
+        {{"stats", constant}, "the deviation is NaN: the pixels are constant, or"},
+        {{"stats", plain, "--mask", nothing}, "no pixel is inside the mask"},
+        {{"histogram", plain}, ""},
+        {{"histogram", plain, "--mask", plain, "--per", "plan"}, ""},
+        {{"histogram", holed}, "some pixels are in no class"},
+        {{"histogram", plain, "--bin-width", "0.25"}, "the classes do not have the --bin-width asked for"},
+        {{"histogram", plain, "--classes", "1000"}, "there are not as many --classes as asked for"},
+        {{"histogram", plain, "--classes", "5"}, ""},
+        {{"entropy", plain, "--classes", "1000"}, "in 2 of 2 results, the classes are not those asked for"},
+        {{"entropy", plain, "--bin-width", "2"}, ""},
+        {{"count", labels}, "the lowest label is not 0"},
+        {{"count", plain}, ""},
+        {{"project", bright, "--axis", "z", "--stat", "sum", "-o", output},
+         output + ": 1 of 2 pixels were limited to the range of uint8"},
+        {{"project", bright, "--axis", "z", "--stat", "max", "-o", output}, ""},
+        {{"project", bright, "--axis", "z", "--stat", "sum", "-o", output, "--out-type", "uint16"}, ""},
+    };
+    for (const Case& each : cases) {
+        const Outcome outcome = run(each.arguments);
+        EXPECT_EQ(outcome.status, 0) << outcome.error;
+        EXPECT_EQ(outcome.error.empty(), each.note.empty()) << outcome.error << each.note;
+        EXPECT_EQ(outcome.error.rfind(each.note.empty() ? "" : "orlix: note: ", 0), 0u);
+        EXPECT_NE(outcome.error.find(each.note), std::string::npos) << outcome.error << each.note;
+        std::vector<std::string> quiet = each.arguments;
+        quiet.push_back("--quiet");
+        EXPECT_EQ(run(quiet).error, "");
+    }
+    const std::string equal = run({"similarity", plain, plain}).output;
+    EXPECT_NE(equal.find("Infinity"), std::string::npos) << equal;
+    EXPECT_EQ(run({"similarity", plain, plain, "--json"}).result()["PSNR"], std::numeric_limits<double>::max());
+    const std::string off = make("off.tif", makeImage<unsigned char>({3, 1, 2}, {1, 2, 3, 1, 6, 10}));
+    EXPECT_NEAR(run({"similarity", plain, off, "--peak", "1", "--json"}).result()["PSNR"], 0, 1e-12);
+    EXPECT_EQ(run({"ncc", plain, plain}).output.find("SumSquaredDev"), std::string::npos);
 }
 
 // Whatever a file is cut to or a byte is turned to, the answer is a result or one line of error.
@@ -761,7 +847,7 @@ TEST_F(CommandTest, SurvivesDamagedFiles)
         bytes[generator() % bytes.size()] = static_cast<char>(generator());
         const Outcome outcome = run({"stats", writeBytes("turned.tif", bytes)});
         EXPECT_TRUE(outcome.status == 0 || outcome.status == 1);
-        EXPECT_EQ(outcome.status == 0, outcome.error.empty());
+        EXPECT_TRUE(outcome.status == 1 || outcome.error.empty() || outcome.error.rfind("orlix: note: ", 0) == 0);
         EXPECT_NE(outcome.status == 0, outcome.output.empty());
     }
 }
