@@ -10,4 +10,9 @@ namespace
 const data::DynamicClassRegistration<GaussianNoiseStats> registration{GaussianNoiseStats::typeName};
 } // namespace
 
+Ptr<GaussianNoiseStats> GaussianNoiseStats::create()
+{
+    return makePtr<GaussianNoiseStats>();
+}
+
 } // namespace orlix::imaproc::attr

@@ -12,4 +12,14 @@ const data::DynamicClassRegistration<PlanIndexedGlobalEntropyResult> collection{
     PlanIndexedGlobalEntropyResult::typeName};
 } // namespace
 
+Ptr<GlobalEntropyResult> GlobalEntropyResult::create()
+{
+    return makePtr<GlobalEntropyResult>();
+}
+
+Ptr<PlanIndexedGlobalEntropyResult> PlanIndexedGlobalEntropyResult::create()
+{
+    return makePtr<PlanIndexedGlobalEntropyResult>();
+}
+
 } // namespace orlix::imaproc::attr

@@ -45,4 +45,24 @@ const data::DynamicClassRegistration<HistogramData> histogram{HistogramData::typ
 const data::DynamicClassRegistration<PlanIndexedHistogramData> planHistograms{PlanIndexedHistogramData::typeName};
 } // namespace
 
+Ptr<HistoMsrParams> HistoMsrParams::create()
+{
+    return makePtr<HistoMsrParams>();
+}
+
+Ptr<PlanIndexedHistoMsrParams> PlanIndexedHistoMsrParams::create()
+{
+    return makePtr<PlanIndexedHistoMsrParams>();
+}
+
+Ptr<HistogramData> HistogramData::create()
+{
+    return makePtr<HistogramData>();
+}
+
+Ptr<PlanIndexedHistogramData> PlanIndexedHistogramData::create()
+{
+    return makePtr<PlanIndexedHistogramData>();
+}
+
 } // namespace orlix::imaproc::attr

@@ -11,4 +11,14 @@ const data::DynamicClassRegistration<IndexableUInt64> element{IndexableUInt64::t
 const data::DynamicClassRegistration<PlanIndexedIndexableUInt64> collection{PlanIndexedIndexableUInt64::typeName};
 } // namespace
 
+Ptr<IndexableUInt64> IndexableUInt64::create()
+{
+    return makePtr<IndexableUInt64>();
+}
+
+Ptr<PlanIndexedIndexableUInt64> PlanIndexedIndexableUInt64::create()
+{
+    return makePtr<PlanIndexedIndexableUInt64>();
+}
+
 } // namespace orlix::imaproc::attr

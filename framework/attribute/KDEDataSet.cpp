@@ -59,4 +59,19 @@ double computeBandwidth(const KDEBandwidthPolicy& policy, std::span<const double
     return spread * std::pow(static_cast<double>(values.size()), -0.2);
 }
 
+Ptr<KDEDataSet> KDEDataSet::create()
+{
+    return makePtr<KDEDataSet>();
+}
+
+Ptr<PlanIndexedKDEDataSet> PlanIndexedKDEDataSet::create()
+{
+    return makePtr<PlanIndexedKDEDataSet>();
+}
+
+Ptr<KDEBandwidthPolicy> KDEBandwidthPolicy::create()
+{
+    return makePtr<KDEBandwidthPolicy>();
+}
+
 } // namespace orlix::imaproc::attr

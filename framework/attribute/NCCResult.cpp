@@ -11,4 +11,14 @@ const data::DynamicClassRegistration<NCCResult> element{NCCResult::typeName};
 const data::DynamicClassRegistration<PlanIndexedNCCResult> collection{PlanIndexedNCCResult::typeName};
 } // namespace
 
+Ptr<NCCResult> NCCResult::create()
+{
+    return makePtr<NCCResult>();
+}
+
+Ptr<PlanIndexedNCCResult> PlanIndexedNCCResult::create()
+{
+    return makePtr<PlanIndexedNCCResult>();
+}
+
 } // namespace orlix::imaproc::attr

@@ -11,4 +11,14 @@ const data::DynamicClassRegistration<ParaboloidParams3d> element{ParaboloidParam
 const data::DynamicClassRegistration<PlanIndexedParaboloidParams3d> collection{PlanIndexedParaboloidParams3d::typeName};
 } // namespace
 
+Ptr<ParaboloidParams3d> ParaboloidParams3d::create()
+{
+    return makePtr<ParaboloidParams3d>();
+}
+
+Ptr<PlanIndexedParaboloidParams3d> PlanIndexedParaboloidParams3d::create()
+{
+    return makePtr<PlanIndexedParaboloidParams3d>();
+}
+
 } // namespace orlix::imaproc::attr

@@ -11,4 +11,14 @@ const data::DynamicClassRegistration<PearsonCCResult> element{PearsonCCResult::t
 const data::DynamicClassRegistration<PlanIndexedPearsonCCResult> collection{PlanIndexedPearsonCCResult::typeName};
 } // namespace
 
+Ptr<PearsonCCResult> PearsonCCResult::create()
+{
+    return makePtr<PearsonCCResult>();
+}
+
+Ptr<PlanIndexedPearsonCCResult> PlanIndexedPearsonCCResult::create()
+{
+    return makePtr<PlanIndexedPearsonCCResult>();
+}
+
 } // namespace orlix::imaproc::attr

@@ -19,4 +19,24 @@ core::ProcessingResult failUnevenList(const char* key, std::size_t numbers, std:
     return core::ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_UnevenList, key, numbers, axes));
 }
 
+Ptr<Pixels2d> Pixels2d::create()
+{
+    return makePtr<Pixels2d>();
+}
+
+Ptr<PlanIndexedPixels2d> PlanIndexedPixels2d::create()
+{
+    return makePtr<PlanIndexedPixels2d>();
+}
+
+Ptr<Voxels3d> Voxels3d::create()
+{
+    return makePtr<Voxels3d>();
+}
+
+Ptr<PlanIndexedVoxels3d> PlanIndexedVoxels3d::create()
+{
+    return makePtr<PlanIndexedVoxels3d>();
+}
+
 } // namespace orlix::imaproc::attr

@@ -10,4 +10,9 @@ namespace
 const data::DynamicClassRegistration<SimilarityStats> element{SimilarityStats::typeName};
 } // namespace
 
+Ptr<SimilarityStats> SimilarityStats::create()
+{
+    return makePtr<SimilarityStats>();
+}
+
 } // namespace orlix::imaproc::attr

@@ -11,4 +11,14 @@ const data::DynamicClassRegistration<StatsResult> statsResult{StatsResult::typeN
 const data::DynamicClassRegistration<PlanIndexedStatsResult> planIndexedStatsResult{PlanIndexedStatsResult::typeName};
 } // namespace
 
+Ptr<StatsResult> StatsResult::create()
+{
+    return makePtr<StatsResult>();
+}
+
+Ptr<PlanIndexedStatsResult> PlanIndexedStatsResult::create()
+{
+    return makePtr<PlanIndexedStatsResult>();
+}
+
 } // namespace orlix::imaproc::attr

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <boost/thread/mutex.hpp>
+#include <framework/core/Mutex.hpp>
 
 #include <atomic>
+#include <mutex>
 #include <optional>
 
 namespace orlix::core
@@ -14,10 +15,10 @@ class LazyStatic
 {
 public:
     template <class Build>
-    const T& get(boost::mutex& mutex, Build build)
+    const T& get(Mutex& mutex, Build build)
     {
         if (!built_.load(std::memory_order_acquire)) {
-            const boost::mutex::scoped_lock lock{mutex};
+            const std::lock_guard lock{mutex};
             if (!built_.load(std::memory_order_relaxed)) {
                 value_.emplace(build());
                 built_.store(true, std::memory_order_release);

@@ -111,6 +111,11 @@ Archive::Section Archive::openRootSection(const std::string& name)
     return enter(*root_, name);
 }
 
+bool Archive::has(const std::string& key) const
+{
+    return current().contains(key);
+}
+
 unsigned Archive::getVersion(const std::string& typeName) const
 {
     const auto found = versions_.find(typeName);
@@ -323,11 +328,6 @@ ProcessingResult InputArchive::readObject(const std::string& key, Ptr<BaseDynami
         object = std::move(created);
     }
     return result;
-}
-
-bool InputArchive::has(const std::string& key) const
-{
-    return current().contains(key);
 }
 
 std::vector<std::string> InputArchive::getKeys() const

@@ -55,6 +55,9 @@ public:
     /// Enters the section `name` of the document, where class versions live.
     Section openRootSection(const std::string& name);
 
+    /// Whether the current section has the name.
+    bool has(const std::string& key) const;
+
     /// The version of a class in this archive, 0 if none is registered yet.
     unsigned getVersion(const std::string& typeName) const;
     void registerVersion(const std::string& typeName, unsigned version);
@@ -142,7 +145,6 @@ public:
 
     /// The names in the current section.
     std::vector<std::string> getKeys() const;
-    bool has(const std::string& key) const;
 
 private:
     core::ProcessingResult readObject(const std::string& key, Ptr<BaseDynamicObject>& object,

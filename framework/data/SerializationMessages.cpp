@@ -11,6 +11,7 @@ std::span<const Message> MessageMap<data::eSerializationMessage>::texts()
         {2, "The archive holds an object of the class %1%, which is not known here"},
         {3, "\"%1%\" in the archive cannot hold an object of the class %2%"},
         {4, "\"%1%\" in the archive lies too deep"},
+        {5, "The section of the archive holds a processor already: write the %1% into a section of its own"},
         {25, "The archive holds version %1% of %3%, but no version above %2% can be read here"},
     };
     return table;

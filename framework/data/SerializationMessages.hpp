@@ -13,6 +13,7 @@ enum class eSerializationMessage : unsigned
     eSM_UnknownClass = 2,  ///< class name
     eSM_WrongClass = 3,    ///< key, class name
     eSM_TooDeep = 4,       ///< key
+    eSM_TakenSection = 5,  ///< class name
     eSM_NewerVersion = 25, ///< version in the archive, supported version, class name
 };
 

@@ -3,6 +3,7 @@
 #include <framework/gpu/GpuMessages.hpp>
 
 #include <cuda_runtime_api.h>
+#include <dlfcn.h>
 
 #include <mutex>
 #include <optional>
@@ -109,8 +110,29 @@ ProcessingResult describeSelectedGpu(GpuDescription& description)
     return describeGpu(0, description);
 }
 
+namespace
+{
+
+/// Whether the calling thread has used a GPU yet. The runtime does not tell, but names GPU 0 where it has not, and going
+/// back there would make a context on it.
+bool hasContext()
+{
+    void* const driver = dlopen("libcuda.so.1", RTLD_LAZY | RTLD_NOLOAD);
+    if (driver == nullptr) {
+        return false;
+    }
+    const auto getCurrent = reinterpret_cast<int (*)(void**)>(dlsym(driver, "cuCtxGetCurrent"));
+    void* context = nullptr;
+    const bool found = getCurrent != nullptr && getCurrent(&context) == 0 && context != nullptr;
+    dlclose(driver);
+    return found;
+}
+
+} // namespace
+
 CurrentGpu::CurrentGpu(int index, ProcessingResult& result)
 {
+    const bool wasUsed = hasContext();
     int previous = 0;
     cudaError_t error = cudaGetDevice(&previous);
     if (error == cudaSuccess) {
@@ -118,7 +140,7 @@ CurrentGpu::CurrentGpu(int index, ProcessingResult& result)
     }
     if (error != cudaSuccess) {
         result = unavailable(error);
-    } else if (previous != index) {
+    } else if (wasUsed && previous != index) {
         previous_ = previous;
     }
 }

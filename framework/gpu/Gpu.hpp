@@ -41,7 +41,8 @@ ORLIX_API bool isGpuSupportActivated();
 /// The GPU of the last activation, or the first one where there was none; a failure has the runtime's reason.
 ORLIX_API core::ProcessingResult describeSelectedGpu(GpuDescription& description);
 
-/// Makes a GPU the current one of the calling thread as long as it lives.
+/// Makes a GPU the current one of the calling thread as long as it lives; then the one that the thread used before, if
+/// it used any, is current again.
 class ORLIX_API CurrentGpu
 {
 public:

@@ -8,6 +8,8 @@
 #include <framework/image/PixelType.hpp>
 
 #include <cstddef>
+#include <memory>
+#include <utility>
 
 namespace orlix::image
 {
@@ -44,6 +46,19 @@ public:
     static Ptr<const BaseImage> wrap(const void* pixels, eImageBufferType type, const ImageGeometry& geometry,
                                      Ptr<const void> owner);
 
+    /// The same with an owner that a std::shared_ptr holds; pixels that are const make an image that is.
+    template <class Pixels, class Owner>
+    static auto wrap(Pixels* pixels, eImageBufferType type, const ImageGeometry& geometry, const ImageStrides& strides,
+                     std::shared_ptr<Owner> owner)
+    {
+        return wrap(asBytes(pixels), type, geometry, strides, asOwner(std::move(owner)));
+    }
+    template <class Pixels, class Owner>
+    static auto wrap(Pixels* pixels, eImageBufferType type, const ImageGeometry& geometry, std::shared_ptr<Owner> owner)
+    {
+        return wrap(asBytes(pixels), type, geometry, asOwner(std::move(owner)));
+    }
+
     /// An image whose pixels lie in the memory of a GPU, where `owner` keeps them alive: only measures that run there
     /// read them. framework/gpu makes such images.
     static Ptr<BaseImage> wrapGpu(void* pixels, eImageBufferType type, const ImageGeometry& geometry,
@@ -79,6 +94,14 @@ public:
     core::ProcessingResult read(data::InputArchive& archive) override;
 
 private:
+    static void* asBytes(void* pixels) { return pixels; }
+    static const void* asBytes(const void* pixels) { return pixels; }
+    static Ptr<const void> asOwner(std::shared_ptr<const void> owner)
+    {
+        const void* const pixels = owner.get();
+        return Ptr<const void>{pixels, [kept = std::move(owner)](const void*) mutable { kept.reset(); }};
+    }
+
     std::ptrdiff_t offset(std::size_t y, std::size_t z, std::size_t c, std::size_t t) const
     {
         return static_cast<std::ptrdiff_t>(y) * strides_.y + static_cast<std::ptrdiff_t>(z) * strides_.z +

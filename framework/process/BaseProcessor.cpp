@@ -14,10 +14,19 @@ BaseProcessor::~BaseProcessor() = default;
 
 ProcessingResult BaseProcessor::init(eProcessorRulePolicy policy)
 {
+    if (isRunning()) {
+        return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eAlreadyRunning, getObjectName()));
+    }
     attributes_.clear();
     rule_ = none();
     rulePolicy_ = policy;
     return initDerived(attributes_, dispatchPolicy_, rule_, policy);
+}
+
+void BaseProcessor::throwRunning(const core::SourceLocation& where) const
+{
+    core::raise<ORLIXBaseProcessingException>(getBaseProcessingLogger(), where, eProcessorMessage::eAlreadyRunning,
+                                              getObjectName());
 }
 
 void BaseProcessor::throwUninitialized(const core::SourceLocation& where) const
@@ -130,8 +139,15 @@ void BaseProcessor::cleanOnErrorDerived()
     }
 }
 
+void BaseProcessor::clearIntermediateData()
+{
+    requireIdle(ORLIX_HERE);
+    clearIntermediateDataDerived();
+}
+
 void BaseProcessor::clearInputData()
 {
+    requireIdle(ORLIX_HERE);
     for (BaseAttribute* const attribute : attributes_) {
         if (attribute->getRole() != eAttributeRole::eAR_Output) {
             attribute->clear();
@@ -141,6 +157,7 @@ void BaseProcessor::clearInputData()
 
 void BaseProcessor::clearOutputData()
 {
+    requireIdle(ORLIX_HERE);
     for (BaseAttribute* const attribute : attributes_) {
         if (attribute->getRole() == eAttributeRole::eAR_Output) {
             attribute->clear();
@@ -150,6 +167,7 @@ void BaseProcessor::clearOutputData()
 
 void BaseProcessor::copy(const BaseDynamicObject& other)
 {
+    requireIdle(ORLIX_HERE);
     core::guarded(ORLIX_HERE, [&] {
         const auto& from = dynamic_cast<const BaseProcessor&>(other);
         if (from.getClassName() != getClassName()) {
@@ -168,6 +186,9 @@ void BaseProcessor::copy(const BaseDynamicObject& other)
 ProcessingResult BaseProcessor::write(data::OutputArchive& archive) const
 {
     const std::string& typeName = getClassName();
+    if (archive.has("attributes")) {
+        return ProcessingResult::failure(core::formatMessage(data::eSerializationMessage::eSM_TakenSection, typeName));
+    }
     {
         const auto section = archive.openSection("attributes");
         for (const BaseAttribute* const attribute : attributes_) {
@@ -186,6 +207,9 @@ ProcessingResult BaseProcessor::write(data::OutputArchive& archive) const
 
 ProcessingResult BaseProcessor::read(data::InputArchive& archive)
 {
+    if (isRunning()) {
+        return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eAlreadyRunning, getObjectName()));
+    }
     return core::guarded(ORLIX_HERE, [&]() -> ProcessingResult {
         if (attributes_.empty()) {
             if (ProcessingResult result = init(eProcessorRulePolicy::eRP_CheckRules); !result) {

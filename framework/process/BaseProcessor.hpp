@@ -28,7 +28,8 @@ enum class eProcessorType
 /// A processor's attributes in their fixed order, inputs first.
 using AttributeColl = boost::container::static_vector<attr::BaseAttribute*, 8>;
 
-/// An action on attributes. Created, initialised, given its inputs, run, and asked for its outputs.
+/// An action on attributes. Created, initialised, given its inputs, run, and asked for its outputs. While it runs, it
+/// refuses whatever would change it: init() and read() fail, and the others throw ORLIXBaseProcessingException.
 class ORLIX_API BaseProcessor : public BaseAction
 {
 public:
@@ -41,6 +42,7 @@ public:
     template <class A>
     void set(typename A::Storage value)
     {
+        requireIdle(ORLIX_HERE);
         find<A>().init(std::move(value));
     }
     /// Reads an attribute; throws as set() does.
@@ -52,14 +54,18 @@ public:
     const AttributeColl& getAttributes() const { return attributes_; }
 
     const ProcessorDispatchPolicy& getDispatchPolicy() const { return dispatchPolicy_; }
-    void setDispatchPolicy(const ProcessorDispatchPolicy& policy) { dispatchPolicy_ = policy; }
+    void setDispatchPolicy(const ProcessorDispatchPolicy& policy)
+    {
+        requireIdle(ORLIX_HERE);
+        dispatchPolicy_ = policy;
+    }
 
     core::ProcessingResult execute(const RunContext& context) final;
 
-    virtual void clearInputData();
+    void clearInputData();
     /// Drops what a run leaves behind inside the processor.
-    virtual void clearIntermediateData() {}
-    virtual void clearOutputData();
+    void clearIntermediateData();
+    void clearOutputData();
     virtual eProcessorType getProcessorType() const = 0;
     virtual const std::string& getObjectName() const = 0;
     virtual const std::string& getToolTip() const = 0;
@@ -82,7 +88,8 @@ protected:
     virtual core::ProcessingResult runDerived(const RunContext& context) = 0;
     virtual core::ProcessingResult endProcess() { return {}; }
     /// After every run, whatever its result.
-    virtual void globalCleanDerived() { clearIntermediateData(); }
+    virtual void globalCleanDerived() { clearIntermediateDataDerived(); }
+    virtual void clearIntermediateDataDerived() {}
     /// After a failed run: takes back the outputs that the run itself made.
     virtual void cleanOnErrorDerived();
     /// Whether images may lie on a GPU now.
@@ -95,6 +102,13 @@ protected:
     /// Fails where so many bytes more make the results of the whole run exceed the memory limit.
     core::ProcessingResult reserveResult(std::size_t bytes) const;
 
+    /// Throws while the processor runs.
+    void requireIdle(const core::SourceLocation& where) const
+    {
+        if (isRunning()) {
+            throwRunning(where);
+        }
+    }
     /// Throws if init has not run.
     void requireInitialized(const core::SourceLocation& where) const
     {
@@ -115,6 +129,7 @@ private:
         }
         throwNoSuchAttribute(A::name, ORLIX_HERE);
     }
+    [[noreturn]] void throwRunning(const core::SourceLocation& where) const;
     [[noreturn]] void throwUninitialized(const core::SourceLocation& where) const;
     [[noreturn]] void throwNoSuchAttribute(const char* name, const core::SourceLocation& where) const;
 

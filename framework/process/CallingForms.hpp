@@ -19,7 +19,7 @@ public:
     {
         if constexpr (attr::PlanIndexedAttribute<Output>) {
             // The processor writes into this very object.
-            auto result = makePtr<typename Output::Element>();
+            auto result = data::makeRecord<typename Output::Element>();
             executeSyncRun(makeForFirstPlan<Inputs...>(result, inputs...));
             return result;
         } else {
@@ -31,7 +31,7 @@ public:
     static Ptr<Lvl1> singleAsync(const typename Inputs::Storage&... inputs)
     {
         if constexpr (attr::PlanIndexedAttribute<Output>) {
-            return start(makeForFirstPlan<Inputs...>(makePtr<typename Output::Element>(), inputs...));
+            return start(makeForFirstPlan<Inputs...>(data::makeRecord<typename Output::Element>(), inputs...));
         } else {
             return start(make<Inputs...>(inputs...));
         }
@@ -79,7 +79,7 @@ private:
     template <class... Inputs, class Element>
     static Ptr<Lvl1> makeForFirstPlan(const Ptr<Element>& result, const typename Inputs::Storage&... inputs)
     {
-        auto collection = makePtr<typename Output::Value>();
+        auto collection = data::makeRecord<typename Output::Value>();
         collection->insert({0, 0, 0}, result);
         auto processor = make<Inputs...>(inputs...);
         processor->template set<Output>(collection);

@@ -4,9 +4,13 @@
 #include <framework/process/ThreadPool.hpp>
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <thread>
 #include <utility>
+
+#include <pthread.h>
 
 namespace orlix::imaproc::executor
 {
@@ -41,40 +45,57 @@ private:
     std::size_t tasks_ = 0;
 };
 
-Submitted& submitted = *new Submitted; // libraries that unload at the program's end wait for it
+Submitted* submitted = new Submitted; // libraries that unload at the program's end wait for it
+
+std::atomic<bool> isPoolUsed{false};
+/// Set in a process that was forked from one whose pool had threads: it has none of them.
+std::atomic<bool> hasLostPool{false};
+
+[[maybe_unused]] const int watchForks = ::pthread_atfork(nullptr, nullptr, [] {
+    hasLostPool = isPoolUsed.load();
+    submitted = new Submitted; // what the parent waits for does not run here
+});
 
 } // namespace
 
 void parallelFor(std::size_t count, std::size_t grain, ePriority priority, RangeBody body)
 {
     const unsigned threads = core::settings::getNbThreads();
-    if (count <= grain || threads == 1) {
+    if (count <= grain || threads == 1 || hasLostPool) {
         if (count != 0) {
             body(0, count);
         }
         return;
     }
+    isPoolUsed = true;
     ThreadPool::getInstance().parallelFor(threads, count, std::max<std::size_t>(1, grain), priority, body);
 }
 
 void submit(ePriority priority, std::function<void()> task)
 {
-    submitted.add();
+    Submitted* const counter = submitted;
+    counter->add();
     try {
-        ThreadPool::getInstance().submit(core::settings::getNbThreads(), priority, [task = std::move(task)]() mutable {
+        auto counted = [task = std::move(task), counter]() mutable {
             task();
             task = nullptr; // what it holds goes before it counts as gone
-            submitted.remove();
-        });
+            counter->remove();
+        };
+        if (hasLostPool) {
+            std::thread{std::move(counted)}.detach();
+        } else {
+            isPoolUsed = true;
+            ThreadPool::getInstance().submit(core::settings::getNbThreads(), priority, std::move(counted));
+        }
     } catch (...) {
-        submitted.remove();
+        counter->remove();
         throw;
     }
 }
 
 void waitForSubmitted()
 {
-    submitted.wait();
+    submitted->wait();
 }
 
 } // namespace orlix::imaproc::executor

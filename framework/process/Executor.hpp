@@ -32,7 +32,9 @@ private:
     void (*call_)(const void*, std::size_t, std::size_t);
 };
 
-/// The one place where work meets threads. Every function may be called from any thread, also from inside a body.
+/// The one place where work meets threads. Every function may be called from any thread, also from inside a body. After
+/// a fork() the child has none of the parent's threads: runs that were on are not there, and new ones stay on the calling
+/// thread (asynchronous ones on one of their own).
 namespace executor
 {
 

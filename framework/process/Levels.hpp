@@ -189,10 +189,9 @@ class MergedLvl1 : public Processor<Self, BaseAsync1Processor, typename Inputs::
 {
     using Image = typename detail::FirstOf<typename Inputs::Source...>::Type;
 
-public:
-    void clearIntermediateData() override { results_.clear(); }
-
 protected:
+    void clearIntermediateDataDerived() override { results_.clear(); }
+
     Rule makeRule() const override
     {
         return detail::matchSizes(this->template attribute<typename Inputs::Source>()...);
@@ -263,10 +262,9 @@ class StripsLvl2 : public Processor<Self, BaseAsync1Processor, typename Inputs::
     using Image = typename detail::FirstOf<typename Inputs::Source...>::Type;
     using Strip = typename detail::FirstOf<typename Inputs::Target...>::Type::Strip;
 
-public:
-    void clearIntermediateData() override { results_.clear(); }
-
 protected:
+    void clearIntermediateDataDerived() override { results_.clear(); }
+
     Rule makeRule() const override
     {
         return detail::matchSizes(this->template attribute<typename Inputs::Source>()...);

@@ -18,7 +18,7 @@ namespace orlix::imaproc
 template <class Output>
 void AllocateInitializer(Output& output)
 {
-    output.setInitializer([&output] { output.assign(makePtr<typename Output::Value>()); });
+    output.setInitializer([&output] { output.assign(data::makeRecord<typename Output::Value>()); });
 }
 
 /// Allocates an unset output collection with one empty element per plan of the input image.
@@ -27,10 +27,10 @@ void FromImagePlanIndexedInitializer(Output& output, const Input& input)
 {
     output.setInitializer([&output, &input] {
         const image::PlanRange plans{input.get()->getGeometry(), Input::kind};
-        auto collection = makePtr<typename Output::Value>();
+        auto collection = data::makeRecord<typename Output::Value>();
         collection->reserve(plans.size());
         for (std::size_t i = 0; i < plans.size(); ++i) {
-            collection->insert(plans[i], makePtr<typename Output::Element>());
+            collection->insert(plans[i], data::makeRecord<typename Output::Element>());
         }
         output.assign(std::move(collection));
     });
@@ -110,11 +110,12 @@ public:
     std::unique_ptr<data::BaseDynamicObject> createNew() const final { return createNewObject(); }
     Ptr<data::BaseDynamicObject> createShared() const final { return createSharedObject(); }
 
-    /// Throws ORLIXBaseProcessingException if the processor is not initialised.
+    /// Throws ORLIXBaseProcessingException if the processor is not initialised, or runs.
     template <class A>
     requires has<A>
     void set(typename A::Storage value)
     {
+        this->requireIdle(ORLIX_HERE);
         this->requireInitialized(ORLIX_HERE);
         attribute<A>().init(std::move(value));
     }

@@ -6,27 +6,27 @@
 namespace orlix::imaproc
 {
 
-boost::mutex& ToolTipMutex()
+core::Mutex& ToolTipMutex()
 {
-    static boost::mutex mutex;
+    static core::Mutex mutex;
     return mutex;
 }
 
-boost::mutex& DispatchPolicyMutex()
+core::Mutex& DispatchPolicyMutex()
 {
-    static boost::mutex mutex;
+    static core::Mutex mutex;
     return mutex;
 }
 
-boost::mutex& VersionMutex()
+core::Mutex& VersionMutex()
 {
-    static boost::mutex mutex;
+    static core::Mutex mutex;
     return mutex;
 }
 
-boost::mutex& ForcedInstructionSetsMutex()
+core::Mutex& ForcedInstructionSetsMutex()
 {
-    static boost::mutex mutex;
+    static core::Mutex mutex;
     return mutex;
 }
 
@@ -78,7 +78,7 @@ AlgorithmClass::AlgorithmClass(Identity identity, const ProcessorCreators& creat
 
 void AlgorithmClass::forceInstructionSets(core::InstructionSetsIdentifier sets)
 {
-    const boost::mutex::scoped_lock lock{ForcedInstructionSetsMutex()};
+    const std::lock_guard lock{ForcedInstructionSetsMutex()};
     forced_ = sets;
 }
 

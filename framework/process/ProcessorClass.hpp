@@ -16,10 +16,10 @@ namespace orlix::imaproc
 {
 
 /// The mutexes of the lazily built statics, one per kind, each created on first use.
-ORLIX_API boost::mutex& ToolTipMutex();
-ORLIX_API boost::mutex& DispatchPolicyMutex();
-ORLIX_API boost::mutex& VersionMutex();
-ORLIX_API boost::mutex& ForcedInstructionSetsMutex();
+ORLIX_API core::Mutex& ToolTipMutex();
+ORLIX_API core::Mutex& DispatchPolicyMutex();
+ORLIX_API core::Mutex& VersionMutex();
+ORLIX_API core::Mutex& ForcedInstructionSetsMutex();
 
 /// Who a processor class is.
 struct Identity

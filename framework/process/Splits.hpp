@@ -144,7 +144,7 @@ public:
     explicit StaticResultSplit(std::vector<Ptr<typename A::Value>>& results) : results_{results} {}
     void assign(Child& child, std::size_t i) const
     {
-        results_[i] = makePtr<typename A::Value>();
+        results_[i] = data::makeRecord<typename A::Value>();
         child.template set<A>(results_[i]);
     }
 

@@ -9,9 +9,13 @@
 #include <gtest/gtest.h>
 
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <set>
 #include <thread>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace orlix::test
 {
@@ -205,6 +209,30 @@ TEST(Processor, KeepsItselfAliveAndReportsToNobody)
     EXPECT_EQ(image.use_count(), 1);
 }
 
+// A child of fork() has none of the parent's threads, and waits for none of its runs.
+TEST(Processor, MeasuresInAForkedChild)
+{
+#ifdef __SANITIZE_THREAD__
+    GTEST_SKIP() << "the thread sanitizer takes no threads in forked children";
+#endif
+    const auto image = makeRamp({2000, 2000});
+    const auto expected = statsMsr(image);
+    const auto pending = statsMsr_async(image);
+    const ::pid_t child = ::fork();
+    if (child == 0) {
+        ::alarm(60);
+        executor::waitForSubmitted();
+        const auto asynchronous = statsMsr_async(image);
+        const bool right = statsMsr(image)->Sum == expected->Sum && asynchronous->wait() &&
+                           getAsyncProcessorOutput(asynchronous)->Sum == expected->Sum;
+        ::_exit(right ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(pending->wait());
+}
+
 // Many callers at once, synchronous and asynchronous, share nothing.
 TEST(Processor, ServesManyThreadsAtOnce)
 {
@@ -383,6 +411,19 @@ TEST(Processor, IsCancelledBetweenStrips)
     gate.waitForOne();
     EXPECT_TRUE(parent->isRunning());
     EXPECT_EQ(parent->run(eSynchroType::eST_Synchronous).getMessage(), "Slow is already running: wait for it first");
+    // Nothing changes it while it runs.
+    data::OutputArchive archive;
+    EXPECT_TRUE(alone.write(archive));
+    data::InputArchive written{archive.str()};
+    EXPECT_FALSE(parent->init(eProcessorRulePolicy::eRP_CheckRules));
+    EXPECT_FALSE(parent->read(written));
+    const std::function<void()> changes[] = {
+        [&] { parent->set<attr::InImg>(nullptr); }, [&] { parent->clearInputData(); },
+        [&] { parent->clearIntermediateData(); },   [&] { parent->clearOutputData(); },
+        [&] { parent->copy(alone); },               [&] { parent->setDispatchPolicy({}); }};
+    for (const auto& change : changes) {
+        EXPECT_EQ(messageOf(change), "Slow is already running: wait for it first");
+    }
     parent->requestCancellation();
     gate.open();
     EXPECT_EQ(parent->wait().getMessage(), "The run was cancelled");

@@ -102,6 +102,17 @@ TEST(Archive, AProcessorComesBackWithItsValues)
     EXPECT_THROW(makeProcessor("StatsMsr3dLvl1")->copy(*processor), core::BaseException);
 }
 
+TEST(Archive, OneSectionHoldsOneProcessor)
+{
+    OutputArchive archive;
+    ASSERT_TRUE(makeProcessor("StatsMsrLvl1")->write(archive));
+    const core::ProcessingResult second = makeProcessor("GaussianNoiseMsrLvl1")->write(archive);
+    EXPECT_NE(second.getMessage().find("write the orlix::imaproc::glbmsr::GaussianNoiseMsrLvl1 into a section of its"),
+              std::string::npos);
+    const auto section = archive.openSection("another");
+    EXPECT_TRUE(makeProcessor("GaussianNoiseMsrLvl1")->write(archive));
+}
+
 TEST(Archive, AStripComesBack)
 {
     const auto strip = makeProcessor("StatsMsr3dLvl3");

@@ -120,6 +120,8 @@ TEST(SourceRoot, PathsAreRelativeToIt)
 {
     EXPECT_EQ(core::getRelativeFromRoot(__FILE__), "tests/framework/CoreTest.cpp");
     EXPECT_EQ(core::getRelativeFromRoot("/somewhere/else.cpp"), "/somewhere/else.cpp");
+    // Errors that are raised in installed headers.
+    EXPECT_EQ(core::getRelativeFromRoot("/usr/include/orlix/framework/process/X.hpp"), "framework/process/X.hpp");
 }
 
 TEST(Rule, CombinesLikeLogic)

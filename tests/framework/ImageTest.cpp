@@ -55,6 +55,15 @@ TEST(BaseImage, SubImagesShareThePixelsAndKeepTheirOwner)
         EXPECT_THROW((void)image->getSubImage({1, 0, 0}, ePlanKind::ePK_Volume3d), ImageException);
     }
     EXPECT_EQ(owner.use_count(), 2);
+    const auto standard = std::make_shared<std::vector<unsigned short>>(4);
+    {
+        const Ptr<BaseImage> image = BaseImage::wrap(standard->data(), eImageBufferType::eIBT_UInt16, {2, 2}, standard);
+        const unsigned short* const pixels = standard->data();
+        const Ptr<const BaseImage> constant = BaseImage::wrap(pixels, eImageBufferType::eIBT_UInt16, {2, 2}, standard);
+        EXPECT_EQ(standard.use_count(), 3);
+        EXPECT_EQ(constant->getRow(0), image->getRow(0));
+    }
+    EXPECT_EQ(standard.use_count(), 1);
     EXPECT_EQ(plan->getGeometry(), (ImageGeometry{2, 2}));
     EXPECT_EQ(plan->getRow(1)[1], std::byte{23});
 }

@@ -4,6 +4,8 @@
 #include <support/Maps.hpp>
 
 #include <framework/attribute/ImageAttributes.hpp>
+#include <framework/attribute/StatsResult.hpp>
+#include <framework/data/Archive.hpp>
 #include <framework/data/DynamicObjectFactory.hpp>
 #include <framework/process/BaseProcessor.hpp>
 #include <framework/process/ProcessorFactory.hpp>
@@ -57,8 +59,22 @@ TEST(Library, LoadsAndUnloads)
         ASSERT_TRUE(processor->run(eSynchroType::eST_Asynchronous));
         processor.reset();
 
+        // What a host still holds when the library is closed.
+        processor = ProcessorFactory::getInstance().createProcessor("orlix::imaproc::glbmsr::StatsMsr2dLvl1");
+        (void)processor->init(eProcessorRulePolicy::eRP_CheckRules);
+        processor->set<attr::InImg>(image::BaseImage::create(image::eImageBufferType::eIBT_UInt8, {9, 9, 2}));
+        executeSyncRun(processor);
+        const auto held = processor->getStorage<attr::OutPIStatsResult>();
+        processor.reset();
+
         EXPECT_EQ(dlclose(library), 0);
         EXPECT_FALSE(isMapped(name));
+        EXPECT_EQ(boost::dynamic_pointer_cast<attr::PlanIndexedStatsResult>(held->duplicateShared())
+                      ->getStorage({1, 0, 0})
+                      ->NbPixels,
+                  81u);
+        data::OutputArchive archive;
+        EXPECT_TRUE(archive.write("result", held.get()));
         EXPECT_EQ(data::DynamicObjectFactory::getInstance().getTypeNames().size(), dataClasses);
     }
 }

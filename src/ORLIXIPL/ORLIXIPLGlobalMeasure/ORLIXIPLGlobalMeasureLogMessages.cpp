@@ -16,21 +16,21 @@ constexpr const char* library = core::MessageMap<eORLIXIPLGlobalMeasureMessage>:
 
 const std::string& getORLIXIPLGlobalMeasureLoggerName()
 {
-    static boost::mutex mutex;
+    static core::Mutex mutex;
     static core::LazyStatic<std::string> name;
     return name.get(mutex, [] { return core::getBaseLoggerName() + "." + library; });
 }
 
 const log4cplus::Logger& getORLIXIPLGlobalMeasureLogger()
 {
-    static boost::mutex mutex;
+    static core::Mutex mutex;
     static core::LazyStatic<log4cplus::Logger> logger;
     return logger.get(mutex, [] { return core::getLibraryLogger(library); });
 }
 
 core::LogMessageManager& getORLIXIPLGlobalMeasureLogMessageManager()
 {
-    static boost::mutex mutex;
+    static core::Mutex mutex;
     static core::LazyStatic<core::LogMessageManager*> manager;
     return *manager.get(mutex, [] { return &core::LogMessageManager::getInstance(library); });
 }

@@ -13,7 +13,7 @@ ProcessorClass GlobalEntropyMsr2dLvl2::processorClass = declare<GlobalEntropyMsr
 GlobalEntropyMsr2dLvl2::GlobalEntropyMsr2dLvl2() = default;
 GlobalEntropyMsr2dLvl2::~GlobalEntropyMsr2dLvl2() = default;
 
-void GlobalEntropyMsr2dLvl2::clearIntermediateData()
+void GlobalEntropyMsr2dLvl2::clearIntermediateDataDerived()
 {
     statistics_.reset();
     histogram_.reset();

@@ -16,7 +16,7 @@ ProcessorClass XProjection2dLvl1::processorClass = declare<XProjection2dLvl1>("X
 XProjection2dLvl1::XProjection2dLvl1() = default;
 XProjection2dLvl1::~XProjection2dLvl1() = default;
 
-void XProjection2dLvl1::clearIntermediateData()
+void XProjection2dLvl1::clearIntermediateDataDerived()
 {
     parts_.clear();
     squares_.clear();

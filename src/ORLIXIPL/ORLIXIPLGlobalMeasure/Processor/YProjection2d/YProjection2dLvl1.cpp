@@ -11,7 +11,7 @@ ProcessorClass YProjection2dLvl1::processorClass = declare<YProjection2dLvl1>("Y
 YProjection2dLvl1::YProjection2dLvl1() = default;
 YProjection2dLvl1::~YProjection2dLvl1() = default;
 
-void YProjection2dLvl1::clearIntermediateData()
+void YProjection2dLvl1::clearIntermediateDataDerived()
 {
     parts_.clear();
 }

@@ -22,7 +22,8 @@ ORLIX_API Ptr<AreaPercent2dMsrLvl1> multiSlice_areaPercent2dMsr_async(const Ptr<
 ORLIX_API Ptr<AreaPercent2dMsrLvl1> multiSlice_areaPercent2dMsr_async(const Ptr<const image::BaseImage>& image,
                                                                       const Ptr<const image::BaseImage>& mask);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<Doubles> getAsyncProcessorOutput(const Ptr<AreaPercent2dMsrLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedDoubles> getAsyncProcessorMultiSliceOutput(const Ptr<AreaPercent2dMsrLvl1>& processor);
 

@@ -48,15 +48,14 @@ class CorrelationLvl2 : public StripsLvl2<Self, Child, Output, Merge, Input1, In
 {
     using Base = StripsLvl2<Self, Child, Output, Merge, Input1, Input2>;
 
-public:
-    void clearIntermediateData() override
+protected:
+    void clearIntermediateDataDerived() override
     {
-        Base::clearIntermediateData();
+        Base::clearIntermediateDataDerived();
         statistics1_.reset();
         statistics2_.reset();
     }
 
-protected:
     std::size_t retrieveSequenceInfo() const override { return 3; }
 
     Ptr<BaseProcessor> makeStage(std::size_t index) override

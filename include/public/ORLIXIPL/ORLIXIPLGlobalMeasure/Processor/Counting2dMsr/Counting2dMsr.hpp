@@ -14,7 +14,8 @@ ORLIX_API Ptr<Counting2dMsrLvl1> counting2dMsr_async(const Ptr<const image::Base
 ORLIX_API Ptr<PlanIndexedIndexableUInt64> multiSlice_counting2dMsr(const Ptr<const image::BaseImage>& labelImage);
 ORLIX_API Ptr<Counting2dMsrLvl1> multiSlice_counting2dMsr_async(const Ptr<const image::BaseImage>& labelImage);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<IndexableUInt64> getAsyncProcessorOutput(const Ptr<Counting2dMsrLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedIndexableUInt64> getAsyncProcessorMultiSliceOutput(const Ptr<Counting2dMsrLvl1>& processor);
 

@@ -38,14 +38,13 @@ ORLIX_API core::ProcessingResult makeLabelCounter(Ptr<const image::BaseImage> im
 template <class Self, class Labels, class Statistics, class StatisticsImage, class Histogram, class HistogramImage>
 class ObjectCount : public Processor<Self, BaseAsync1Processor, Labels, OutIndexableUInt64>
 {
-public:
-    void clearIntermediateData() override
+protected:
+    void clearIntermediateDataDerived() override
     {
         statistics_.reset();
         histogram_.reset();
     }
 
-protected:
     std::size_t retrieveSequenceInfo() const override { return 2; }
 
     Ptr<BaseProcessor> makeStage(std::size_t) override

@@ -13,7 +13,8 @@ namespace orlix::imaproc::glbmsr
 ORLIX_API Ptr<GaussianNoiseStats> gaussianNoiseMsr(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<GaussianNoiseMsrLvl1> gaussianNoiseMsr_async(const Ptr<const image::BaseImage>& image);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<GaussianNoiseStats> getAsyncProcessorOutput(const Ptr<GaussianNoiseMsrLvl1>& processor);
 
 } // namespace orlix::imaproc::glbmsr

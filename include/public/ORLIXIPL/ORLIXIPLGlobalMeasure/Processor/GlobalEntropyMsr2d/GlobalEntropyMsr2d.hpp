@@ -26,7 +26,8 @@ ORLIX_API Ptr<GlobalEntropyMsr2dLvl1>
 multiSlice_globalEntropyMsr2d_async(const Ptr<const image::BaseImage>& image,
                                     const Ptr<const PlanIndexedHistoMsrParams>& params);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<GlobalEntropyResult> getAsyncProcessorOutput(const Ptr<GlobalEntropyMsr2dLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedGlobalEntropyResult>
 getAsyncProcessorMultiSliceOutput(const Ptr<GlobalEntropyMsr2dLvl1>& processor);

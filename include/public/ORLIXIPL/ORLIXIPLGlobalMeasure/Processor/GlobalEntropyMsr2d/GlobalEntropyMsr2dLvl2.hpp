@@ -18,11 +18,10 @@ public:
     GlobalEntropyMsr2dLvl2();
     ~GlobalEntropyMsr2dLvl2() override;
 
-    void clearIntermediateData() override;
-
     static ProcessorClass processorClass;
 
 protected:
+    void clearIntermediateDataDerived() override;
     std::size_t retrieveSequenceInfo() const override { return 2; }
     Ptr<BaseProcessor> makeStage(std::size_t index) override;
     core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override;

@@ -21,7 +21,8 @@ ORLIX_API Ptr<HistogramMaskMsrLvl1> histogramMaskMsr_async(const Ptr<const image
                                                            const Ptr<const image::BaseImage>& mask,
                                                            const Ptr<const HistoMsrParams>& params);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<HistogramData> getAsyncProcessorOutput(const Ptr<HistogramMaskMsrLvl1>& processor);
 
 } // namespace orlix::imaproc::glbmsr

@@ -32,7 +32,8 @@ ORLIX_API Ptr<HistogramMaskMsr3dLvl1> multiSlice_histogramMaskMsr3d_async(const 
                                                                           const Ptr<const image::BaseImage>& mask,
                                                                           const Ptr<const HistoMsrParams>& params);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<HistogramData> getAsyncProcessorOutput(const Ptr<HistogramMaskMsr3dLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedHistogramData> getAsyncProcessorMultiSliceOutput(const Ptr<HistogramMaskMsr3dLvl1>& processor);
 

@@ -21,6 +21,8 @@
 namespace orlix::imaproc::glbmsr
 {
 
+using attr::createHistoMsrParamsWithBinWidth;
+using attr::eMinMaxDefinition;
 using attr::HistogramData;
 using attr::HistoMsrParams;
 using attr::InImg;
@@ -153,13 +155,13 @@ public:
         return countHistogramClasses(*this, this->template attribute<Image>(), min, max, binWidth);
     }
 
-    void clearIntermediateData() override
+protected:
+    void clearIntermediateDataDerived() override
     {
-        Counting::clearIntermediateData();
+        Counting::clearIntermediateDataDerived();
         statistics_.reset();
     }
 
-protected:
     Rule makeRule() const override
     {
         return Counting::makeRule() &&

@@ -16,7 +16,8 @@ ORLIX_API Ptr<HistogramData> histogramMsr(const Ptr<const image::BaseImage>& ima
 ORLIX_API Ptr<HistogramMsrLvl1> histogramMsr_async(const Ptr<const image::BaseImage>& image,
                                                    const Ptr<const HistoMsrParams>& params);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<HistogramData> getAsyncProcessorOutput(const Ptr<HistogramMsrLvl1>& processor);
 
 } // namespace orlix::imaproc::glbmsr

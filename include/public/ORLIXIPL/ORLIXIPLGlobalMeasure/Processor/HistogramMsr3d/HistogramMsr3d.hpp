@@ -23,7 +23,8 @@ ORLIX_API Ptr<PlanIndexedHistogramData> multiSlice_histogramMsr3d(const Ptr<cons
 ORLIX_API Ptr<HistogramMsr3dLvl1> multiSlice_histogramMsr3d_async(const Ptr<const image::BaseImage>& image,
                                                                   const Ptr<const HistoMsrParams>& params);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<HistogramData> getAsyncProcessorOutput(const Ptr<HistogramMsr3dLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedHistogramData> getAsyncProcessorMultiSliceOutput(const Ptr<HistogramMsr3dLvl1>& processor);
 

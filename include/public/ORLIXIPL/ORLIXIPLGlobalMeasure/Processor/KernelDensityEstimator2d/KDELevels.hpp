@@ -14,6 +14,7 @@
 namespace orlix::imaproc::glbmsr
 {
 
+using attr::eKDEBandwidth;
 using attr::InImg;
 using attr::InImg3d;
 using attr::InKDEBandwidthPolicy;
@@ -40,14 +41,13 @@ class DensitySample
 {
     using Positions = typename InPositions::Value;
 
-public:
-    void clearIntermediateData() override
+protected:
+    void clearIntermediateDataDerived() override
     {
         positions_.reset();
         extraction_.reset();
     }
 
-protected:
     core::ProcessingResult preProcess() override
     {
         const std::size_t nbSamples = this->template value<InKDENbSamples>();

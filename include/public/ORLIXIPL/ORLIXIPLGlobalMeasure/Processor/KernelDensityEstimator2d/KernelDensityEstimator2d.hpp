@@ -27,7 +27,8 @@ ORLIX_API Ptr<KernelDensityEstimator2dLvl1>
 multiSlice_kernelDensityEstimator2d_async(const Ptr<const image::BaseImage>& image, std::uint32_t nbSamples,
                                           const Ptr<const KDEBandwidthPolicy>& bandwidthPolicy);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<KDEDataSet> getAsyncProcessorOutput(const Ptr<KernelDensityEstimator2dLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedKDEDataSet>
 getAsyncProcessorMultiSliceOutput(const Ptr<KernelDensityEstimator2dLvl1>& processor);

@@ -26,7 +26,8 @@ ORLIX_API Ptr<KernelDensityEstimator3dLvl1>
 multiSlice_kernelDensityEstimator3d_async(const Ptr<const image::BaseImage>& image, std::uint32_t nbSamples,
                                           const Ptr<const KDEBandwidthPolicy>& bandwidthPolicy);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<KDEDataSet> getAsyncProcessorOutput(const Ptr<KernelDensityEstimator3dLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedKDEDataSet>
 getAsyncProcessorMultiSliceOutput(const Ptr<KernelDensityEstimator3dLvl1>& processor);

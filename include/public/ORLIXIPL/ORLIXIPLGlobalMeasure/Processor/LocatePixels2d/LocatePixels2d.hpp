@@ -20,7 +20,8 @@ ORLIX_API Ptr<LocatePixels2dLvl1> multiSlice_locatePixels2d_async(const Ptr<cons
 ORLIX_API Ptr<LocatePixels2dLvl1> multiSlice_locatePixels2d_async(const Ptr<const image::BaseImage>& image,
                                                                   unsigned nbFeatures);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<Pixels2d> getAsyncProcessorOutput(const Ptr<LocatePixels2dLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedPixels2d> getAsyncProcessorMultiSliceOutput(const Ptr<LocatePixels2dLvl1>& processor);
 

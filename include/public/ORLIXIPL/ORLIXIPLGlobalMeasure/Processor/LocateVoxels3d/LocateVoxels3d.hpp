@@ -20,7 +20,8 @@ ORLIX_API Ptr<LocateVoxels3dLvl1> multiSlice_locateVoxels3d_async(const Ptr<cons
 ORLIX_API Ptr<LocateVoxels3dLvl1> multiSlice_locateVoxels3d_async(const Ptr<const image::BaseImage>& image,
                                                                   unsigned nbFeatures);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<Voxels3d> getAsyncProcessorOutput(const Ptr<LocateVoxels3dLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedVoxels3d> getAsyncProcessorMultiSliceOutput(const Ptr<LocateVoxels3dLvl1>& processor);
 

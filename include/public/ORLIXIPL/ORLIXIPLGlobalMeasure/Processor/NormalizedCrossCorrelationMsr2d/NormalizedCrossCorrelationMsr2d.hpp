@@ -22,7 +22,8 @@ ORLIX_API Ptr<NormalizedCrossCorrelationMsr2dLvl1>
 multiSlice_normalizedCrossCorrelationMsr2d_async(const Ptr<const image::BaseImage>& image1,
                                                  const Ptr<const image::BaseImage>& image2);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<NCCResult> getAsyncProcessorOutput(const Ptr<NormalizedCrossCorrelationMsr2dLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedNCCResult>
 getAsyncProcessorMultiSliceOutput(const Ptr<NormalizedCrossCorrelationMsr2dLvl1>& processor);

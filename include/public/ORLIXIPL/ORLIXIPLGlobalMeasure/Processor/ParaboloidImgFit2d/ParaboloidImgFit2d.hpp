@@ -24,7 +24,8 @@ ORLIX_API Ptr<ParaboloidImgFit2dLvl1> multiSlice_paraboloidImgFit2d_async(const 
 ORLIX_API Ptr<ParaboloidImgFit2dLvl1> multiSlice_paraboloidImgFit2d_async(const Ptr<const image::BaseImage>& image,
                                                                           const Ptr<const image::BaseImage>& mask);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<ParaboloidParams3d> getAsyncProcessorOutput(const Ptr<ParaboloidImgFit2dLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedParaboloidParams3d>
 getAsyncProcessorMultiSliceOutput(const Ptr<ParaboloidImgFit2dLvl1>& processor);

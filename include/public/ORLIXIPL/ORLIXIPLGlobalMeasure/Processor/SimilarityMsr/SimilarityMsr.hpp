@@ -14,7 +14,8 @@ ORLIX_API Ptr<SimilarityStats> similarityMsr(const Ptr<const image::BaseImage>& 
 ORLIX_API Ptr<SimilarityMsrLvl1> similarityMsr_async(const Ptr<const image::BaseImage>& image1,
                                                      const Ptr<const image::BaseImage>& image2);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<SimilarityStats> getAsyncProcessorOutput(const Ptr<SimilarityMsrLvl1>& processor);
 
 } // namespace orlix::imaproc::glbmsr

@@ -13,7 +13,8 @@ ORLIX_API Ptr<StatsResult> statsMaskMsr(const Ptr<const image::BaseImage>& image
 ORLIX_API Ptr<StatsMaskMsrLvl1> statsMaskMsr_async(const Ptr<const image::BaseImage>& image,
                                                    const Ptr<const image::BaseImage>& mask);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<StatsResult> getAsyncProcessorOutput(const Ptr<StatsMaskMsrLvl1>& processor);
 
 } // namespace orlix::imaproc::glbmsr

@@ -17,7 +17,8 @@ ORLIX_API Ptr<PlanIndexedStatsResult> multiSlice_statsMaskMsr3d(const Ptr<const 
 ORLIX_API Ptr<StatsMaskMsr3dLvl1> multiSlice_statsMaskMsr3d_async(const Ptr<const image::BaseImage>& image,
                                                                   const Ptr<const image::BaseImage>& mask);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<StatsResult> getAsyncProcessorOutput(const Ptr<StatsMaskMsr3dLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedStatsResult> getAsyncProcessorMultiSliceOutput(const Ptr<StatsMaskMsr3dLvl1>& processor);
 

@@ -13,7 +13,8 @@ ORLIX_API Ptr<StatsMsr3dLvl1> statsMsr3d_async(const Ptr<const image::BaseImage>
 ORLIX_API Ptr<PlanIndexedStatsResult> multiSlice_statsMsr3d(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<StatsMsr3dLvl1> multiSlice_statsMsr3d_async(const Ptr<const image::BaseImage>& image);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<StatsResult> getAsyncProcessorOutput(const Ptr<StatsMsr3dLvl1>& processor);
 ORLIX_API Ptr<PlanIndexedStatsResult> getAsyncProcessorMultiSliceOutput(const Ptr<StatsMsr3dLvl1>& processor);
 

@@ -15,7 +15,8 @@ ORLIX_API Ptr<Doubles> xProjection2d(const Ptr<const image::BaseImage>& image, c
 ORLIX_API Ptr<XProjection2dLvl1> xProjection2d_async(const Ptr<const image::BaseImage>& image,
                                                      const eProjStatType& statistic);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<Doubles> getAsyncProcessorOutput(const Ptr<XProjection2dLvl1>& processor);
 
 } // namespace orlix::imaproc::glbmsr

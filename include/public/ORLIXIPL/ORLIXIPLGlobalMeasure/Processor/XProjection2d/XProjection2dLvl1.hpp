@@ -22,11 +22,10 @@ public:
     XProjection2dLvl1();
     ~XProjection2dLvl1() override;
 
-    void clearIntermediateData() override;
-
     static ProcessorClass processorClass;
 
 protected:
+    void clearIntermediateDataDerived() override;
     core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override;
     core::ProcessingResult postProcess() override;
 

@@ -23,7 +23,8 @@ ORLIX_API Ptr<ZProjectionImgLvl1> zProjectionImg_async(const Ptr<const image::Ba
                                                        const eProjStatType& statistic,
                                                        const Ptr<image::BaseImage>& output);
 
-/// What a run has written so far; wait for it first.
+/// The result of a run, valid once its wait() has returned success. After a failure or cancellation it is null, or the
+/// unfinished record of a single-result form.
 ORLIX_API Ptr<image::BaseImage> getAsyncProcessorOutput(const Ptr<ZProjectionImgLvl1>& processor);
 
 } // namespace orlix::imaproc::glbmsr
