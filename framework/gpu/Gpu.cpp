@@ -113,8 +113,8 @@ ProcessingResult describeSelectedGpu(GpuDescription& description)
 namespace
 {
 
-/// Whether the calling thread has used a GPU yet. The runtime does not tell, but names GPU 0 where it has not, and going
-/// back there would make a context on it.
+/// Whether the calling thread has used a GPU yet. The runtime does not tell, but names GPU 0 where it has not, and
+/// going back there would make a context on it.
 bool hasContext()
 {
     void* const driver = dlopen("libcuda.so.1", RTLD_LAZY | RTLD_NOLOAD);

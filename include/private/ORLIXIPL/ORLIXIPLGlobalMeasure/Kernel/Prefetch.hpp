@@ -41,21 +41,47 @@ public:
         }
     }
 
-    /// The same for several rows that are read side by side.
-    template <std::size_t Bytes, std::size_t Rows, class T>
-    ORLIX_KERNEL void stepOfRows(const T* const* rows, std::size_t x) const
+    ORLIX_KERNEL bool isOn() const
     {
-        if (ahead_ != 0) {
-#pragma GCC unroll 8
-            for (std::size_t r = 0; r < Rows; ++r) {
-                step<Bytes>(rows[r] + x);
-            }
-        }
+        return ahead_ != 0;
     }
 
 private:
     std::ptrdiff_t ahead_;
 };
+
+/// The same for a loop that reads several rows side by side.
+struct PrefetchRows
+{
+    Prefetch prefetch;
+
+    template <std::size_t Bytes, std::size_t Rows, class T>
+    ORLIX_KERNEL void step(const T* const* rows, std::size_t x) const
+    {
+#pragma GCC unroll 8
+        for (std::size_t r = 0; r < Rows; ++r) {
+            prefetch.step<Bytes>(rows[r] + x);
+        }
+    }
+};
+struct PrefetchNothing
+{
+    template <std::size_t Bytes, std::size_t Rows, class T>
+    ORLIX_KERNEL void step(const T* const*, std::size_t) const
+    {}
+};
+
+/// Calls `loop` with one or the other: compilers do not take the choice out of loops over rows.
+template <class Loop>
+ORLIX_KERNEL void choosePrefetch(std::size_t bytes, Loop loop)
+{
+    const Prefetch prefetch{bytes};
+    if (prefetch.isOn()) {
+        loop(PrefetchRows{prefetch});
+    } else {
+        loop(PrefetchNothing{});
+    }
+}
 
 } // namespace
 

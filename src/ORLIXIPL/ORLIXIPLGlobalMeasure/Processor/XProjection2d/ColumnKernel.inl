@@ -46,20 +46,22 @@ ORLIX_KERNEL void forPacksOfColumns(const Columns<T>& columns, OfPack pack, OfOn
 {
     constexpr std::size_t line = 64 / sizeof(T);
     constexpr std::size_t step = Lanes < line ? line : Lanes;
-    const Prefetch prefetch{columns.width * columns.count * sizeof(T)};
-    forRows(
-        columns, [&](auto count, const T* const* rows) __attribute__((always_inline)) {
-            std::size_t x = 0;
-            for (; x + step <= columns.width; x += step) {
-                prefetch.stepOfRows<step * sizeof(T), count.value>(rows, x);
+    choosePrefetch(
+        columns.width * columns.count * sizeof(T), [&](auto prefetch) __attribute__((always_inline)) {
+            forRows(
+                columns, [&](auto count, const T* const* rows) __attribute__((always_inline)) {
+                    std::size_t x = 0;
+                    for (; x + step <= columns.width; x += step) {
+                        prefetch.template step<step * sizeof(T), count.value>(rows, x);
 #pragma GCC unroll 8
-                for (std::size_t k = 0; k < step; k += Lanes) {
-                    pack(rows, count, x + k);
-                }
-            }
-            for (; x < columns.width; ++x) {
-                single(rows, count, x);
-            }
+                        for (std::size_t k = 0; k < step; k += Lanes) {
+                            pack(rows, count, x + k);
+                        }
+                    }
+                    for (; x < columns.width; ++x) {
+                        single(rows, count, x);
+                    }
+                });
         });
 }
 
@@ -261,29 +263,20 @@ struct PackSums
     Sums squares[Squares ? 2 : 1];
 };
 
+/// The sums of so many packs of columns, over at most PackSums::rows rows.
 template <bool Squares, class T, Domain::domain D>
-void addInPacks(Columns<T> columns, double* sums, double* squares)
+ORLIX_KERNEL void sumPacks(const Columns<T>& columns, PackSums<Unsigned<T>, D, Squares>* packSums, std::size_t packs)
 {
     using U = Unsigned<T>;
     using Sums = PackSums<U, D, Squares>;
     constexpr std::size_t step = lanes<T, D>;
-    constexpr std::size_t tile = 1024 / step;
     constexpr std::uint32_t offset = isSigned<T> ? 1u << (8 * sizeof(T) - 1) : 0;
-    const std::size_t packs = columns.width / step;
-    const Prefetch prefetch{columns.width * columns.count * sizeof(T)};
-    Sums packSums[tile];
-    for (std::size_t first = 0; first < packs; first += tile) {
-        const std::size_t size = packs - first < tile ? packs - first : tile;
-        for (std::size_t y = 0; y < columns.count;) {
-            const std::size_t rows = columns.count - y < Sums::rows ? columns.count - y : Sums::rows;
-            for (std::size_t k = 0; k < size; ++k) {
-                packSums[k] = Sums{};
-            }
+    choosePrefetch(
+        packs * packBytes<D> * columns.count, [&](auto prefetch) __attribute__((always_inline)) {
             forRows(
-                columns.part(first * step, size * step, y, rows), [&](auto count, const T* const* row) __attribute__((
-                                                                      always_inline)) {
-                    for (std::size_t k = 0; k < size; ++k) {
-                        prefetch.stepOfRows<packBytes<D>, count.value>(row, k * step);
+                columns, [&](auto count, const T* const* row) __attribute__((always_inline)) {
+                    for (std::size_t k = 0; k < packs; ++k) {
+                        prefetch.template step<packBytes<D>, count.value>(row, k * step);
                         Sums s = packSums[k];
 #pragma GCC unroll 8
                         for (std::size_t r = 0; r < count.value; ++r) {
@@ -293,6 +286,26 @@ void addInPacks(Columns<T> columns, double* sums, double* squares)
                         packSums[k] = s;
                     }
                 });
+        });
+}
+
+template <bool Squares, class T, Domain::domain D>
+void addInPacks(Columns<T> columns, double* sums, double* squares)
+{
+    using Sums = PackSums<Unsigned<T>, D, Squares>;
+    constexpr std::size_t step = lanes<T, D>;
+    constexpr std::size_t tile = 1024 / step;
+    constexpr double offset = isSigned<T> ? 1u << (8 * sizeof(T) - 1) : 0;
+    const std::size_t packs = columns.width / step;
+    Sums packSums[tile];
+    for (std::size_t first = 0; first < packs; first += tile) {
+        const std::size_t size = packs - first < tile ? packs - first : tile;
+        for (std::size_t y = 0; y < columns.count;) {
+            const std::size_t rows = columns.count - y < Sums::rows ? columns.count - y : Sums::rows;
+            for (std::size_t k = 0; k < size; ++k) {
+                packSums[k] = Sums{};
+            }
+            sumPacks<Squares, T, D>(columns.part(first * step, size * step, y, rows), packSums, size);
             for (std::size_t k = 0; k < size; ++k) {
                 const std::size_t x = (first + k) * step;
                 packSums[k].flush(rows, offset, sums + x, Squares ? squares + x : nullptr);
