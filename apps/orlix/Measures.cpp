@@ -326,12 +326,12 @@ void projectPlans(const Options& options, const Ptr<const BaseImage>& image, Rep
 template <class InFloat>
 std::size_t countLimited(const BaseImage& output, eImageBufferType inputType, eProjStatType statistic, InFloat inFloat)
 {
-    const auto [lowest, highest] = image::getValueRange(output.getType());
-    const auto [inputLowest, inputHighest] = image::getValueRange(inputType);
+    const image::ValueRange range = image::getValueRange(output.getType());
+    const image::ValueRange input = image::getValueRange(inputType);
     const bool isLarge = statistic == eProjStatType::ePST_Sum || statistic == eProjStatType::ePST_Var ||
                          statistic == eProjStatType::ePST_StdDev;
     if (output.getType() == eImageBufferType::eIBT_Float32 ||
-        (!isLarge && lowest <= inputLowest && inputHighest <= highest)) {
+        (!isLarge && range.lowest <= input.lowest && input.highest <= range.highest)) {
         return 0;
     }
     const std::size_t size = output.getGeometry().nbPixels();
@@ -341,11 +341,11 @@ std::size_t countLimited(const BaseImage& output, eImageBufferType inputType, eP
             return;
         }
         const T* const pixels = reinterpret_cast<const T*>(output.getRow(0));
-        if (std::any_of(pixels, pixels + size, [&](T x) { return x == lowest || x == highest; })) {
+        if (std::any_of(pixels, pixels + size, [&](T x) { return x == range.lowest || x == range.highest; })) {
             const auto wide = inFloat();
             const auto* const numbers = reinterpret_cast<const float*>(wide->getRow(0));
             limited = static_cast<std::size_t>(std::count_if(numbers, numbers + size, [&](float x) {
-                return x <= static_cast<float>(lowest) - 0.5f || x >= static_cast<float>(highest) + 0.5f;
+                return x <= static_cast<float>(range.lowest) - 0.5f || x >= static_cast<float>(range.highest) + 0.5f;
             }));
         }
     });
