@@ -33,8 +33,8 @@ private:
 };
 
 /// The one place where work meets threads. Every function may be called from any thread, also from inside a body. After
-/// a fork() the child has none of the parent's threads: runs that were on are not there, and new ones stay on the calling
-/// thread (asynchronous ones on one of their own).
+/// a fork() the child has none of the parent's threads: runs that were on are not there, and new ones stay on the
+/// calling thread (asynchronous ones on one of their own).
 namespace executor
 {
 

@@ -417,10 +417,12 @@ TEST(Processor, IsCancelledBetweenStrips)
     data::InputArchive written{archive.str()};
     EXPECT_FALSE(parent->init(eProcessorRulePolicy::eRP_CheckRules));
     EXPECT_FALSE(parent->read(written));
-    const std::function<void()> changes[] = {
-        [&] { parent->set<attr::InImg>(nullptr); }, [&] { parent->clearInputData(); },
-        [&] { parent->clearIntermediateData(); },   [&] { parent->clearOutputData(); },
-        [&] { parent->copy(alone); },               [&] { parent->setDispatchPolicy({}); }};
+    const std::function<void()> changes[] = {[&] { parent->set<attr::InImg>(nullptr); },
+                                             [&] { parent->clearInputData(); },
+                                             [&] { parent->clearIntermediateData(); },
+                                             [&] { parent->clearOutputData(); },
+                                             [&] { parent->copy(alone); },
+                                             [&] { parent->setDispatchPolicy({}); }};
     for (const auto& change : changes) {
         EXPECT_EQ(messageOf(change), "Slow is already running: wait for it first");
     }

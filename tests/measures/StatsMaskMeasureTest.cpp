@@ -85,9 +85,8 @@ TEST(StatsMaskMeasure, RefusesWhatDoesNotMatch)
 {
     const Ptr<const BaseImage> image = makeImage<short>({4, 3, 2}, std::vector<short>(24));
     const Ptr<const BaseImage> flat = makeImage<unsigned char>({4, 3}, std::vector<unsigned char>(12));
-    EXPECT_EQ(
-        messageOf([&] { statsMaskMsr(image, flat); }),
-        "StatsMaskMsrLvl1: InMaskImg has 4 x 3 pixels, but InImg has 4 x 3, 2 planes: both need the same size");
+    EXPECT_EQ(messageOf([&] { statsMaskMsr(image, flat); }),
+              "StatsMaskMsrLvl1: InMaskImg has 4 x 3 pixels, but InImg has 4 x 3, 2 planes: both need the same size");
     EXPECT_NE(messageOf([&] { multiSlice_statsMaskMsr2d(image, flat); }).find("same size"), std::string::npos);
     EXPECT_NE(messageOf([&] { statsMaskMsr3d(image, flat); }).find("InImg3d has"), std::string::npos);
     EXPECT_EQ(messageOf([&] { statsMaskMsr(image, image); }),

@@ -16,9 +16,10 @@
 /// BinWidth, or span / NbClasses, or without either span / 256; at least 1 for integer images, and span / 256 where
 /// the wish is too small. A float range of one value makes one class of width 0; a plan whose mask is empty makes one
 /// class of nothing. NaN is never counted, and where one stays the minimum or maximum of the statistics it narrows
-/// the range, so that pixels outside are not counted, either: give bounds. Pixels are compared with the bounds in single precision, and a class is
-/// found in double precision and rounded to single, so that a value just below Max may be lost above the last class,
-/// and values beyond 2^24 share classes. That is the same for every number of threads and instruction set.
+/// the range, so that pixels outside are not counted, either: give bounds. Pixels are compared with the bounds in
+/// single precision, and a class is found in double precision and rounded to single, so that a value just below Max may
+/// be lost above the last class, and values beyond 2^24 share classes. That is the same for every number of threads and
+/// instruction set.
 namespace orlix::imaproc::glbmsr
 {
 

@@ -16,9 +16,9 @@
 ///
 /// The deviation is sqrt(E[x^2] - Mean^2) in double precision, on purpose without a clamp: NaN for about half of the
 /// float images that hold one constant; of few digits where pixels are far from zero compared with their spread (floats
-/// between 1e6 and 1e6 + 1: 0.245 for 0.290; uint32 between 4294967195 and 4294967294: 45.3 for 28.8). A NaN pixel makes
-/// sum, mean and deviation NaN; as minimum or maximum it stays until the next number, so these depend on where NaN lie.
-/// A part without pixels adds nothing to a merge.
+/// between 1e6 and 1e6 + 1: 0.245 for 0.290; uint32 between 4294967195 and 4294967294: 45.3 for 28.8). A NaN pixel
+/// makes sum, mean and deviation NaN; as minimum or maximum it stays until the next number, so these depend on where
+/// NaN lie. A part without pixels adds nothing to a merge.
 ///
 /// An image on a GPU (framework/gpu) is measured there, without a mask. Its number, minimum, maximum and, where the
 /// absolute values sum to less than 2^53, the sum of integers are those of the CPU; other sums, mean and deviation may
