@@ -247,8 +247,9 @@ struct Verb
 constexpr const char* ofNaN =
     "With NaN pixels the sum, mean and deviation are NaN, and the minimum and maximum depend on where the NaN lie. The "
     "deviation is the root of E[x^2] - Mean^2 in double precision: where pixels are far from zero compared with their "
-    "spread it has few digits (float pixels between 1e6 and 1e6 + 1: 15 % off; uint32 near 4.29e9: 0 or NaN), and of "
-    "constant pixels it may be NaN.";
+    "spread it has few digits (0.245 for 0.290 where float pixels lie between 1e6 and 1e6 + 1), and of constant pixels "
+    "it "
+    "may be NaN.";
 
 constexpr Verb verbs[] = {
     {.name = "info",

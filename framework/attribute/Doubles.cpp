@@ -1,6 +1,6 @@
 #include <framework/attribute/Doubles.hpp>
 
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 
 namespace orlix::imaproc::attr
 {
@@ -10,15 +10,5 @@ namespace
 const data::DynamicClassRegistration<Doubles> element{Doubles::typeName};
 const data::DynamicClassRegistration<PlanIndexedDoubles> collection{PlanIndexedDoubles::typeName};
 } // namespace
-
-Ptr<Doubles> Doubles::create()
-{
-    return makePtr<Doubles>();
-}
-
-Ptr<PlanIndexedDoubles> PlanIndexedDoubles::create()
-{
-    return makePtr<PlanIndexedDoubles>();
-}
 
 } // namespace orlix::imaproc::attr

@@ -12,7 +12,6 @@ class ORLIX_API Doubles final : public data::DataItem<Doubles>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::Doubles";
-    static Ptr<Doubles> create();
 
     std::vector<double> Values;
 
@@ -23,7 +22,6 @@ class ORLIX_API PlanIndexedDoubles final : public PlanIndexedColl<PlanIndexedDou
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedDoubles";
-    static Ptr<PlanIndexedDoubles> create();
 };
 
 class ORLIX_API OutValues final : public ObjectOutput<OutValues, Doubles>

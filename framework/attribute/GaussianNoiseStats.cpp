@@ -1,6 +1,6 @@
 #include <framework/attribute/GaussianNoiseStats.hpp>
 
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 
 namespace orlix::imaproc::attr
 {
@@ -9,10 +9,5 @@ namespace
 {
 const data::DynamicClassRegistration<GaussianNoiseStats> registration{GaussianNoiseStats::typeName};
 } // namespace
-
-Ptr<GaussianNoiseStats> GaussianNoiseStats::create()
-{
-    return makePtr<GaussianNoiseStats>();
-}
 
 } // namespace orlix::imaproc::attr

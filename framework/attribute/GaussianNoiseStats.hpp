@@ -12,7 +12,6 @@ class ORLIX_API GaussianNoiseStats final : public data::DataItem<GaussianNoiseSt
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::GaussianNoiseStats";
-    static Ptr<GaussianNoiseStats> create();
 
     static constexpr bool definedWithoutPixels = true; ///< by NaN
 

@@ -1,6 +1,6 @@
 #include <framework/attribute/GlobalEntropyResult.hpp>
 
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 
 namespace orlix::imaproc::attr
 {
@@ -11,15 +11,5 @@ const data::DynamicClassRegistration<GlobalEntropyResult> element{GlobalEntropyR
 const data::DynamicClassRegistration<PlanIndexedGlobalEntropyResult> collection{
     PlanIndexedGlobalEntropyResult::typeName};
 } // namespace
-
-Ptr<GlobalEntropyResult> GlobalEntropyResult::create()
-{
-    return makePtr<GlobalEntropyResult>();
-}
-
-Ptr<PlanIndexedGlobalEntropyResult> PlanIndexedGlobalEntropyResult::create()
-{
-    return makePtr<PlanIndexedGlobalEntropyResult>();
-}
 
 } // namespace orlix::imaproc::attr

@@ -11,7 +11,6 @@ class ORLIX_API GlobalEntropyResult final : public data::DataItem<GlobalEntropyR
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::GlobalEntropyResult";
-    static Ptr<GlobalEntropyResult> create();
 
     double Entropy = 0; ///< in nats
 
@@ -23,7 +22,6 @@ class ORLIX_API PlanIndexedGlobalEntropyResult final
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedGlobalEntropyResult";
-    static Ptr<PlanIndexedGlobalEntropyResult> create();
 };
 
 class ORLIX_API OutGlobalEntropyResult final : public ObjectOutput<OutGlobalEntropyResult, GlobalEntropyResult>

@@ -1,6 +1,6 @@
 #include <framework/attribute/HistogramData.hpp>
 
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 
 #include <algorithm>
 #include <functional>
@@ -44,25 +44,5 @@ const data::DynamicClassRegistration<PlanIndexedHistoMsrParams> planParams{PlanI
 const data::DynamicClassRegistration<HistogramData> histogram{HistogramData::typeName};
 const data::DynamicClassRegistration<PlanIndexedHistogramData> planHistograms{PlanIndexedHistogramData::typeName};
 } // namespace
-
-Ptr<HistoMsrParams> HistoMsrParams::create()
-{
-    return makePtr<HistoMsrParams>();
-}
-
-Ptr<PlanIndexedHistoMsrParams> PlanIndexedHistoMsrParams::create()
-{
-    return makePtr<PlanIndexedHistoMsrParams>();
-}
-
-Ptr<HistogramData> HistogramData::create()
-{
-    return makePtr<HistogramData>();
-}
-
-Ptr<PlanIndexedHistogramData> PlanIndexedHistogramData::create()
-{
-    return makePtr<PlanIndexedHistogramData>();
-}
 
 } // namespace orlix::imaproc::attr

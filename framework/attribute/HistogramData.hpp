@@ -22,13 +22,11 @@ class ORLIX_API HistoMsrParams final : public data::DataItem<HistoMsrParams>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::HistoMsrParams";
-    static Ptr<HistoMsrParams> create();
 
-    double Min = 0;      ///< lower bound of the range, where the user defines it
-    double Max = 0;      ///< upper bound, itself in the last class
-    double BinWidth = 0; ///< class width, where UseBinWidth is true; at least 1 for integer images
-    std::uint32_t NbClasses =
-        0; ///< wanted number of classes, where UseBinWidth is false; 0: 256, as without parameters
+    double Min = 0;              ///< lower bound of the range, where the user defines it
+    double Max = 0;              ///< upper bound, itself in the last class
+    double BinWidth = 0;         ///< class width, where UseBinWidth is true; at least 1 for integer images
+    std::uint32_t NbClasses = 0; ///< wanted, where UseBinWidth is false; 0: 256, as without parameters
     eMinMaxDefinition MinMaxDefinition = eMinMaxDefinition::eMMD_ImgMinMax;
     bool UseBinWidth = false;
 
@@ -53,7 +51,6 @@ class ORLIX_API PlanIndexedHistoMsrParams final : public PlanIndexedColl<PlanInd
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedHistoMsrParams";
-    static Ptr<PlanIndexedHistoMsrParams> create();
 };
 
 /// The number of pixels in classes of equal width: class i covers [Min + i BinWidth, Min + (i + 1) BinWidth), and Max
@@ -62,7 +59,6 @@ class ORLIX_API HistogramData final : public data::DataItem<HistogramData>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::HistogramData";
-    static Ptr<HistogramData> create();
 
     double Min = 0;
     double Max = 0;
@@ -88,7 +84,6 @@ class ORLIX_API PlanIndexedHistogramData final : public PlanIndexedColl<PlanInde
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedHistogramData";
-    static Ptr<PlanIndexedHistogramData> create();
 };
 
 class ORLIX_API InOptHistoMsrParams final : public OptionalInput<InOptHistoMsrParams, HistoMsrParams>

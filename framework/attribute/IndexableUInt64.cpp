@@ -1,6 +1,6 @@
 #include <framework/attribute/IndexableUInt64.hpp>
 
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 
 namespace orlix::imaproc::attr
 {
@@ -10,15 +10,5 @@ namespace
 const data::DynamicClassRegistration<IndexableUInt64> element{IndexableUInt64::typeName};
 const data::DynamicClassRegistration<PlanIndexedIndexableUInt64> collection{PlanIndexedIndexableUInt64::typeName};
 } // namespace
-
-Ptr<IndexableUInt64> IndexableUInt64::create()
-{
-    return makePtr<IndexableUInt64>();
-}
-
-Ptr<PlanIndexedIndexableUInt64> PlanIndexedIndexableUInt64::create()
-{
-    return makePtr<PlanIndexedIndexableUInt64>();
-}
 
 } // namespace orlix::imaproc::attr

@@ -13,7 +13,6 @@ class ORLIX_API IndexableUInt64 final : public data::DataItem<IndexableUInt64>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::IndexableUInt64";
-    static Ptr<IndexableUInt64> create();
 
     std::uint64_t Value = 0;
 
@@ -24,7 +23,6 @@ class ORLIX_API PlanIndexedIndexableUInt64 final : public PlanIndexedColl<PlanIn
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedIndexableUInt64";
-    static Ptr<PlanIndexedIndexableUInt64> create();
 };
 
 class ORLIX_API OutIndexableUInt64 final : public ObjectOutput<OutIndexableUInt64, IndexableUInt64>

@@ -1,6 +1,6 @@
 #include <framework/attribute/KDEDataSet.hpp>
 
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -57,21 +57,6 @@ double computeBandwidth(const KDEBandwidthPolicy& policy, std::span<const double
         spread = 0.9 * (range > 0 ? std::min(spread, range / 1.34) : spread);
     }
     return spread * std::pow(static_cast<double>(values.size()), -0.2);
-}
-
-Ptr<KDEDataSet> KDEDataSet::create()
-{
-    return makePtr<KDEDataSet>();
-}
-
-Ptr<PlanIndexedKDEDataSet> PlanIndexedKDEDataSet::create()
-{
-    return makePtr<PlanIndexedKDEDataSet>();
-}
-
-Ptr<KDEBandwidthPolicy> KDEBandwidthPolicy::create()
-{
-    return makePtr<KDEBandwidthPolicy>();
 }
 
 } // namespace orlix::imaproc::attr

@@ -14,7 +14,6 @@ class ORLIX_API KDEDataSet final : public data::DataItem<KDEDataSet>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::KDEDataSet";
-    static Ptr<KDEDataSet> create();
 
     std::vector<double> Samples;
     double Bandwidth = 0; ///< the standard deviation of the kernel, in grey levels
@@ -30,7 +29,6 @@ class ORLIX_API PlanIndexedKDEDataSet final : public PlanIndexedColl<PlanIndexed
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedKDEDataSet";
-    static Ptr<PlanIndexedKDEDataSet> create();
 };
 
 /// Where a bandwidth comes from; any other value stands for Silverman's rule.
@@ -46,7 +44,6 @@ class ORLIX_API KDEBandwidthPolicy final : public data::DataItem<KDEBandwidthPol
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::KDEBandwidthPolicy";
-    static Ptr<KDEBandwidthPolicy> create();
 
     eKDEBandwidth Rule = eKDEBandwidth::eKB_Silverman;
     double Bandwidth = 0; ///< where Rule is eKB_Fixed

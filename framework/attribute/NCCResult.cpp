@@ -1,6 +1,6 @@
 #include <framework/attribute/NCCResult.hpp>
 
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 
 namespace orlix::imaproc::attr
 {
@@ -10,15 +10,5 @@ namespace
 const data::DynamicClassRegistration<NCCResult> element{NCCResult::typeName};
 const data::DynamicClassRegistration<PlanIndexedNCCResult> collection{PlanIndexedNCCResult::typeName};
 } // namespace
-
-Ptr<NCCResult> NCCResult::create()
-{
-    return makePtr<NCCResult>();
-}
-
-Ptr<PlanIndexedNCCResult> PlanIndexedNCCResult::create()
-{
-    return makePtr<PlanIndexedNCCResult>();
-}
 
 } // namespace orlix::imaproc::attr

@@ -11,7 +11,6 @@ class ORLIX_API NCCResult final : public data::DataItem<NCCResult>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::NCCResult";
-    static Ptr<NCCResult> create();
 
     double SumSquaredDev1 = 0; ///< sum of the squared deviations of image 1; of a merged record, that of image 2
     double SumSquaredDev2 = 0; ///< sum of the squared deviations of image 2; a merge leaves it as it is
@@ -29,7 +28,6 @@ class ORLIX_API PlanIndexedNCCResult final : public PlanIndexedColl<PlanIndexedN
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedNCCResult";
-    static Ptr<PlanIndexedNCCResult> create();
 };
 
 /// What is subtracted from the pixels of image 1.

@@ -10,7 +10,6 @@ class ORLIX_API ParaboloidParams3d final : public data::DataItem<ParaboloidParam
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::ParaboloidParams3d";
-    static Ptr<ParaboloidParams3d> create();
 
     double a = 0;
     double b = 0;
@@ -32,7 +31,6 @@ class ORLIX_API PlanIndexedParaboloidParams3d final
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedParaboloidParams3d";
-    static Ptr<PlanIndexedParaboloidParams3d> create();
 };
 
 class ORLIX_API OutParaboloidParams3d final : public ObjectOutput<OutParaboloidParams3d, ParaboloidParams3d>

@@ -1,6 +1,6 @@
 #include <framework/attribute/PearsonCCResult.hpp>
 
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 
 namespace orlix::imaproc::attr
 {
@@ -10,15 +10,5 @@ namespace
 const data::DynamicClassRegistration<PearsonCCResult> element{PearsonCCResult::typeName};
 const data::DynamicClassRegistration<PlanIndexedPearsonCCResult> collection{PlanIndexedPearsonCCResult::typeName};
 } // namespace
-
-Ptr<PearsonCCResult> PearsonCCResult::create()
-{
-    return makePtr<PearsonCCResult>();
-}
-
-Ptr<PlanIndexedPearsonCCResult> PlanIndexedPearsonCCResult::create()
-{
-    return makePtr<PlanIndexedPearsonCCResult>();
-}
 
 } // namespace orlix::imaproc::attr

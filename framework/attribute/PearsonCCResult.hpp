@@ -11,7 +11,6 @@ class ORLIX_API PearsonCCResult final : public data::DataItem<PearsonCCResult>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PearsonCCResult";
-    static Ptr<PearsonCCResult> create();
 
     double PearsonCC = 0; ///< the number of pixels times the coefficient r
 
@@ -22,7 +21,6 @@ class ORLIX_API PlanIndexedPearsonCCResult final : public PlanIndexedColl<PlanIn
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedPearsonCCResult";
-    static Ptr<PlanIndexedPearsonCCResult> create();
 };
 
 class ORLIX_API InImgMean1 final : public ValueInput<InImgMean1, double>

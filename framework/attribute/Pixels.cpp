@@ -1,7 +1,7 @@
 #include <framework/attribute/Pixels.hpp>
 
 #include <framework/attribute/AttributeMessages.hpp>
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 
 namespace orlix::imaproc::attr
 {
@@ -17,26 +17,6 @@ const data::DynamicClassRegistration<PlanIndexedVoxels3d> voxelsOfVolumes{PlanIn
 core::ProcessingResult failUnevenList(const char* key, std::size_t numbers, std::size_t axes)
 {
     return core::ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_UnevenList, key, numbers, axes));
-}
-
-Ptr<Pixels2d> Pixels2d::create()
-{
-    return makePtr<Pixels2d>();
-}
-
-Ptr<PlanIndexedPixels2d> PlanIndexedPixels2d::create()
-{
-    return makePtr<PlanIndexedPixels2d>();
-}
-
-Ptr<Voxels3d> Voxels3d::create()
-{
-    return makePtr<Voxels3d>();
-}
-
-Ptr<PlanIndexedVoxels3d> PlanIndexedVoxels3d::create()
-{
-    return makePtr<PlanIndexedVoxels3d>();
 }
 
 } // namespace orlix::imaproc::attr

@@ -68,14 +68,12 @@ class ORLIX_API Pixels2d final : public CoordsList<Pixels2d, image::Coords2d>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::Pixels2d";
-    static Ptr<Pixels2d> create();
 };
 
 class ORLIX_API PlanIndexedPixels2d final : public PlanIndexedColl<PlanIndexedPixels2d, Pixels2d>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedPixels2d";
-    static Ptr<PlanIndexedPixels2d> create();
 };
 
 /// Pixels of a volume.
@@ -83,14 +81,12 @@ class ORLIX_API Voxels3d final : public CoordsList<Voxels3d, image::Coords3d>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::Voxels3d";
-    static Ptr<Voxels3d> create();
 };
 
 class ORLIX_API PlanIndexedVoxels3d final : public PlanIndexedColl<PlanIndexedVoxels3d, Voxels3d>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedVoxels3d";
-    static Ptr<PlanIndexedVoxels3d> create();
 };
 
 /// The most positions that one list may have.

@@ -1,6 +1,6 @@
 #include <framework/attribute/SimilarityStats.hpp>
 
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 
 namespace orlix::imaproc::attr
 {
@@ -9,10 +9,5 @@ namespace
 {
 const data::DynamicClassRegistration<SimilarityStats> element{SimilarityStats::typeName};
 } // namespace
-
-Ptr<SimilarityStats> SimilarityStats::create()
-{
-    return makePtr<SimilarityStats>();
-}
 
 } // namespace orlix::imaproc::attr

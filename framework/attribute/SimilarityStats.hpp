@@ -12,7 +12,6 @@ class ORLIX_API SimilarityStats final : public data::DataItem<SimilarityStats>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::SimilarityStats";
-    static Ptr<SimilarityStats> create();
 
     std::uint64_t NbPixels = 0;
     double SumSquaredDiff = 0; ///< sum of (a - b)^2

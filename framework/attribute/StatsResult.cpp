@@ -1,6 +1,6 @@
 #include <framework/attribute/StatsResult.hpp>
 
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 
 namespace orlix::imaproc::attr
 {
@@ -10,15 +10,5 @@ namespace
 const data::DynamicClassRegistration<StatsResult> statsResult{StatsResult::typeName};
 const data::DynamicClassRegistration<PlanIndexedStatsResult> planIndexedStatsResult{PlanIndexedStatsResult::typeName};
 } // namespace
-
-Ptr<StatsResult> StatsResult::create()
-{
-    return makePtr<StatsResult>();
-}
-
-Ptr<PlanIndexedStatsResult> PlanIndexedStatsResult::create()
-{
-    return makePtr<PlanIndexedStatsResult>();
-}
 
 } // namespace orlix::imaproc::attr

@@ -13,7 +13,6 @@ class ORLIX_API StatsResult final : public data::DataItem<StatsResult>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::StatsResult";
-    static Ptr<StatsResult> create();
 
     static constexpr bool definedWithoutPixels = true; ///< by NaN
 
@@ -36,7 +35,6 @@ class ORLIX_API PlanIndexedStatsResult final : public PlanIndexedColl<PlanIndexe
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedStatsResult";
-    static Ptr<PlanIndexedStatsResult> create();
 };
 
 class ORLIX_API OutStatsResult final : public ObjectOutput<OutStatsResult, StatsResult>

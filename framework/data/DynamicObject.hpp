@@ -24,16 +24,9 @@ public:
     Ptr<BaseDynamicObject> createShared() const final { return makePtr<Self>(); }
 };
 
-/// A record, made by the code of the library that defines its class where the class says so by a `create()` of its own:
-/// such a record outlives any other library that asked for it.
+/// A record, made by the code of the library that registers its class (DynamicClassRegistration): so it outlives any
+/// other library that asked for it.
 template <class Record>
-Ptr<Record> makeRecord()
-{
-    if constexpr (requires { Record::create(); }) {
-        return Record::create();
-    } else {
-        return makePtr<Record>();
-    }
-}
+ORLIX_API Ptr<Record> makeRecord();
 
 } // namespace orlix::data

@@ -41,23 +41,4 @@ private:
     std::map<std::string, Creators> creators_;
 };
 
-/// Registers a class as long as it lives.
-template <class Object>
-class DynamicClassRegistration
-{
-public:
-    explicit DynamicClassRegistration(std::string typeName) : typeName_{std::move(typeName)}
-    {
-        DynamicObjectFactory::getInstance().registerClass(
-            typeName_, []() -> std::unique_ptr<BaseDynamicObject> { return std::make_unique<Object>(); },
-            []() -> Ptr<BaseDynamicObject> { return makePtr<Object>(); });
-    }
-    ~DynamicClassRegistration() { DynamicObjectFactory::getInstance().unRegisterClass(typeName_); }
-    DynamicClassRegistration(const DynamicClassRegistration&) = delete;
-    DynamicClassRegistration& operator=(const DynamicClassRegistration&) = delete;
-
-private:
-    std::string typeName_;
-};
-
 } // namespace orlix::data

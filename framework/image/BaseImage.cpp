@@ -2,7 +2,7 @@
 
 #include <framework/core/Message.hpp>
 #include <framework/data/Archive.hpp>
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 #include <framework/image/BufferSize.hpp>
 #include <framework/image/ImageMessages.hpp>
 

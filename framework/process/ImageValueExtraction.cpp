@@ -1,6 +1,6 @@
 #include <framework/process/ImageValueExtraction.hpp>
 
-#include <framework/data/DynamicObjectFactory.hpp>
+#include <framework/data/DynamicClassRegistration.hpp>
 
 #include <cmath>
 
