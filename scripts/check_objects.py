@@ -43,13 +43,13 @@ def check_exports(path):
 
 def main():
     build = pathlib.Path(sys.argv[1])
-    kernels = [p for p in build.glob("src/**/*.o") if re.search(r"Lvl3_(?!generic)[a-z0-9]+\.cpp\.o$", p.name)]
+    kernels = [p for p in build.glob("src/**/*.o") if re.search(r"Kernels_(?!generic)[a-z0-9]+\.cpp\.o$", p.name)]
     libraries = [*build.glob("src/lib*.so"), *build.glob("framework/lib*.so")]
     if not kernels or len(libraries) != 2:
         sys.exit(f"{build} holds {len(kernels)} kernel objects and {len(libraries)} libraries: is it built?")
     faults = []
     for path in kernels:
-        faults += check_kernel_object(path, re.search(r"Lvl3(_[a-z0-9]+)\.cpp", path.name).group(1))
+        faults += check_kernel_object(path, re.search(r"Kernels(_[a-z0-9]+)\.cpp", path.name).group(1))
     for path in libraries:
         faults += check_exports(path)
     print("\n".join(faults) or f"{len(kernels)} kernel objects and {len(libraries)} libraries are as they should be")

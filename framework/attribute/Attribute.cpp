@@ -10,11 +10,12 @@ using image::BaseImage;
 
 BaseAttribute::~BaseAttribute() = default;
 
-void BaseAttribute::initialize()
+void BaseAttribute::initialize(const BaseAttribute& input)
 {
     clearInitialized();
-    if (!isSet() && initializer_) {
-        initializer_();
+    if (role_ == eAttributeRole::eAR_Output && !isSet()) {
+        allocate(input);
+        setInitialized(true);
     }
 }
 
@@ -59,41 +60,131 @@ ProcessingResult checkOnePlan(const BaseAttribute& attribute, const BaseImage& i
         core::formatMessage(eAttributeMessage::eAM_NotOnePlan, attribute.getName(), toString(size), needed));
 }
 
-ProcessingResult checkStrip(const BaseAttribute& attribute, const BaseImage& image, image::ePlanKind kind,
-                            const char* elementName, std::size_t nbElements, std::size_t first, std::size_t count)
+template <class Image>
+ProcessingResult BaseImageAttribute<Image>::check() const
 {
-    ProcessingResult result = checkOnePlan(attribute, image, kind);
-    if (!result) {
-        return result;
-    }
-    if (first > nbElements || count > nbElements - first) {
-        return ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_StripOutside, attribute.getName(),
-                                                             first, count, nbElements, elementName));
-    }
-    return {};
+    ProcessingResult result = checkPixelType(*this, *this->value_, types_);
+    return result && extent_ == eExtent::eE_OnePlan ? checkOnePlan(*this, *this->value_, kind_) : result;
 }
 
-ProcessingResult writeStrip(data::OutputArchive& archive, const char* name, const BaseImage* image, std::size_t first,
-                            std::size_t count)
+template <class Image>
+void BaseImageAttribute<Image>::copy(const BaseAttribute& other)
 {
-    const auto section = archive.openSection(name);
-    archive.write("first", first);
-    archive.write("count", count);
-    return archive.write("image", image);
+    const auto& from = dynamic_cast<const BaseImageAttribute&>(other);
+    this->init(from.get());
+    this->setInitialized(from.isInitialized());
 }
 
-ProcessingResult readStrip(data::InputArchive& archive, const char* name, Ptr<BaseImage>& image, std::size_t& first,
-                           std::size_t& count)
+template <class Image>
+ProcessingResult BaseImageAttribute<Image>::write(data::OutputArchive& archive) const
 {
-    const auto section = archive.openSection(name);
-    if (!section) {
-        return ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_NoStrip, name));
-    }
-    ProcessingResult result = archive.read("first", first);
+    return archive.write(this->getName(), this->value_.get());
+}
+
+template <class Image>
+ProcessingResult BaseImageAttribute<Image>::read(data::InputArchive& archive)
+{
+    Ptr<BaseImage> image;
+    ProcessingResult result = archive.read(this->getName(), image);
     if (result) {
-        result = archive.read("count", count);
+        this->init(std::move(image));
+        this->setInitialized(this->getRole() == eAttributeRole::eAR_Output);
     }
-    return result ? archive.read("image", image) : result;
+    return result;
 }
+
+template <class Image>
+void BaseImageAttribute<Image>::take(const Share& share, const BaseAttribute& of)
+{
+    const Ptr<Image>& image = static_cast<const StoredAttribute<Ptr<Image>>&>(of).get();
+    // An image of one plan is its own sub image; an optional one may not be there.
+    const bool isWhole = image == nullptr || (share.plan == image::PlanIndex{} &&
+                                              getSubGeometry(image->getGeometry(), kind_) == image->getGeometry());
+    this->init(isWhole ? image : image->getSubImage(share.plan, kind_));
+}
+
+template <class Image>
+void BaseImageAttribute<Image>::allocate(const BaseAttribute& input)
+{
+    const BaseImage& image = *input.getImage();
+    this->init(BaseImage::create(image.getType(), this->getOutputGeometry(image.getGeometry())));
+}
+
+template class BaseImageAttribute<const BaseImage>;
+template class BaseImageAttribute<BaseImage>;
+
+template <class StripType>
+ProcessingResult BaseStripAttribute<StripType>::check() const
+{
+    const StripType& strip = this->value_;
+    ProcessingResult result = checkPixelType(*this, *strip.image, types_);
+    if (result) {
+        result = checkOnePlan(*this, *strip.image, StripType::kind);
+    }
+    const std::size_t nbElements = StripType::getNbElements(*strip.image);
+    if (result && (strip.first > nbElements || strip.count > nbElements - strip.first)) {
+        return ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_StripOutside, this->getName(),
+                                                             strip.first, strip.count, nbElements,
+                                                             StripType::elementName));
+    }
+    return result;
+}
+
+template <class StripType>
+std::optional<image::PixelBox> BaseStripAttribute<StripType>::getStripBox() const
+{
+    return isSet() ? std::optional{this->value_.getBox()} : std::nullopt;
+}
+
+template <class StripType>
+void BaseStripAttribute<StripType>::copy(const BaseAttribute& other)
+{
+    this->init(dynamic_cast<const BaseStripAttribute&>(other).get());
+}
+
+template <class StripType>
+ProcessingResult BaseStripAttribute<StripType>::write(data::OutputArchive& archive) const
+{
+    const auto section = archive.openSection(this->getName());
+    archive.write("first", this->value_.first);
+    archive.write("count", this->value_.count);
+    return archive.write("image", this->value_.image.get());
+}
+
+template <class StripType>
+ProcessingResult BaseStripAttribute<StripType>::read(data::InputArchive& archive)
+{
+    const auto section = archive.openSection(this->getName());
+    if (!section) {
+        return ProcessingResult::failure(core::formatMessage(eAttributeMessage::eAM_NoStrip, this->getName()));
+    }
+    StripType strip;
+    Ptr<BaseImage> image;
+    ProcessingResult result = archive.read("first", strip.first);
+    if (result) {
+        result = archive.read("count", strip.count);
+    }
+    if (result) {
+        result = archive.read("image", image);
+    }
+    if (result) {
+        strip.image = std::move(image);
+        this->init(std::move(strip));
+    }
+    return result;
+}
+
+template <class StripType>
+void BaseStripAttribute<StripType>::take(const Share& share, const BaseAttribute& of)
+{
+    using Image = decltype(StripType{}.image);
+    this->init({static_cast<const StoredAttribute<Image>&>(of).get(), share.first, share.count});
+}
+
+template class BaseStripAttribute<image::XStrip2d>;
+template class BaseStripAttribute<image::YStrip2d>;
+template class BaseStripAttribute<image::ZStrip3d>;
+template class BaseStripAttribute<image::SeqYStrip2d>;
+template class BaseStripAttribute<image::OutputYStrip2d>;
 
 } // namespace orlix::imaproc::attr

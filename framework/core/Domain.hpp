@@ -17,4 +17,8 @@ struct eInstructionSet
     };
 };
 
+inline constexpr eInstructionSet::domain allDomains[] = {eInstructionSet::eIS_Generic, eInstructionSet::eIS_SSE2,
+                                                         eInstructionSet::eIS_AVX, eInstructionSet::eIS_AVX2,
+                                                         eInstructionSet::eIS_AVX512};
+
 } // namespace orlix::core

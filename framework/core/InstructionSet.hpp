@@ -3,6 +3,7 @@
 #include <framework/core/Api.hpp>
 #include <framework/core/Domain.hpp>
 
+#include <bit>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -36,6 +37,11 @@ public:
 
     constexpr bool empty() const { return bits_ == 0; }
     constexpr bool contains(eInstructionSet::domain set) const { return (bits_ >> set & 1u) != 0; }
+    /// The highest of the sets; there is one.
+    constexpr eInstructionSet::domain highest() const
+    {
+        return static_cast<eInstructionSet::domain>(std::bit_width(bits_) - 1);
+    }
     constexpr bool contains(InstructionSetsIdentifier sets) const { return (sets.bits_ & ~bits_) == 0; }
     friend constexpr InstructionSetsIdentifier operator|(InstructionSetsIdentifier a, InstructionSetsIdentifier b)
     {

@@ -17,7 +17,10 @@ public:
     bool isComplexAction() const final { return false; }
     eProcessorType getProcessorType() const final { return eProcessorType::ePT_Synchronous; }
 
-    virtual const CudaFunctionSelector& getFunctionSelector() const = 0;
+    const CudaFunctionSelector& getFunctionSelector() const
+    {
+        return static_cast<CudaAlgorithmClass&>(getProcessorClass()).getFunctionSelector();
+    }
 
 protected:
     bool acceptsGpuImages() const final { return true; }

@@ -44,13 +44,13 @@ private:
 };
 
 /// A GPU level 3 class has its kernels.
-class CudaAlgorithmClass : public ProcessorClass
+class CudaAlgorithmClass final : public ProcessorClass
 {
 public:
     /// `functionRegistration` enters the kernels.
-    CudaAlgorithmClass(Identity identity, const ProcessorCreators& creators,
+    CudaAlgorithmClass(const std::type_info& type, Origin origin, const ProcessorCreators& creators,
                        void (*functionRegistration)(CudaFunctionSelector&))
-        : ProcessorClass{std::move(identity), creators}
+        : ProcessorClass{type, std::move(origin), creators}
     {
         core::guarded(ORLIX_HERE, [&] { functionRegistration(selector_); });
     }

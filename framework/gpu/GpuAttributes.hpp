@@ -7,19 +7,16 @@ namespace orlix::imaproc::attr
 {
 
 /// A plan or a volume on a GPU.
-class ORLIX_API InSubGpuImg final : public BaseImageAttribute<InSubGpuImg, const image::BaseImage,
-                                                              image::ePlanKind::ePK_Volume3d, eAttributeRole::eAR_Input>
+class ORLIX_API InSubGpuImg final : public ImageInput<InSubGpuImg, image::ePlanKind::ePK_Volume3d, eExtent::eE_OnePlan>
 {
 public:
     static constexpr const char* name = "InSubGpuImg";
 
     core::ProcessingResult check() const override
     {
-        if (!value_->isGpuImage()) {
-            return core::ProcessingResult::failure(core::formatMessage(gpu::eGpuMessage::eGM_NotOnGpu, name));
-        }
-        core::ProcessingResult result = checkPixelType(*this, *value_, image::numericTypes);
-        return result ? checkOnePlan(*this, *value_, kind) : result;
+        return value_->isGpuImage()
+                   ? ImageInput::check()
+                   : core::ProcessingResult::failure(core::formatMessage(gpu::eGpuMessage::eGM_NotOnGpu, name));
     }
 };
 

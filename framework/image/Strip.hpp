@@ -34,7 +34,7 @@ enum class eStripElement
 
 /// A band of neighbouring elements of a sub image.
 template <eStripElement Element, class Image = const BaseImage>
-struct Strip
+struct ORLIX_API Strip
 {
     static constexpr ePlanKind kind = Element == eStripElement::eSE_Plane         ? ePlanKind::ePK_Volume3d
                                       : Element == eStripElement::eSE_SequenceRow ? ePlanKind::ePK_Sequence2d

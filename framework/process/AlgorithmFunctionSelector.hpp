@@ -24,12 +24,11 @@ struct ProcessingInfo
 
 using AlgorithmFunction = core::ProcessingResult (BaseProcessingAlgorithm::*)(ProcessingInfo);
 
-/// The efficiency of a kernel: it rises with the domain, and a gain or a loss orders kernels of one domain.
-template <core::eInstructionSet::domain Set, unsigned Gain, unsigned Loss>
-struct AlgorithmFunctionEfficiency
+/// The efficiency of a kernel: it rises with the domain.
+constexpr unsigned getEfficiency(core::eInstructionSet::domain set)
 {
-    static constexpr unsigned getEfficiency() { return 100 * (Set + 1) + Gain - Loss; }
-};
+    return 100 * (set + 1);
+}
 
 /// A kernel: what it takes, what it needs, how good it is, and itself.
 struct AlgorithmFunctionIdentifier

@@ -23,6 +23,47 @@ std::string toString(const image::DataTypeIdentifierColl& types)
 
 } // namespace
 
+AlgorithmClass::AlgorithmClass(const std::type_info& type, Origin origin, const ProcessorCreators& creators,
+                               void (*functionRegistration)(AlgorithmFunctionSelector&))
+    : ProcessorClass{type, std::move(origin), creators}
+{
+    core::guarded(ORLIX_HERE, [&] { functionRegistration(selector_); });
+}
+
+void AlgorithmClass::forceInstructionSets(core::InstructionSetsIdentifier sets)
+{
+    const std::lock_guard lock{ForcedInstructionSetsMutex()};
+    forced_ = sets;
+}
+
+const AlgorithmFunctionSelector& BaseProcessingAlgorithm::getFunctionSelector() const
+{
+    return static_cast<AlgorithmClass&>(getProcessorClass()).getFunctionSelector();
+}
+
+core::InstructionSetsIdentifier BaseProcessingAlgorithm::getForcedInstructionSets() const
+{
+    return static_cast<AlgorithmClass&>(getProcessorClass()).getForcedInstructionSets();
+}
+
+void BaseProcessingAlgorithm::getDataTypeIdColl(image::DataTypeIdentifierColl& dataTypes) const
+{
+    for (const attr::BaseAttribute* const attribute : getAttributes()) {
+        if (attribute->getStripBox() && !attribute->isMask()) {
+            dataTypes.add(image::ImageBufferTypeIdentifier{attribute->getImage()->getType()});
+        }
+    }
+}
+
+void BaseProcessingAlgorithm::initDataParserColl(StripParserColl& parsers) const
+{
+    for (const attr::BaseAttribute* const attribute : getAttributes()) {
+        if (const auto box = attribute->getStripBox()) {
+            parsers.push_back(image::StripParser{*box});
+        }
+    }
+}
+
 ProcessingResult BaseProcessingAlgorithm::runDerived(const RunContext& context)
 {
     ProcessingResult result = preProcess();
@@ -67,6 +108,7 @@ ProcessingResult BaseProcessingAlgorithm::mainProcess()
         }
         info.rowSize = std::min(info.rowSize, parser.longestRun());
     }
+    domain_ = kernel->instructionSets.highest();
     ProcessingResult result = (this->*kernel->function)(info);
     clearDataParserColl(parsers_);
     return result;

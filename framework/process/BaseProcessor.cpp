@@ -1,7 +1,6 @@
 #include <framework/process/BaseProcessor.hpp>
 
 #include <framework/core/Settings.hpp>
-#include <framework/data/SerializationMessages.hpp>
 
 namespace orlix::imaproc
 {
@@ -21,6 +20,17 @@ ProcessingResult BaseProcessor::init(eProcessorRulePolicy policy)
     rule_ = none();
     rulePolicy_ = policy;
     return initDerived(attributes_, dispatchPolicy_, rule_, policy);
+}
+
+ProcessingResult BaseProcessor::initDerived(AttributeColl& attributes, ProcessorDispatchPolicy& dispatchPolicy,
+                                            Rule& rule, eProcessorRulePolicy rulePolicy)
+{
+    initAttributeColl(attributes);
+    dispatchPolicy = getProcessorClass().getDefaultDispatchPolicy();
+    if (rulePolicy != eProcessorRulePolicy::eRP_NoRules) {
+        rule = makeRule();
+    }
+    return {};
 }
 
 void BaseProcessor::throwRunning(const core::SourceLocation& where) const
@@ -83,7 +93,7 @@ ProcessingResult BaseProcessor::runSteps(const RunContext& context)
     }
     if (result) {
         for (BaseAttribute* const attribute : attributes_) {
-            attribute->initialize();
+            attribute->initialize(*attributes_.front());
         }
         result = syncInputDataDerived();
     }
@@ -116,7 +126,7 @@ ProcessingResult BaseProcessor::checkInputs() const
             return ProcessingResult::failure(
                 core::formatMessage(eProcessorMessage::eGpuImage, getObjectName(), attribute->getName()));
         }
-        if (image != nullptr && image->getGeometry().empty() && !acceptsEmptyImages()) {
+        if (image != nullptr && image->getGeometry().empty() && !attributes_.back()->isDefinedWithoutPixels()) {
             return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eEmptyImage, getObjectName(),
                                                                  attribute->getName(), toString(image->getGeometry())));
         }
@@ -165,92 +175,6 @@ void BaseProcessor::clearOutputData()
     }
 }
 
-void BaseProcessor::copy(const BaseDynamicObject& other)
-{
-    requireIdle(ORLIX_HERE);
-    core::guarded(ORLIX_HERE, [&] {
-        const auto& from = dynamic_cast<const BaseProcessor&>(other);
-        if (from.getClassName() != getClassName()) {
-            throw std::bad_cast{};
-        }
-        if (!from.attributes_.empty()) {
-            (void)init(from.rulePolicy_);
-        }
-        for (std::size_t i = 0; i < from.attributes_.size(); ++i) {
-            attributes_[i]->copy(*from.attributes_[i]);
-        }
-        dispatchPolicy_ = from.dispatchPolicy_;
-    });
-}
-
-ProcessingResult BaseProcessor::write(data::OutputArchive& archive) const
-{
-    const std::string& typeName = getClassName();
-    if (archive.has("attributes")) {
-        return ProcessingResult::failure(core::formatMessage(data::eSerializationMessage::eSM_TakenSection, typeName));
-    }
-    {
-        const auto section = archive.openSection("attributes");
-        for (const BaseAttribute* const attribute : attributes_) {
-            if (ProcessingResult result = attribute->write(archive); !result) {
-                return result;
-            }
-        }
-    }
-    if (archive.getVersion(typeName) == 0) {
-        const auto section = archive.openRootSection(typeName);
-        archive.write("version", std::uint64_t{getClassVersion()});
-        archive.registerVersion(typeName, getClassVersion());
-    }
-    return {};
-}
-
-ProcessingResult BaseProcessor::read(data::InputArchive& archive)
-{
-    if (isRunning()) {
-        return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eAlreadyRunning, getObjectName()));
-    }
-    return core::guarded(ORLIX_HERE, [&]() -> ProcessingResult {
-        if (attributes_.empty()) {
-            if (ProcessingResult result = init(eProcessorRulePolicy::eRP_CheckRules); !result) {
-                return result;
-            }
-        }
-        {
-            const auto section = archive.openSection("attributes");
-            if (!section) {
-                return ProcessingResult::failure(
-                    core::formatMessage(data::eSerializationMessage::eSM_MissingKey, "attributes", "a section"));
-            }
-            // A processor that was never initialised wrote no attributes, and reads none.
-            const bool written = !archive.getKeys().empty();
-            for (BaseAttribute* const attribute : attributes_) {
-                if (ProcessingResult result = written ? attribute->read(archive) : ProcessingResult{}; !result) {
-                    return result;
-                }
-            }
-        }
-        const std::string& typeName = getClassName();
-        unsigned version = archive.getVersion(typeName);
-        if (version == 0) {
-            const auto section = archive.openRootSection(typeName);
-            if (!section) {
-                return ProcessingResult::failure(core::formatMessage(data::eSerializationMessage::eSM_MissingKey,
-                                                                     typeName, "a section with a \"version\""));
-            }
-            if (ProcessingResult result = archive.read("version", version); !result) {
-                return result;
-            }
-        }
-        if (version > getClassVersion()) {
-            return ProcessingResult::failure(core::formatMessage(data::eSerializationMessage::eSM_NewerVersion, version,
-                                                                 getClassVersion(), typeName));
-        }
-        archive.registerVersion(typeName, version);
-        return {};
-    });
-}
-
 void executeSyncRun(const Ptr<BaseProcessor>& processor)
 {
     const ProcessingResult result = processor->run(eSynchroType::eST_Synchronous);
@@ -292,6 +216,19 @@ private:
 };
 
 } // namespace
+
+Ptr<BaseProcessor> BaseAsync1Processor::makeStageProcessor(const ProcessorClass& stageClass,
+                                                           std::initializer_list<const BaseAttribute*> inputs) const
+{
+    const Ptr<BaseProcessor> stage = stageClass.getCreators().processor();
+    (void)stage->init(eProcessorRulePolicy::eRP_CheckRules);
+    stage->setDispatchPolicy(getDispatchPolicy());
+    std::size_t i = 0;
+    for (const BaseAttribute* const input : inputs) {
+        stage->getAttributes()[i++]->copy(*input);
+    }
+    return stage;
+}
 
 Ptr<ActionProvider> makeSingleActionProvider(Ptr<BaseProcessor> processor)
 {

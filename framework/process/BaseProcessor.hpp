@@ -5,6 +5,7 @@
 #include <framework/process/BaseAction.hpp>
 #include <framework/process/BaseProcessingException.hpp>
 #include <framework/process/DispatchPolicy.hpp>
+#include <framework/process/ProcessorClass.hpp>
 #include <framework/process/ProcessorMessages.hpp>
 #include <framework/process/Rule.hpp>
 
@@ -67,9 +68,15 @@ public:
     void clearIntermediateData();
     void clearOutputData();
     virtual eProcessorType getProcessorType() const = 0;
-    virtual const std::string& getObjectName() const = 0;
-    virtual const std::string& getToolTip() const = 0;
-    virtual unsigned getClassVersion() const = 0;
+
+    /// What all processors of this one's class share.
+    virtual ProcessorClass& getProcessorClass() const = 0;
+    const std::string& getClassName() const final { return getProcessorClass().getTypeName(); }
+    virtual const std::string& getObjectName() const { return getProcessorClass().getObjectName(); }
+    virtual const std::string& getToolTip() const { return getProcessorClass().getToolTip(); }
+    unsigned getClassVersion() const { return getProcessorClass().getVersion(); }
+    std::unique_ptr<data::BaseDynamicObject> createNew() const final;
+    Ptr<data::BaseDynamicObject> createShared() const final;
 
     void copy(const BaseDynamicObject& other) override;
     core::ProcessingResult write(data::OutputArchive& archive) const override;
@@ -78,8 +85,13 @@ public:
 protected:
     BaseProcessor() = default;
 
+    /// Appends the attributes, sets the policy that the class begins with and, unless the rule policy says not to, the
+    /// rule.
     virtual core::ProcessingResult initDerived(AttributeColl& attributes, ProcessorDispatchPolicy& dispatchPolicy,
-                                               Rule& rule, eProcessorRulePolicy rulePolicy) = 0;
+                                               Rule& rule, eProcessorRulePolicy rulePolicy);
+    /// Appends the attributes, inputs first; the last is what the processor is run for.
+    virtual void initAttributeColl(AttributeColl& attributes) = 0;
+    virtual Rule makeRule() const { return none(); }
     /// Before the inputs are looked at.
     virtual core::ProcessingResult initProcess() { return {}; }
     /// Brings inputs to where the processor works, outputs to where the caller reads them.
@@ -94,13 +106,30 @@ protected:
     virtual void cleanOnErrorDerived();
     /// Whether images may lie on a GPU now.
     virtual bool acceptsGpuImages() const { return false; }
-    /// Whether an image without pixels gives a result rather than an error.
-    virtual bool acceptsEmptyImages() const { return false; }
 
     /// The run that is on.
     const RunContext& getRun() const { return *run_; }
     /// Fails where so many bytes more make the results of the whole run exceed the memory limit.
     core::ProcessingResult reserveResult(std::size_t bytes) const;
+
+    /// The record of the last attribute.
+    template <class Record>
+    Record& output() const
+    {
+        return static_cast<Record&>(*attributes_.back()->getRecord());
+    }
+    /// The attribute of a class; throws as set() does.
+    template <class A>
+    A& find() const
+    {
+        requireInitialized(ORLIX_HERE);
+        for (attr::BaseAttribute* const attribute : attributes_) {
+            if (auto* const found = dynamic_cast<A*>(attribute)) {
+                return *found;
+            }
+        }
+        throwNoSuchAttribute(A::name, ORLIX_HERE);
+    }
 
     /// Throws while the processor runs.
     void requireIdle(const core::SourceLocation& where) const
@@ -118,17 +147,6 @@ protected:
     }
 
 private:
-    template <class A>
-    A& find() const
-    {
-        requireInitialized(ORLIX_HERE);
-        for (attr::BaseAttribute* const attribute : attributes_) {
-            if (auto* const found = dynamic_cast<A*>(attribute)) {
-                return *found;
-            }
-        }
-        throwNoSuchAttribute(A::name, ORLIX_HERE);
-    }
     [[noreturn]] void throwRunning(const core::SourceLocation& where) const;
     [[noreturn]] void throwUninitialized(const core::SourceLocation& where) const;
     [[noreturn]] void throwNoSuchAttribute(const char* name, const core::SourceLocation& where) const;
@@ -164,16 +182,10 @@ protected:
     virtual std::size_t retrieveSequenceInfo() const { return 1; }
     /// The processor, with its inputs set, that stage `index` before the last one runs; null skips the stage.
     virtual Ptr<BaseProcessor> makeStage(std::size_t index) { return (void)index, nullptr; }
-    /// A processor of another class to run as a stage, with this one's policy; A are its inputs.
-    template <class Stage, class... A>
-    Ptr<Stage> makeStageProcessor(const typename A::Storage&... inputs) const
-    {
-        auto stage = makePtr<Stage>();
-        (void)stage->init(eProcessorRulePolicy::eRP_CheckRules);
-        stage->setDispatchPolicy(getDispatchPolicy());
-        (stage->template set<A>(inputs), ...);
-        return stage;
-    }
+    /// A processor of another class to run as a stage, with this one's policy; its first inputs are those of this one's
+    /// attributes.
+    Ptr<BaseProcessor> makeStageProcessor(const ProcessorClass& stageClass,
+                                          std::initializer_list<const attr::BaseAttribute*> inputs) const;
     /// The provider of stage `index` of `count`; a null provider skips the stage.
     virtual core::ProcessingResult retrieveProvider(ePriority priority, std::size_t index, std::size_t count,
                                                     Ptr<ActionProvider>& provider);

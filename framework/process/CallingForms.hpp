@@ -11,13 +11,14 @@ template <class Lvl1>
 class CallingForms
 {
     using Output = typename Lvl1::Output;
+    static constexpr bool isPerPlan = requires { typename Output::Element; };
 
 public:
     /// The result of the whole image, or of plan (0, 0, 0) where there is one result per plan.
     template <class... Inputs>
     static auto single(const typename Inputs::Storage&... inputs)
     {
-        if constexpr (attr::PlanIndexedAttribute<Output>) {
+        if constexpr (isPerPlan) {
             // The processor writes into this very object.
             auto result = data::makeRecord<typename Output::Element>();
             executeSyncRun(makeForFirstPlan<Inputs...>(result, inputs...));
@@ -30,7 +31,7 @@ public:
     template <class... Inputs>
     static Ptr<Lvl1> singleAsync(const typename Inputs::Storage&... inputs)
     {
-        if constexpr (attr::PlanIndexedAttribute<Output>) {
+        if constexpr (isPerPlan) {
             return start(makeForFirstPlan<Inputs...>(data::makeRecord<typename Output::Element>(), inputs...));
         } else {
             return start(make<Inputs...>(inputs...));
@@ -54,7 +55,7 @@ public:
     /// The output of a processor that has ended, null if it failed; neither getter waits.
     static auto output(const Ptr<Lvl1>& processor)
     {
-        if constexpr (attr::PlanIndexedAttribute<Output>) {
+        if constexpr (isPerPlan) {
             const auto collection = multiSliceOutput(processor);
             return collection ? collection->getStorage({0, 0, 0}) : nullptr;
         } else {
@@ -70,7 +71,7 @@ private:
     template <class... Inputs>
     static Ptr<Lvl1> make(const typename Inputs::Storage&... inputs)
     {
-        auto processor = makePtr<Lvl1>();
+        auto processor = Lvl1::createProcessor();
         (void)processor->init(eProcessorRulePolicy::eRP_CheckRules);
         (processor->template set<Inputs>(inputs), ...);
         return processor;

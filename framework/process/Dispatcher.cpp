@@ -1,5 +1,7 @@
 #include <framework/process/Dispatcher.hpp>
 
+#include <algorithm>
+
 namespace orlix::imaproc
 {
 

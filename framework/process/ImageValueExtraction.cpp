@@ -12,14 +12,10 @@ namespace
 
 const data::DynamicClassRegistration<ImageValueExtractionMethod> registration{ImageValueExtractionMethod::typeName};
 
-Identity makeIdentity(const char* objectName)
+Origin getOrigin()
 {
-    return {std::string{"orlix::imaproc::"} + objectName,
-            objectName,
-            core::MessageMap<eProcessorMessage>::library,
-            __FILE__,
-            [] { return std::string{"Values of an image at a list of positions"}; },
-            false};
+    return {core::MessageMap<eProcessorMessage>::library, __FILE__,
+            [] { return std::string{"Values of an image at a list of positions"}; }, false};
 }
 
 /// A pixel's number along an axis, or the axis' size if there is none.
@@ -86,14 +82,7 @@ core::ProcessingResult ImageValueExtraction<Self, SubImage, Positions>::runDeriv
                                                                      Positions::name, toString(image.getGeometry())));
 }
 
-ProcessorClass ImageValueExtraction2d::processorClass{makeIdentity("ImageValueExtraction2d"), creators()};
-
-ImageValueExtraction2d::ImageValueExtraction2d() = default;
-ImageValueExtraction2d::~ImageValueExtraction2d() = default;
-
-ProcessorClass ImageValueExtraction3d::processorClass{makeIdentity("ImageValueExtraction3d"), creators()};
-
-ImageValueExtraction3d::ImageValueExtraction3d() = default;
-ImageValueExtraction3d::~ImageValueExtraction3d() = default;
+ProcessorClass ImageValueExtraction2d::processorClass{typeid(ImageValueExtraction2d), getOrigin(), creators()};
+ProcessorClass ImageValueExtraction3d::processorClass{typeid(ImageValueExtraction3d), getOrigin(), creators()};
 
 } // namespace orlix::imaproc

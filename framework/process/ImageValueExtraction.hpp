@@ -51,9 +51,6 @@ class ORLIX_API ImageValueExtraction2d final
     : public ImageValueExtraction<ImageValueExtraction2d, attr::InSubImg2d, attr::InPixels2d>
 {
 public:
-    ImageValueExtraction2d();
-    ~ImageValueExtraction2d() override;
-
     static ProcessorClass processorClass;
 };
 
@@ -61,9 +58,6 @@ class ORLIX_API ImageValueExtraction3d final
     : public ImageValueExtraction<ImageValueExtraction3d, attr::InSubImg3d, attr::InVoxels3d>
 {
 public:
-    ImageValueExtraction3d();
-    ~ImageValueExtraction3d() override;
-
     static ProcessorClass processorClass;
 };
 

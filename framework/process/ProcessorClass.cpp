@@ -3,6 +3,8 @@
 #include <framework/core/Message.hpp>
 #include <framework/core/SourceLocation.hpp>
 
+#include <boost/core/demangle.hpp>
+
 namespace orlix::imaproc
 {
 
@@ -30,29 +32,31 @@ core::Mutex& ForcedInstructionSetsMutex()
     return mutex;
 }
 
-ProcessorClass::ProcessorClass(Identity identity, const ProcessorCreators& creators) : identity_{std::move(identity)}
+ProcessorClass::ProcessorClass(const std::type_info& type, Origin origin, const ProcessorCreators& creators)
+    : typeName_{boost::core::demangle(type.name())},
+      objectName_{typeName_.substr(typeName_.rfind(':') + 1)}, origin_{std::move(origin)}, creators_{creators}
 {
     core::guarded(ORLIX_HERE, [&] {
-        if (identity_.isListed) {
+        if (origin_.isListed) {
             ProcessorFactory::getInstance().registerProcessor(
-                getTypeName(), {getTypeName(), getObjectName(), getToolTip(), identity_.libraryName,
-                                core::getRelativeFromRoot(identity_.sourceFile), creators.processor});
+                typeName_, {typeName_, objectName_, getToolTip(), origin_.libraryName,
+                            core::getRelativeFromRoot(origin_.sourceFile), creators.processor});
         }
-        data::DynamicObjectFactory::getInstance().registerClass(getTypeName(), creators.plain, creators.shared);
+        data::DynamicObjectFactory::getInstance().registerClass(typeName_, creators.plain, creators.shared);
     });
 }
 
 ProcessorClass::~ProcessorClass()
 {
-    if (identity_.isListed) {
-        ProcessorFactory::getInstance().unRegisterProcessor(getTypeName());
+    if (origin_.isListed) {
+        ProcessorFactory::getInstance().unRegisterProcessor(typeName_);
     }
-    data::DynamicObjectFactory::getInstance().unRegisterClass(getTypeName());
+    data::DynamicObjectFactory::getInstance().unRegisterClass(typeName_);
 }
 
 const std::string& ProcessorClass::getToolTip()
 {
-    return toolTip_.get(ToolTipMutex(), identity_.toolTip);
+    return toolTip_.get(ToolTipMutex(), origin_.toolTip);
 }
 
 unsigned ProcessorClass::getVersion()
@@ -67,19 +71,6 @@ const ProcessorDispatchPolicy& ProcessorClass::getDefaultDispatchPolicy()
         policy.initDefault();
         return policy;
     });
-}
-
-AlgorithmClass::AlgorithmClass(Identity identity, const ProcessorCreators& creators,
-                               void (*functionRegistration)(AlgorithmFunctionSelector&))
-    : ProcessorClass{std::move(identity), creators}
-{
-    core::guarded(ORLIX_HERE, [&] { functionRegistration(selector_); });
-}
-
-void AlgorithmClass::forceInstructionSets(core::InstructionSetsIdentifier sets)
-{
-    const std::lock_guard lock{ForcedInstructionSetsMutex()};
-    forced_ = sets;
 }
 
 } // namespace orlix::imaproc

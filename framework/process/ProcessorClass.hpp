@@ -4,13 +4,12 @@
 #include <framework/core/InstructionSet.hpp>
 #include <framework/core/LazyStatic.hpp>
 #include <framework/data/DynamicObjectFactory.hpp>
-#include <framework/process/AlgorithmFunctionSelector.hpp>
 #include <framework/process/DispatchPolicy.hpp>
 #include <framework/process/ProcessorFactory.hpp>
 
-#include <atomic>
 #include <functional>
 #include <string>
+#include <typeinfo>
 
 namespace orlix::imaproc
 {
@@ -21,11 +20,9 @@ ORLIX_API core::Mutex& DispatchPolicyMutex();
 ORLIX_API core::Mutex& VersionMutex();
 ORLIX_API core::Mutex& ForcedInstructionSetsMutex();
 
-/// Who a processor class is.
-struct Identity
+/// Where a processor class comes from.
+struct Origin
 {
-    std::string typeName;   ///< fully qualified
-    std::string objectName; ///< without namespace
     std::string libraryName;
     const char* sourceFile = "";
     std::function<std::string()> toolTip; ///< from the library's message table
@@ -44,40 +41,28 @@ struct ProcessorCreators
 class ORLIX_API ProcessorClass
 {
 public:
-    ProcessorClass(Identity identity, const ProcessorCreators& creators);
-    ~ProcessorClass();
+    ProcessorClass(const std::type_info& type, Origin origin, const ProcessorCreators& creators);
+    virtual ~ProcessorClass();
     ProcessorClass(const ProcessorClass&) = delete;
     ProcessorClass& operator=(const ProcessorClass&) = delete;
 
-    const std::string& getTypeName() const { return identity_.typeName; }
-    const std::string& getObjectName() const { return identity_.objectName; }
+    const std::string& getTypeName() const { return typeName_; }     ///< fully qualified
+    const std::string& getObjectName() const { return objectName_; } ///< without namespace
     const std::string& getToolTip();
     unsigned getVersion();
     const ProcessorDispatchPolicy& getDefaultDispatchPolicy();
+    const ProcessorCreators& getCreators() const { return creators_; }
+    /// Whether processors of the class may run on a GPU now.
+    virtual bool mayUseGpu() const { return false; }
 
 private:
-    Identity identity_;
+    std::string typeName_;
+    std::string objectName_;
+    Origin origin_;
+    ProcessorCreators creators_;
     core::LazyStatic<std::string> toolTip_;
     core::LazyStatic<unsigned> version_;
     core::LazyStatic<ProcessorDispatchPolicy> dispatchPolicy_;
-};
-
-/// A level 3 class has its kernels, and may be forced to an instruction set.
-class ORLIX_API AlgorithmClass : public ProcessorClass
-{
-public:
-    /// `functionRegistration` enters the kernels that this machine can run.
-    AlgorithmClass(Identity identity, const ProcessorCreators& creators,
-                   void (*functionRegistration)(AlgorithmFunctionSelector&));
-
-    AlgorithmFunctionSelector& getFunctionSelector() { return selector_; }
-
-    void forceInstructionSets(core::InstructionSetsIdentifier sets);
-    core::InstructionSetsIdentifier getForcedInstructionSets() const { return forced_.load(std::memory_order_relaxed); }
-
-private:
-    AlgorithmFunctionSelector selector_;
-    std::atomic<core::InstructionSetsIdentifier> forced_{core::InstructionSetsIdentifier{}};
 };
 
 } // namespace orlix::imaproc

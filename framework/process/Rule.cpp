@@ -37,36 +37,44 @@ Rule If(Rule condition, Rule then, Rule otherwise)
     }};
 }
 
-ProcessingResult checkImagePlans(const attr::BaseAttribute& output, const attr::BasePlanIndexedColl* collection,
-                                 const attr::BaseAttribute& input, image::ePlanKind kind)
+Rule matchImagePlans(const attr::BaseAttribute& output, const attr::BaseAttribute& input)
 {
-    const image::BaseImage* const image = input.getImage();
-    if (collection == nullptr || image == nullptr) {
-        return {};
-    }
-    if (collection->size() == 1 && collection->getPlan(0) == image::PlanIndex{}) {
-        return {};
-    }
-    const image::PlanRange plans{image->getGeometry(), kind};
-    bool same = collection->size() == plans.size();
-    for (std::size_t i = 0; same && i < plans.size(); ++i) {
-        same = collection->getPlan(i) == plans[i];
-    }
-    return same ? ProcessingResult{}
-                : ProcessingResult::failure(core::formatMessage(eProcessorMessage::eWrongPlans, output.getName(),
-                                                                collection->size(), input.getName(), plans.size()));
+    return Rule{[&output, &input]() -> ProcessingResult {
+        const auto record = output.getRecord();
+        const auto* const collection = dynamic_cast<const attr::BasePlanIndexedColl*>(record.get());
+        const image::BaseImage* const image = input.getImage();
+        if (collection == nullptr || image == nullptr) {
+            return {};
+        }
+        if (collection->size() == 1 && collection->getPlan(0) == image::PlanIndex{}) {
+            return {};
+        }
+        const image::PlanRange plans{image->getGeometry(), input.getPlanKind()};
+        bool same = collection->size() == plans.size();
+        for (std::size_t i = 0; same && i < plans.size(); ++i) {
+            same = collection->getPlan(i) == plans[i];
+        }
+        return same ? ProcessingResult{}
+                    : ProcessingResult::failure(core::formatMessage(eProcessorMessage::eWrongPlans, output.getName(),
+                                                                    collection->size(), input.getName(), plans.size()));
+    }};
 }
 
-ProcessingResult checkOutputSize(const attr::BaseAttribute& output, const attr::BaseAttribute& input,
-                                 const image::ImageGeometry& needed)
+Rule matchOutputSize(const attr::BaseAttribute& output, const attr::BaseAttribute& input)
 {
-    const image::ImageGeometry& size = output.getImage()->getGeometry();
-    if (size == needed) {
-        return {};
-    }
-    return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eWrongOutputSize, output.getName(),
-                                                         toString(size), toString(needed), input.getName(),
-                                                         toString(input.getImage()->getGeometry())));
+    return Rule{[&output, &input]() -> ProcessingResult {
+        if (!output.isSet() || !input.isSet()) {
+            return {};
+        }
+        const image::ImageGeometry& size = output.getImage()->getGeometry();
+        const image::ImageGeometry& inputSize = input.getImage()->getGeometry();
+        const image::ImageGeometry needed = output.getOutputGeometry(inputSize);
+        return size == needed
+                   ? ProcessingResult{}
+                   : ProcessingResult::failure(core::formatMessage(eProcessorMessage::eWrongOutputSize,
+                                                                   output.getName(), toString(size), toString(needed),
+                                                                   input.getName(), toString(inputSize)));
+    }};
 }
 
 Rule matchSize(const attr::BaseAttribute& first, const attr::BaseAttribute& second)

@@ -37,33 +37,13 @@ inline Rule none()
 /// `then` where `condition` is satisfied, else `otherwise`.
 ORLIX_API Rule If(Rule condition, Rule then, Rule otherwise);
 
-ORLIX_API core::ProcessingResult checkImagePlans(const attr::BaseAttribute& output,
-                                                 const attr::BasePlanIndexedColl* collection,
-                                                 const attr::BaseAttribute& input, image::ePlanKind kind);
-
 /// A collection that the caller supplied has exactly the plans of the input image, or plan (0, 0, 0) alone, as the
 /// single-result entry functions make it. Both attributes outlive the rule.
-template <attr::PlanIndexedAttribute Output, attr::ImageAttribute Input>
-Rule matchImagePlans(const Output& output, const Input& input)
-{
-    return Rule{[&output, &input] { return checkImagePlans(output, output.get().get(), input, Input::kind); }};
-}
-
-ORLIX_API core::ProcessingResult checkOutputSize(const attr::BaseAttribute& output, const attr::BaseAttribute& input,
-                                                 const image::ImageGeometry& needed);
+ORLIX_API Rule matchImagePlans(const attr::BaseAttribute& output, const attr::BaseAttribute& input);
 
 /// An output image that the caller supplied has the sizes that follow from those of the input image. Both attributes
 /// outlive the rule.
-template <attr::ImageOutputAttribute Output, attr::ImageAttribute Input>
-Rule matchOutputSize(const Output& output, const Input& input)
-{
-    return Rule{[&output, &input]() -> core::ProcessingResult {
-        if (!output.isSet() || !input.isSet()) {
-            return {};
-        }
-        return checkOutputSize(output, input, Output::geometryFor(input.get()->getGeometry()));
-    }};
-}
+ORLIX_API Rule matchOutputSize(const attr::BaseAttribute& output, const attr::BaseAttribute& input);
 
 /// Both images have the same size; satisfied where one is not set. The attributes outlive the rule.
 ORLIX_API Rule matchSize(const attr::BaseAttribute& first, const attr::BaseAttribute& second);

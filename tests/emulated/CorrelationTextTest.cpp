@@ -2,8 +2,10 @@
 #include <support/PixelTypes.hpp>
 #include <support/TestImages.hpp>
 
-#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/NormalizedCrossCorrelationMsr2d/DeviationKernel.inl"
-#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SimilarityMsr/SimilarityMsrKernel.inl"
+#include <framework/process/KernelTables.hpp>
+
+#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Correlation/DeviationKernels.inl"
+#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SimilarityMsr/SimilarityKernels.inl"
 
 namespace orlix::test
 {
@@ -51,13 +53,13 @@ TYPED_TEST(CorrelationText, IsThatOfOtherDomains)
             }
             return all;
         };
-        const auto expected = run(deviationKernel<T, Domain::eIS_Generic>, false);
-        EXPECT_EQ(run(deviationKernel<T, Domain::eIS_SSE2>, false), expected);
-        EXPECT_EQ(run(deviationKernel<T, Domain::eIS_AVX512>, false), expected);
+        const auto expected = run(kernelOf<T>(deviationKernels<Domain::eIS_Generic>), false);
+        EXPECT_EQ(run(kernelOf<T>(deviationKernels<Domain::eIS_SSE2>), false), expected);
+        EXPECT_EQ(run(kernelOf<T>(deviationKernels<Domain::eIS_AVX512>), false), expected);
         if constexpr (sizeof(T) == 4) {
-            EXPECT_EQ(run(deviationKernel<T, Domain::eIS_Generic>, true), expected);
-            EXPECT_EQ(run(deviationKernel<T, Domain::eIS_SSE2>, true), expected);
-            EXPECT_EQ(run(deviationKernel<T, Domain::eIS_AVX512>, true), expected);
+            EXPECT_EQ(run(kernelOf<T>(deviationKernels<Domain::eIS_Generic>), true), expected);
+            EXPECT_EQ(run(kernelOf<T>(deviationKernels<Domain::eIS_SSE2>), true), expected);
+            EXPECT_EQ(run(kernelOf<T>(deviationKernels<Domain::eIS_AVX512>), true), expected);
         }
     }
     if constexpr (sizeof(T) < 4) {
@@ -71,9 +73,9 @@ TYPED_TEST(CorrelationText, IsThatOfOtherDomains)
                                        static_cast<double>(totals.squares2)};
         };
         const auto compare = [&](const std::vector<T>& a, const std::vector<T>& b) {
-            const auto& generic = deviationKernel<T, Domain::eIS_Generic>;
-            const auto& sse2 = deviationKernel<T, Domain::eIS_SSE2>;
-            const auto& avx512 = deviationKernel<T, Domain::eIS_AVX512>;
+            const auto& generic = kernelOf<T>(deviationKernels<Domain::eIS_Generic>);
+            const auto& sse2 = kernelOf<T>(deviationKernels<Domain::eIS_SSE2>);
+            const auto& avx512 = kernelOf<T>(deviationKernels<Domain::eIS_AVX512>);
             EXPECT_EQ(exactly(sse2.cross, a, b), exactly(generic.cross, a, b));
             EXPECT_EQ(exactly(avx512.cross, a, b), exactly(generic.cross, a, b));
             EXPECT_EQ(exactly(sse2.products, a, b), exactly(generic.products, a, b));

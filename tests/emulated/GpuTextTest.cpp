@@ -3,10 +3,9 @@
 #include <support/ReferenceStats.hpp>
 #include <support/TestImages.hpp>
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsGpu.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Stats/StatsGpu.hpp>
 
-#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2dGpuLvl3.cu"
-#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr3d/StatsMsr3dGpuLvl3.cu"
+#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Stats/StatsGpu.cu"
 
 namespace orlix::imaproc::glbmsr::device
 {

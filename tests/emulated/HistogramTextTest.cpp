@@ -3,7 +3,7 @@
 #include <support/PixelTypes.hpp>
 #include <support/TestImages.hpp>
 
-#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramMsrKernel.inl"
+#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramKernels.inl"
 
 namespace orlix::test
 {

@@ -2,9 +2,11 @@
 #include <support/PixelTypes.hpp>
 #include <support/TestImages.hpp>
 
-#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/AreaPercent2dMsr/PercentKernel.inl"
-#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GaussianNoiseMsr/GaussianNoiseMsrKernel.inl"
-#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/ParaboloidImgFit2d/ParaboloidKernel.inl"
+#include <framework/process/KernelTables.hpp>
+
+#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GaussianNoiseMsr/GaussianNoiseKernels.inl"
+#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/ParaboloidImgFit2d/ParaboloidKernels.inl"
+#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Percent/PercentKernels.inl"
 
 #include <numeric>
 
@@ -37,8 +39,9 @@ TYPED_TEST(RowText, IsThatOfOtherDomains)
             addResponses<T, D>(rows[0].data(), rows[1].data(), rows[2].data(), size, responses);
             std::vector<double> all(std::begin(responses.laneSums), std::end(responses.laneSums));
             all.push_back(static_cast<double>(responses.sum));
-            const RowSums one = paraboloidKernel<T, D>.sum({rows[0].data(), size}, columns.data());
-            const RowSums two = paraboloidKernel<T, D>.sumMasked({rows[0].data(), size, mask.data()}, columns.data());
+            const RowSums one = kernelOf<T>(paraboloidKernels<D>).sum({rows[0].data(), size}, columns.data());
+            const RowSums two =
+                kernelOf<T>(paraboloidKernels<D>).sumMasked({rows[0].data(), size, mask.data()}, columns.data());
             all.insert(all.end(),
                        {one.z, one.xz, one.x2z, two.z, two.xz, two.x2z, two.n, two.x, two.x2, two.x3, two.x4});
             return all;
@@ -86,9 +89,9 @@ TEST(LabelText, IsThatOfOtherDomains)
         const std::vector<std::uint64_t> expected{sum, selected, *std::max_element(bytes.begin(), bytes.end()),
                                                   *std::max_element(words.begin(), words.end()),
                                                   *std::max_element(numbers.begin(), numbers.end())};
-        EXPECT_EQ(run(everyPercentKernel<Domain::eIS_Generic>), expected);
-        EXPECT_EQ(run(everyPercentKernel<Domain::eIS_SSE2>), expected);
-        EXPECT_EQ(run(everyPercentKernel<Domain::eIS_AVX512>), expected);
+        EXPECT_EQ(run(percentKernels<Domain::eIS_Generic>), expected);
+        EXPECT_EQ(run(percentKernels<Domain::eIS_SSE2>), expected);
+        EXPECT_EQ(run(percentKernels<Domain::eIS_AVX512>), expected);
     }
 }
 

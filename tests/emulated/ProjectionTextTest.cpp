@@ -3,9 +3,11 @@
 #include <support/ReferenceProjection.hpp>
 #include <support/TestImages.hpp>
 
-#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SeqProjectionImg/PixelWriter.inl"
-#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/XProjection2d/ColumnKernel.inl"
-#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/YProjection2d/RowKernel.inl"
+#include <framework/process/KernelTables.hpp>
+
+#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Projection/ColumnKernels.inl"
+#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Projection/PixelWriterKernels.inl"
+#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Projection/RowKernels.inl"
 
 namespace orlix::test
 {
@@ -30,19 +32,19 @@ void forTexts(Visitor visit)
 template <class T, Domain::domain D>
 struct ColumnText
 {
-    static ColumnKernel<T> get() { return columnKernel<T, D>; }
+    static ColumnKernel<T> get() { return kernelOf<T>(columnKernels<D>); }
 };
 
 template <class T, Domain::domain D>
 struct RowText
 {
-    static RowKernel<T> get() { return rowKernel<T, D>; }
+    static RowKernel<T> get() { return kernelOf<T>(rowKernels<D>); }
 };
 
 template <class T, Domain::domain D>
 struct WriterText
 {
-    static PixelWriter<T> get() { return pixelWriter<T, D>; }
+    static PixelWriter<T> get() { return kernelOf<T>(pixelWriterKernels<D>); }
 };
 
 /// Noise with ties, extremes and, among floats, NaN.

@@ -5,7 +5,7 @@
 #include <support/PixelTypes.hpp>
 #include <support/TestImages.hpp>
 
-#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsrKernel.inl"
+#include "../../src/ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Stats/StatsKernels.inl"
 
 namespace orlix::test
 {

@@ -291,69 +291,61 @@ private:
     int passed_ = 0;
 };
 
+Origin getOrigin()
+{
+    return {"test", __FILE__, [] { return std::string{"of a test"}; }, false};
+}
+
 /// A child whose runs pass the gate; it stands for a strip.
-class Slow : public BaseProcessor
+class Slow final : public Processor<Slow, BaseProcessor, OutStatsResult>
 {
 public:
     static Gate* gate;
+    static ProcessorClass processorClass;
 
     bool isComplexAction() const override { return false; }
     eProcessorType getProcessorType() const override { return eProcessorType::ePT_Synchronous; }
-    const std::string& getObjectName() const override { return name(); }
-    const std::string& getToolTip() const override { return name(); }
-    const std::string& getClassName() const override { return name(); }
-    unsigned getClassVersion() const override { return 1; }
-    std::unique_ptr<data::BaseDynamicObject> createNew() const override { return nullptr; }
-    Ptr<data::BaseDynamicObject> createShared() const override { return nullptr; }
 
 protected:
-    core::ProcessingResult initDerived(AttributeColl& attributes, ProcessorDispatchPolicy&, Rule&,
-                                       eProcessorRulePolicy) override
-    {
-        attributes.push_back(&output_);
-        return {};
-    }
     core::ProcessingResult runDerived(const RunContext& context) override
     {
         gate->pass();
         context.advance();
         return {};
     }
-
-private:
-    static const std::string& name()
-    {
-        static const std::string text = "Slow";
-        return text;
-    }
-    OutStatsResult output_;
 };
 Gate* Slow::gate = nullptr;
+ProcessorClass Slow::processorClass{typeid(Slow), getOrigin(), creators()};
 
 /// Takes an image; its run throws.
-class Throwing final : public Slow
+class Throwing final : public Processor<Throwing, BaseProcessor, InImg>
 {
 public:
-    core::ProcessingResult initDerived(AttributeColl& attributes, ProcessorDispatchPolicy&, Rule&,
-                                       eProcessorRulePolicy) override
-    {
-        attributes.push_back(&input_);
-        return {};
-    }
+    static ProcessorClass processorClass;
+
+    bool isComplexAction() const override { return false; }
+    eProcessorType getProcessorType() const override { return eProcessorType::ePT_Synchronous; }
+
+protected:
     core::ProcessingResult runDerived(const RunContext&) override { throw std::runtime_error{"thrown inside"}; }
-
-private:
-    InImg input_;
 };
+ProcessorClass Throwing::processorClass{typeid(Throwing), getOrigin(), creators()};
 
-/// Runs 100 slow children.
-class Parent final : public Slow
+/// Runs a slow child per plan.
+class Parent final : public Processor<Parent, Level, InImg, OutStatsResult>
 {
-    core::ProcessingResult runDerived(const RunContext& context) override
-    {
-        return makeDynamicDispatcher<Slow>(ePriority::eP_Normal, getDispatchPolicy(), 100)->process(context);
-    }
+public:
+    static LevelClass processorClass;
 };
+LevelClass Parent::processorClass{typeid(Parent), getOrigin(), creators(), {childOf<Parent, Slow>()}, byItself};
+
+/// 100 children, each in a range of its own.
+void prepare(Parent& parent)
+{
+    ASSERT_TRUE(parent.init(eProcessorRulePolicy::eRP_CheckRules));
+    parent.set<InImg>(makeRamp({1, 1, 100}));
+    parent.setDispatchPolicy({1});
+}
 
 } // namespace
 
@@ -364,10 +356,10 @@ TEST(Processor, TurnsExceptionsIntoResults)
     ASSERT_TRUE(processor.init(eProcessorRulePolicy::eRP_CheckRules));
     BaseProcessor& base = processor;
     base.set<InImg>(makeRamp({2, 2}));
-    EXPECT_EQ(base.run(eSynchroType::eST_Synchronous).getMessage(), "Slow: thrown inside");
+    EXPECT_EQ(base.run(eSynchroType::eST_Synchronous).getMessage(), "Throwing: thrown inside");
     base.set<InImg>(makeRamp({2, 2, 0}));
     EXPECT_EQ(base.run(eSynchroType::eST_Synchronous).getMessage(),
-              "Slow: InImg is empty (2 x 2, 0 planes): an image with pixels is needed");
+              "Throwing: InImg is empty (2 x 2, 0 planes): an image with pixels is needed");
     EXPECT_FALSE(base.isRunning());
 }
 
@@ -400,17 +392,19 @@ TEST(Processor, IsCancelledBetweenStrips)
     Gate gate;
     Slow::gate = &gate;
     auto parent = makePtr<Parent>();
+    const std::string parentName = parent->getClassName();
     Parent alone;
-    ASSERT_TRUE(alone.init(eProcessorRulePolicy::eRP_CheckRules)); // nothing keeps it alive, so it cannot be left alone
+    prepare(alone); // nothing keeps it alive, so it cannot be left alone
     for (int i = 0; i < 2; ++i) {
         EXPECT_EQ(alone.run(eSynchroType::eST_Asynchronous).getMessage(),
-                  "Slow runs asynchronously only where a shared pointer holds it");
+                  parentName + " runs asynchronously only where a shared pointer holds it");
     }
-    ASSERT_TRUE(parent->init(eProcessorRulePolicy::eRP_CheckRules));
+    prepare(*parent);
     ASSERT_TRUE(parent->run(eSynchroType::eST_Asynchronous));
     gate.waitForOne();
     EXPECT_TRUE(parent->isRunning());
-    EXPECT_EQ(parent->run(eSynchroType::eST_Synchronous).getMessage(), "Slow is already running: wait for it first");
+    EXPECT_EQ(parent->run(eSynchroType::eST_Synchronous).getMessage(),
+              parentName + " is already running: wait for it first");
     // Nothing changes it while it runs.
     data::OutputArchive archive;
     EXPECT_TRUE(alone.write(archive));
@@ -424,7 +418,7 @@ TEST(Processor, IsCancelledBetweenStrips)
                                              [&] { parent->copy(alone); },
                                              [&] { parent->setDispatchPolicy({}); }};
     for (const auto& change : changes) {
-        EXPECT_EQ(messageOf(change), "Slow is already running: wait for it first");
+        EXPECT_EQ(messageOf(change), "Parent is already running: wait for it first");
     }
     parent->requestCancellation();
     gate.open();

@@ -1,6 +1,6 @@
 #include <support/TestImages.hpp>
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2dLvl1.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2d.hpp>
 #include <framework/attribute/ImageAttributes.hpp>
 #include <framework/attribute/StatsResult.hpp>
 #include <framework/data/Archive.hpp>

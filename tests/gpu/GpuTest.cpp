@@ -52,6 +52,25 @@ Ptr<const BaseImage> pretendGpuImage(const Ptr<BaseImage>& host)
     return BaseImage::wrapGpu(host->getRow(0), host->getType(), host->getGeometry(), host->getStrides(), host);
 }
 
+/// A level that finds a sum of 42, in the place of the GPU's.
+class FortyTwo final : public Processor<FortyTwo, BaseProcessor, OutStatsResult>
+{
+public:
+    static ProcessorClass processorClass;
+
+    bool isComplexAction() const override { return false; }
+    eProcessorType getProcessorType() const override { return eProcessorType::ePT_Synchronous; }
+
+protected:
+    core::ProcessingResult runDerived(const RunContext&) override
+    {
+        value<OutStatsResult>().Sum = 42;
+        return {};
+    }
+};
+ProcessorClass FortyTwo::processorClass{
+    typeid(FortyTwo), {"test", __FILE__, [] { return std::string{"of a test"}; }, false}, creators()};
+
 } // namespace
 
 // Without a GPU everything says so, in the words of the CUDA runtime, and nothing is activated.
@@ -98,10 +117,7 @@ TEST(Gpu, LevelsHandItsImagesOn)
         EXPECT_EQ(messageOf([&] { measure(pretendGpuImage(image)); }), reason);
         EXPECT_EQ(measure(image)->Sum, 21);
         // What the GPU level writes is the result: nothing is merged over it.
-        variant->launch = [](ePriority priority, BaseProcessor& level2) -> Ptr<ActionProvider> {
-            level2.getStorage<OutStatsResult>()->Sum = 42;
-            return makeStaticDispatcher<StatsMsr2dLvl3>(priority, level2.getDispatchPolicy(), 0, 0, 1);
-        };
+        variant->child = childOf<StatsMsr2dLvl2, FortyTwo>();
         EXPECT_EQ(measure(pretendGpuImage(image))->Sum, 42);
         EXPECT_EQ(measure(image)->Sum, 21);
         *variant = before;

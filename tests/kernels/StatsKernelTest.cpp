@@ -2,7 +2,7 @@
 #include <support/ReferenceStats.hpp>
 #include <support/TestImages.hpp>
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2dLvl3.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2d.hpp>
 
 #include <gtest/gtest.h>
 

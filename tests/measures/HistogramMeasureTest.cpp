@@ -286,13 +286,8 @@ TEST(HistogramMeasure, DoesNotDependOnThreads)
             EXPECT_EQ(sum, one->Frequencies);
         }
     }
-    // Strips outweigh their classes, and are no more than the memory limit has room for.
-    HistogramData classes;
-    classes.Frequencies.resize(65537);
-    EXPECT_EQ(getMinStripPixels(classes, *image), 16 * classes.Frequencies.size());
+    // Strips are no more than the memory limit has room for.
     core::settings::setMemoryLimit(2 * 65537 * 12);
-    EXPECT_EQ(getMaxPartialHistograms(classes), 2u);
-    EXPECT_GT(getMinStripPixels(classes, *image), shape.nbPixels() / 2);
     EXPECT_EQ(sumOf(histogramMsr(image, ofImage(1))->Frequencies), shape.nbPixels());
     core::settings::setMemoryLimit(0);
 }

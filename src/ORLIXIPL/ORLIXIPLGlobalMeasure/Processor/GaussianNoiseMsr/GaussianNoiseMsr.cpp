@@ -1,9 +1,69 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GaussianNoiseMsr/GaussianNoiseMsr.hpp>
 
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Define.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GaussianNoiseMsr/GaussianNoiseKernels.hpp>
+
 #include <framework/process/CallingForms.hpp>
+
+#include <numeric>
 
 namespace orlix::imaproc::glbmsr
 {
+
+struct GaussianNoise
+{
+    using Result = GaussianNoiseStats;
+    struct State
+    {
+        std::uint64_t nbPixels;
+        double sum; ///< of the absolute responses
+    };
+
+    static constexpr auto getKernels = &getGaussianNoiseKernels;
+
+    template <class T>
+    static void consume(GaussianNoiseKernel<T> kernel, const Strips& strips, State& state)
+    {
+        const image::YStrip2d strip = strips.get<InKnlYStrip2d>();
+        state.nbPixels = strip.nbPixels();
+        if (state.nbPixels == 0) {
+            return;
+        }
+        const std::size_t width = strip.image->getGeometry().x;
+        const auto row = [&](std::size_t y, int step) {
+            const auto at = static_cast<std::ptrdiff_t>(y) + step;
+            return reinterpret_cast<const T*>(image::continueBorder2d(*strip.image, at));
+        };
+        AbsResponses responses{};
+        for (std::size_t y = strip.first; y < strip.first + strip.count; ++y) {
+            kernel(row(y, -1), row(y, 0), row(y, 1), width, responses);
+        }
+        state.sum = std::is_floating_point_v<T>
+                        ? std::accumulate(std::begin(responses.laneSums), std::end(responses.laneSums), 0.0)
+                        : static_cast<double>(responses.sum);
+    }
+
+    static void combine(State& into, const GaussianNoiseStats& part)
+    {
+        into.nbPixels += part.NbPixels;
+        into.sum += part.SumAbsLaplacian;
+    }
+
+    static void finish(const State& state, GaussianNoiseStats& stats)
+    {
+        stats.NbPixels = state.nbPixels;
+        stats.SumAbsLaplacian = state.sum;
+        // On purpose: the number goes through single precision. The factor is sqrt(pi / 2).
+        const double n = static_cast<float>(state.nbPixels);
+        stats.NoiseStdDev = 1.2533141373155001 * state.sum / (n * 6.0);
+    }
+};
+
+LevelClass GaussianNoiseMsrLvl1::processorClass =
+    defineLevel<GaussianNoiseMsrLvl1, GaussianNoiseMsrLvl2>(7, inOrder<GaussianNoise>);
+LevelClass GaussianNoiseMsrLvl2::processorClass =
+    defineLevel<GaussianNoiseMsrLvl2, GaussianNoiseMsrLvl3>(8, inOrder<GaussianNoise>);
+AlgorithmClass GaussianNoiseMsrLvl3::processorClass = defineAlgorithm<GaussianNoiseMsrLvl3>(9);
 
 using Forms = CallingForms<GaussianNoiseMsrLvl1>;
 

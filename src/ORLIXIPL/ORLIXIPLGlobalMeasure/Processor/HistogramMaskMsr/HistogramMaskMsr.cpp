@@ -1,7 +1,5 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMaskMsr/HistogramMaskMsr.hpp>
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMaskMsr/HistogramMaskMsrLvl2.hpp>
-
 #include <framework/process/CallingForms.hpp>
 
 namespace orlix::imaproc::glbmsr

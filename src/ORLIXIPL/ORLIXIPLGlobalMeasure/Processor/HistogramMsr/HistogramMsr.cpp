@@ -1,7 +1,5 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramMsr.hpp>
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramMsrLvl2.hpp>
-
 #include <framework/process/CallingForms.hpp>
 
 namespace orlix::imaproc::glbmsr

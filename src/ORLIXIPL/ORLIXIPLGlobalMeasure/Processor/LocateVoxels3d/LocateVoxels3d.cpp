@@ -1,6 +1,6 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/LocateVoxels3d/LocateVoxels3d.hpp>
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/LocatePixels2d/LocateLimit.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Locate/LocateLimit.hpp>
 
 #include <framework/process/CallingForms.hpp>
 

@@ -1,9 +1,64 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SimilarityMsr/SimilarityMsr.hpp>
 
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Define.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SimilarityMsr/SimilarityKernels.hpp>
+
+#include <framework/core/NumericLimits.hpp>
 #include <framework/process/CallingForms.hpp>
+
+#include <cmath>
+#include <numeric>
 
 namespace orlix::imaproc::glbmsr
 {
+
+struct Similarity
+{
+    using Result = SimilarityStats;
+    struct State
+    {
+        std::uint64_t nbPixels;
+        double sum; ///< of the squared differences
+    };
+    static constexpr std::size_t nbImages = 2;
+    static constexpr auto getKernels = &getSimilarityKernels;
+
+    template <class T>
+    static void consume(SimilarityKernel<T> kernel, const Strips& strips, State& state)
+    {
+        const std::size_t length = strips.info.rowSize;
+        SquaredDifferences differences{};
+        for (std::size_t i = 0; i < strips.info.nbRuns(); ++i) {
+            kernel({strips.parsers[0].run<T>(i, length), length}, {strips.parsers[1].run<T>(i, length), length},
+                   differences);
+        }
+        state.nbPixels = strips.info.size;
+        state.sum = std::is_floating_point_v<T>
+                        ? std::accumulate(std::begin(differences.laneSums), std::end(differences.laneSums), 0.0)
+                        : static_cast<double>(differences.sum);
+    }
+
+    static void combine(State& into, const SimilarityStats& part)
+    {
+        into.nbPixels += part.NbPixels;
+        into.sum += part.SumSquaredDiff;
+    }
+
+    static void finish(const State& state, SimilarityStats& stats)
+    {
+        stats.NbPixels = state.nbPixels;
+        stats.SumSquaredDiff = state.sum;
+        stats.MSE = state.sum / static_cast<double>(state.nbPixels);
+        // On purpose: the peak of 8 bits, whatever the pixel type.
+        stats.PSNR = stats.MSE == 0 ? core::NumericLimits<double>::s_max : 20 * std::log10(255 / std::sqrt(stats.MSE));
+    }
+};
+
+LevelClass SimilarityMsrLvl1::processorClass =
+    defineLevel<SimilarityMsrLvl1, SimilarityMsrLvl2>(66, inOrder<Similarity>);
+LevelClass SimilarityMsrLvl2::processorClass =
+    defineLevel<SimilarityMsrLvl2, SimilarityMsrLvl3>(67, inOrder<Similarity>);
+AlgorithmClass SimilarityMsrLvl3::processorClass = defineAlgorithm<SimilarityMsrLvl3>(68);
 
 using Forms = CallingForms<SimilarityMsrLvl1>;
 

@@ -1,7 +1,5 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMaskMsr/StatsMaskMsr.hpp>
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMaskMsr/StatsMaskMsrLvl2.hpp>
-
 #include <framework/process/CallingForms.hpp>
 
 namespace orlix::imaproc::glbmsr

@@ -1,7 +1,5 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsr.hpp>
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsrLvl2.hpp>
-
 #include <framework/process/CallingForms.hpp>
 
 namespace orlix::imaproc::glbmsr

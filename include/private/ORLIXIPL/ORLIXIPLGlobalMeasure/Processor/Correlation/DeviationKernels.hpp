@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelsByType.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
+#include <framework/process/KernelsByType.hpp>
 
 #include <cstddef>
 
@@ -69,10 +69,6 @@ struct DeviationKernel
 
 using DeviationKernels = KernelsByType<DeviationKernel>;
 
-// One table per kernel file, each usable only where its instruction set is.
-extern const DeviationKernels deviationKernels_generic;
-extern const DeviationKernels deviationKernels_sse2;
-extern const DeviationKernels deviationKernels_avx2;
-extern const DeviationKernels deviationKernels_avx512;
+const KernelTables<DeviationKernels>& getDeviationKernels();
 
 } // namespace orlix::imaproc::glbmsr

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelsByType.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
+#include <framework/process/KernelsByType.hpp>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -21,11 +21,6 @@ using GaussianNoiseKernel = void (*)(const T* above, const T* at, const T* below
 
 using GaussianNoiseKernels = KernelsByType<GaussianNoiseKernel>;
 
-// One table per kernel file, each usable only where its instruction set is.
-extern const GaussianNoiseKernels gaussianNoiseKernels_generic;
-extern const GaussianNoiseKernels gaussianNoiseKernels_sse2;
-extern const GaussianNoiseKernels gaussianNoiseKernels_avx; ///< float alone
-extern const GaussianNoiseKernels gaussianNoiseKernels_avx2;
-extern const GaussianNoiseKernels gaussianNoiseKernels_avx512;
+const KernelTables<GaussianNoiseKernels>& getGaussianNoiseKernels();
 
 } // namespace orlix::imaproc::glbmsr

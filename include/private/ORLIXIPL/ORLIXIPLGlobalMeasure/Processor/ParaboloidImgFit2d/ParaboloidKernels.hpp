@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelsByType.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
+#include <framework/process/KernelsByType.hpp>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -30,10 +30,6 @@ struct ParaboloidKernel
 
 using ParaboloidKernels = KernelsByType<ParaboloidKernel>;
 
-// One table per kernel file, each usable only where its instruction set is.
-extern const ParaboloidKernels paraboloidKernels_generic;
-extern const ParaboloidKernels paraboloidKernels_sse2;
-extern const ParaboloidKernels paraboloidKernels_avx2;
-extern const ParaboloidKernels paraboloidKernels_avx512;
+const KernelTables<ParaboloidKernels>& getParaboloidKernels();
 
 } // namespace orlix::imaproc::glbmsr

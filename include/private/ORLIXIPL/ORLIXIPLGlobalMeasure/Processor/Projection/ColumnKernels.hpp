@@ -1,7 +1,7 @@
 #pragma once
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Columns.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelsByType.hpp>
+#include <framework/process/KernelsByType.hpp>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -23,11 +23,6 @@ struct ColumnKernel
 
 using ColumnKernels = KernelsByType<ColumnKernel>;
 
-// One table per kernel file, each usable only where its instruction set is.
-extern const ColumnKernels columnKernels_generic;
-extern const ColumnKernels columnKernels_sse2;
-extern const ColumnKernels columnKernels_avx; ///< float alone, and no median
-extern const ColumnKernels columnKernels_avx2;
-extern const ColumnKernels columnKernels_avx512;
+const KernelTables<ColumnKernels>& getColumnKernels();
 
 } // namespace orlix::imaproc::glbmsr

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsKernels.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Stats/StatsKernels.hpp>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -19,11 +19,6 @@ struct RowKernel
 
 using RowKernels = KernelsByType<RowKernel>;
 
-// One table per kernel file, each usable only where its instruction set is.
-extern const RowKernels rowKernels_generic;
-extern const RowKernels rowKernels_sse2;
-extern const RowKernels rowKernels_avx; ///< float alone, and no median
-extern const RowKernels rowKernels_avx2;
-extern const RowKernels rowKernels_avx512;
+const KernelTables<RowKernels>& getRowKernels();
 
 } // namespace orlix::imaproc::glbmsr

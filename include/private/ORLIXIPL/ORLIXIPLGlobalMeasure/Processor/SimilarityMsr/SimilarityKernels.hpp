@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/KernelsByType.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
+#include <framework/process/KernelsByType.hpp>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -22,10 +22,6 @@ using SimilarityKernel = void (*)(Run<T>, Run<T>, SquaredDifferences&);
 
 using SimilarityKernels = KernelsByType<SimilarityKernel>;
 
-// One table per kernel file, each usable only where its instruction set is.
-extern const SimilarityKernels similarityKernels_generic;
-extern const SimilarityKernels similarityKernels_sse2;
-extern const SimilarityKernels similarityKernels_avx2;
-extern const SimilarityKernels similarityKernels_avx512;
+const KernelTables<SimilarityKernels>& getSimilarityKernels();
 
 } // namespace orlix::imaproc::glbmsr

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/AreaPercent2dMsr/AreaPercent2dMsrLvl1.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Percent/PercentLevels.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Counting2dMsr/Counting2dMsrLvl1.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Counting/CountingLevels.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

@@ -1,9 +1,42 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GaussianNoiseMsr/GaussianNoiseMsrLvl1.hpp>
+#include <framework/attribute/GaussianNoiseStats.hpp>
+#include <framework/process/Level.hpp>
+#include <framework/process/MeasureStrip.hpp>
 
 namespace orlix::imaproc::glbmsr
 {
+
+using attr::GaussianNoiseStats;
+using attr::InImg;
+using attr::InKnlYStrip2d;
+using attr::InSubImg2d;
+using attr::OutGaussianNoiseStats;
+
+struct GaussianNoise;
+
+/// The noise of one strip of rows.
+class ORLIX_API GaussianNoiseMsrLvl3 final
+    : public Algorithm<GaussianNoiseMsrLvl3, MeasureStrip<GaussianNoise>, InKnlYStrip2d, OutGaussianNoiseStats>
+{
+public:
+    static AlgorithmClass processorClass;
+};
+
+/// The noise of one 2d plan.
+class ORLIX_API GaussianNoiseMsrLvl2 final
+    : public Processor<GaussianNoiseMsrLvl2, Level, InSubImg2d, OutGaussianNoiseStats>
+{
+public:
+    static LevelClass processorClass;
+};
+
+/// The noise of an image, over all its plans.
+class ORLIX_API GaussianNoiseMsrLvl1 final : public Processor<GaussianNoiseMsrLvl1, Level, InImg, OutGaussianNoiseStats>
+{
+public:
+    static LevelClass processorClass;
+};
 
 /// The standard deviation of additive Gaussian noise, from the absolute responses to a 3 x 3 mask that structure of the
 /// image passes by (J. Immerkaer, Fast noise variance estimation, 1996): one record over all 2d plans of an image of

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/KernelDensityEstimator2d/KernelDensityEstimator2dLvl1.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/KernelDensity/KDELevels.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

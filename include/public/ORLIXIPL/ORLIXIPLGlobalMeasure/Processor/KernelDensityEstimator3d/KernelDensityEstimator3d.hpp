@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/KernelDensityEstimator3d/KernelDensityEstimator3dLvl1.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/KernelDensity/KDELevels.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/LocatePixels2d/LocatePixels2dLvl1.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Locate/LocateLevels.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

@@ -1,9 +1,57 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SimilarityMsr/SimilarityMsrLvl1.hpp>
+#include <framework/attribute/SimilarityStats.hpp>
+#include <framework/process/Level.hpp>
+#include <framework/process/MeasureStrip.hpp>
 
 namespace orlix::imaproc::glbmsr
 {
+
+using attr::InImg1;
+using attr::InImg2;
+using attr::InSubImg2d1;
+using attr::InSubImg2d2;
+using attr::InYStrip2d1;
+using attr::InYStrip2d2;
+using attr::OutSimilarityStats;
+using attr::SimilarityStats;
+
+struct Similarity;
+
+/// The squared differences of a pair of strips.
+class ORLIX_API SimilarityMsrLvl3 final
+    : public Algorithm<SimilarityMsrLvl3, MeasureStrip<Similarity>, InYStrip2d1, InYStrip2d2, OutSimilarityStats>
+{
+public:
+    static AlgorithmClass processorClass;
+
+protected:
+    Rule makeRule() const override { return matchType(attribute<InYStrip2d1>(), attribute<InYStrip2d2>()); }
+};
+
+/// The squared differences of a pair of 2d plans.
+class ORLIX_API SimilarityMsrLvl2 final
+    : public Processor<SimilarityMsrLvl2, Level, InSubImg2d1, InSubImg2d2, OutSimilarityStats>
+{
+public:
+    static LevelClass processorClass;
+
+protected:
+    Rule makeRule() const override
+    {
+        return Level::makeRule() && matchType(attribute<InSubImg2d1>(), attribute<InSubImg2d2>());
+    }
+};
+
+/// The squared differences of two images, over all their plans.
+class ORLIX_API SimilarityMsrLvl1 final : public Processor<SimilarityMsrLvl1, Level, InImg1, InImg2, OutSimilarityStats>
+{
+public:
+    static LevelClass processorClass;
+
+protected:
+    Rule makeRule() const override { return Level::makeRule() && matchType(attribute<InImg1>(), attribute<InImg2>()); }
+};
 
 /// How far two images of one size and one numeric pixel type differ: one record over all their plans. PSNR takes 255 as
 /// the peak, whatever the pixel type, and is the greatest double for images that are the same. Integer images give the

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramLevels.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+/// Whether the parameters, which may be null, define a range that the pixel type allows.
+bool hasUserRange(const HistoMsrParams* params, image::eImageBufferType type);
+
+/// Gives the histogram of a range its classes, at zero, and a guard class. Fails where there are none or too many.
+core::ProcessingResult makeClasses(HistogramData& histogram, image::eImageBufferType type, const HistoMsrParams* params,
+                                   double min, double max);
+/// One class for a range in which there is no pixel, and a guard class.
+void makeEmptyClass(HistogramData& histogram, image::eImageBufferType type, double min, double max);
+
+/// How many partial histograms of these classes the memory limit allows at once; at least 1.
+std::size_t getMaxPartialHistograms(const HistogramData& histogram);
+/// Pixels that a strip should have for its counting to outweigh its classes, and for the memory limit to hold.
+std::size_t getMinStripPixels(const HistogramData& histogram, const image::BaseImage& image);
+
+/// A BinWidth that is used is above 0, or 0 for float pixels whose range may be one value.
+Rule matchBinWidth(const InOptHistoMsrParams& params, const attr::BaseAttribute& image);
+/// The histogram has a class and a guard class, at least, and fewer than 2^31.
+core::ProcessingResult checkHasClasses(const attr::BaseAttribute& output, const HistogramData& histogram);
+/// The histogram has classes, and they fit the pixels.
+Rule matchClasses(const attr::BaseAttribute& output, const attr::BaseAttribute& pixels);
+
+} // namespace orlix::imaproc::glbmsr

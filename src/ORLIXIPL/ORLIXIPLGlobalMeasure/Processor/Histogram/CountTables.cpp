@@ -1,0 +1,122 @@
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/CountTables.hpp>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orlix::imaproc::glbmsr
+{
+
+using image::eImageBufferType;
+
+namespace
+{
+
+bool isWhole(double x)
+{
+    return x == std::trunc(x);
+}
+
+/// What lets vector kernels find a class without a division; see ClassCounts.
+void approximate(ClassCounts& counts, eImageBufferType type)
+{
+    const ClassRule& rule = counts.rule;
+    const double span = double{rule.maxF} - double{rule.minF};
+    const bool isInteger = type != eImageBufferType::eIBT_Float32;
+    // Half a step from the border, integers of a whole width are never in doubt.
+    const bool stepsAside = isInteger && isWhole(rule.min) && isWhole(rule.binWidth) && rule.binWidth > 1 &&
+                            std::fabs(rule.min) < 0x1p22 && span < 0x1p20;
+    const double slack = std::fabs(double{rule.minF} - rule.min) / rule.binWidth;
+    counts.base = stepsAside ? rule.minF - 0.5f : rule.minF;
+    counts.inverse = static_cast<float>(1 / rule.binWidth);
+    counts.slack = static_cast<float>(2 * slack);
+    // Beyond these bounds the product has no precision left, or is out of a float's range.
+    counts.approximate = slack < 0x1p-5 && rule.size < (1u << 21) && span < 1e37 && rule.binWidth < 1e37 &&
+                         (rule.binWidth > 1e-37 || rule.minF == rule.maxF);
+}
+
+} // namespace
+
+void CountTables::allocate(std::size_t pixelSize, std::size_t nbPixels, std::vector<std::uint32_t>& tables)
+{
+    // Together the tables stay in the cache, and few pixels are not worth many tables.
+    const std::size_t entries = pixelSize == 1 ? 512 : std::size_t{counts_.size} + 1;
+    counts_.eight = pixelSize == 1 || (entries <= ClassCounts::stride && nbPixels >= 8192);
+    nbTables_ = counts_.eight ? 8 : entries <= 32768 ? 2 : 1;
+    counts_.distance = counts_.eight ? ClassCounts::stride : nbTables_ == 2 ? (entries + 15) / 16 * 16 + 16 : 0;
+    tables.resize(std::max(tables.size(), (nbTables_ - 1) * counts_.distance + entries));
+    counts_.tables = tables.data();
+    clear();
+}
+
+void CountTables::clear()
+{
+    for (std::size_t k = 0; k < nbTables_; ++k) {
+        std::fill_n(counts_.tables + k * counts_.distance, counts_.size, 0);
+    }
+    room_ = capacity;
+}
+
+StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, std::size_t nbPixels, bool isMasked,
+                         std::vector<std::uint32_t>& tables)
+    : histogram_{histogram}, type_{type}
+{
+    ClassRule& rule = counts_.rule;
+    rule.min = histogram.Min;
+    rule.binWidth = histogram.BinWidth;
+    rule.minF = static_cast<float>(histogram.Min);
+    rule.maxF = static_cast<float>(histogram.Max);
+    rule.size = static_cast<std::uint32_t>(histogram.Frequencies.size());
+    approximate(counts_, type);
+
+    counts_.size = rule.size;
+    const std::size_t pixelSize = image::getPixelSize(type);
+    if (pixelSize == 1) {
+        counts_.byValue = true;
+        counts_.size = 256;
+        classIsEntry_ = false;
+    } else if (type != eImageBufferType::eIBT_Float32) {
+        const auto [lowest, highest] = image::getValueRange(type);
+        const double first = std::ceil(std::max<double>(lowest, rule.minF));
+        const double values = std::floor(std::min<double>(highest, rule.maxF)) - first + 1;
+        // Below 2^24 a pixel and its single precision are the same. Few values, or a class each, are worth it.
+        const bool exact = -0x1p24 < rule.minF && rule.maxF < 0x1p24;
+        const bool few = values <= 8192 && values * 16 <= static_cast<double>(nbPixels);
+        // The upper bound itself is in the last class, wherever it lies.
+        const double end = first - rule.min + values;
+        const bool each = rule.binWidth == 1 && isWhole(rule.min) && first >= rule.min &&
+                          (isWhole(rule.maxF) ? end == rule.size - 1.0 : end <= rule.size - 1.0);
+        // An entry of 16 bits has no room for "none" beside 65536 values.
+        const bool fits = !isMasked || pixelSize > 2 || values < 0x1p16;
+        if (values >= 1 && exact && (few || each) && fits) {
+            counts_.byValue = true;
+            counts_.first = static_cast<std::int64_t>(first);
+            counts_.size = static_cast<std::uint32_t>(values);
+            classIsEntry_ = each;
+            firstClass_ = each ? static_cast<std::size_t>(first - rule.min) : 0;
+        }
+    }
+
+    allocate(pixelSize, nbPixels, tables);
+}
+
+float StripCounts::valueOf(std::size_t entry) const
+{
+    if (type_ == eImageBufferType::eIBT_Int8) {
+        return static_cast<signed char>(entry);
+    }
+    return static_cast<float>(counts_.first + static_cast<std::int64_t>(entry));
+}
+
+void StripCounts::collect()
+{
+    std::uint64_t* const frequencies = histogram_.Frequencies.data();
+    for (std::size_t entry = 0; entry < counts_.size; ++entry) {
+        if (classIsEntry_) {
+            frequencies[firstClass_ + entry] += countOf(entry);
+        } else if (const std::uint32_t index = classOf(valueOf(entry), counts_.rule); index < counts_.rule.size) {
+            frequencies[index] += countOf(entry);
+        }
+    }
+}
+
+} // namespace orlix::imaproc::glbmsr

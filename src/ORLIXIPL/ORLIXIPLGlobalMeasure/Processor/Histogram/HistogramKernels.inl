@@ -1,0 +1,298 @@
+// The histogram kernels, once for every pixel type and instruction set, and for runs with a mask and without.
+//
+// Every set finds the same class for every pixel. Integers of few values are counted by value. Elsewhere the vector
+// kernels multiply by the reciprocal of the width in single precision, and where the product is so close to a class
+// border that rounding might decide, ask the rule, which divides in double.
+
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramKernels.hpp>
+
+namespace orlix::imaproc::glbmsr
+{
+
+namespace
+{
+
+/// The table that pixel k of a block counts into.
+template <bool Eight>
+ORLIX_KERNEL std::uint32_t* tableOf(std::size_t k, const ClassCounts& c)
+{
+    return Eight ? c.tables + k % 8 * ClassCounts::stride : c.tables + k % 2 * c.distance;
+}
+
+/// The entry of a pixel that is counted by value.
+template <class T>
+ORLIX_KERNEL std::uint32_t entryOf(T pixel, const ClassCounts& counts)
+{
+    const std::uint64_t entry = std::uint64_t(std::int64_t(pixel) - counts.first);
+    return entry < counts.size ? std::uint32_t(entry) : counts.size;
+}
+
+/// One pixel after the other.
+template <class R>
+ORLIX_KERNEL void countOneByOne(R run, const ClassCounts& c)
+{
+    using T = typename R::Pixel;
+    for (std::size_t i = 0; i < run.size; ++i) {
+        if (counts(run, i)) {
+            const T pixel = run.pixels[i];
+            if constexpr (isFloat<T>) {
+                ++c.tables[classOf(pixel, c.rule)];
+            } else {
+                ++c.tables[c.byValue ? entryOf(pixel, c) : classOf(float(pixel), c.rule)];
+            }
+        }
+    }
+}
+
+/// Pixels of 8 bits: eight at a time, each in a table of its own.
+template <class R>
+ORLIX_KERNEL void countBytes(R run, const ClassCounts& c)
+{
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(run.pixels);
+    const auto entry = [&](std::size_t i, std::uint8_t byte) __attribute__((always_inline))
+    {
+        return counts(run, i) ? byte : 256u + byte;
+    };
+    const Prefetch prefetch{run.size * sizeof(run.pixels[0])};
+    std::size_t i = 0;
+    for (; i + 16 <= run.size; i += 16) {
+        prefetch.stepOf<16>(run, i);
+        std::uint64_t eight[2];
+        __builtin_memcpy(eight, bytes + i, sizeof eight);
+#pragma GCC unroll 16
+        for (std::size_t k = 0; k < 16; ++k) {
+            ++tableOf<true>(k, c)[entry(i + k, std::uint8_t(eight[k / 8] >> (8 * (k % 8))))];
+        }
+    }
+    for (; i < run.size; ++i) {
+        ++c.tables[entry(i, bytes[i])];
+    }
+}
+
+template <std::size_t Count, bool Eight, class Entry>
+ORLIX_KERNEL void addEntriesTo(const Entry* entries, const ClassCounts& c)
+{
+    constexpr std::size_t perWord = 8 / sizeof(Entry);
+#pragma GCC unroll 1
+    for (std::size_t i = 0; i < Count; i += 8) { // not unrolled, lest the compiler hoist every entry out of the choice
+#pragma GCC unroll 8
+        for (std::size_t k = 0; k < 8; k += perWord) {
+            std::uint64_t word; // to take several at a time spares loads
+            __builtin_memcpy(&word, entries + i + k, sizeof word);
+#pragma GCC unroll 4
+            for (std::size_t e = 0; e < perWord; ++e) {
+                ++tableOf<Eight>(k + e, c)[Entry(word >> (8 * sizeof(Entry) * e))];
+            }
+        }
+    }
+}
+
+/// Adds one to each of `Count` entries, which are 16 or 32 bits wide.
+template <std::size_t Count, class Entry>
+ORLIX_KERNEL void addEntries(const Entry* entries, const ClassCounts& c)
+{
+    if (c.eight) {
+        addEntriesTo<Count, true>(entries, c);
+    } else {
+        addEntriesTo<Count, false>(entries, c);
+    }
+}
+
+/// Bit i tells whether pixels i and i + 1 of 33 differ.
+template <Domain::domain D, class T>
+ORLIX_KERNEL std::uint32_t findChanges(const T* pixels)
+{
+    using P = Pack<T, D>;
+    std::uint32_t changes = 0;
+#pragma GCC unroll 8
+    for (std::size_t i = 0; i < 32; i += lanes<T, D>) {
+        const P here = load<P>(pixels + i);
+        const P next = load<P>(pixels + i + 1);
+        std::uint32_t equal;
+        if constexpr (D == Domain::eIS_AVX512 && sizeof(T) == 2) {
+            equal = _mm512_cmpeq_epi16_mask((__m512i)here, (__m512i)next);
+        } else if constexpr (D == Domain::eIS_AVX512) {
+            equal = _mm512_cmpeq_epi32_mask((__m512i)here, (__m512i)next);
+        } else if constexpr (D == Domain::eIS_AVX2 && sizeof(T) == 2) {
+            const __m256i words = _mm256_cmpeq_epi16((__m256i)here, (__m256i)next);
+            equal =
+                _mm_movemask_epi8(_mm_packs_epi16(_mm256_castsi256_si128(words), _mm256_extracti128_si256(words, 1)));
+        } else if constexpr (D == Domain::eIS_AVX2) {
+            equal = _mm256_movemask_ps(_mm256_castsi256_ps(_mm256_cmpeq_epi32((__m256i)here, (__m256i)next)));
+        } else if constexpr (sizeof(T) == 2) {
+            const __m128i words = _mm_cmpeq_epi16((__m128i)here, (__m128i)next);
+            equal = _mm_movemask_epi8(_mm_packs_epi16(words, words)) & 0xff;
+        } else {
+            equal = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32((__m128i)here, (__m128i)next)));
+        }
+        changes |= equal << i;
+    }
+    return ~changes;
+}
+
+/// Counts 32 pixels of few runs run by run, and tells whether it did.
+template <Domain::domain D, class T>
+ORLIX_KERNEL bool countFewRuns(const T* pixels, const ClassCounts& c)
+{
+    std::uint32_t ends = findChanges<D>(pixels) | 0x80000000u;
+    std::uint32_t more = ends & (ends - 1);
+    more &= more - 1;
+    more &= more - 1;
+    if ((more & (more - 1)) != 0) { // more than four
+        return false;
+    }
+    int begin = 0;
+    do {
+        const int end = __builtin_ctz(ends) + 1;
+        c.tables[entryOf(pixels[begin], c)] += std::uint32_t(end - begin);
+        begin = end;
+        ends &= ends - 1;
+    } while (ends != 0);
+    return true;
+}
+
+/// Integer pixels by value. Labels come in runs; what does not goes to the tables a block later than it was looked at,
+/// so that neither waits.
+template <Domain::domain D, class R>
+ORLIX_KERNEL void countValues(R run, const ClassCounts& c)
+{
+    using T = typename R::Pixel;
+    using Entry = Unsigned<T>;
+    using P = Pack<Entry, D>;
+    constexpr std::size_t block = 32;
+    // Where all 65536 values have their entries, no pixel is out of range.
+    const P none = splat<P>(Entry(sizeof(T) == 2 && c.size > 0xffff ? 0xffff : c.size));
+    const P first = splat<P>(Entry(c.first));
+
+    alignas(64) Entry entries[2][block];
+    bool pending = false; // the other block's entries are not counted yet
+    std::size_t turn = 0;
+    const Prefetch prefetch{run.size * sizeof(run.pixels[0])};
+    std::size_t i = 0;
+    for (; i + block < run.size; i += block) {
+        prefetch.stepOf<block>(run, i);
+        if constexpr (!R::isMasked) {
+            if (countFewRuns<D>(run.pixels + i, c)) {
+                continue;
+            }
+        }
+#pragma GCC unroll 8
+        for (std::size_t k = 0; k < block; k += lanes<T, D>) {
+            P entry = least(load<P>(run.pixels + i + k) - first, none);
+            if constexpr (R::isMasked) {
+                entry = loadSelection<T, D>(run.mask + i + k) ? entry : none;
+            }
+            __builtin_memcpy(entries[turn] + k, &entry, sizeof entry);
+        }
+        if (pending) {
+            addEntries<block>(entries[1 - turn], c);
+        }
+        pending = true;
+        turn = 1 - turn;
+    }
+    if (pending) {
+        addEntries<block>(entries[1 - turn], c);
+    }
+    countOneByOne(part(run, i, run.size - i), c);
+}
+
+/// The entries of as many pixels as there are lanes for floats, and which of them the rule must decide.
+template <Domain::domain D>
+struct ApproximateClass
+{
+    using Floats = Pack<float, D>;
+    using Entries = Pack<std::uint32_t, D>;
+    using Selected = Selection<float, D>;
+
+    ORLIX_KERNEL explicit ApproximateClass(const ClassCounts& c)
+        : minF{splat<Floats>(c.rule.minF)}, maxF{splat<Floats>(c.rule.maxF)}, base{splat<Floats>(c.base)},
+          inverse{splat<Floats>(c.inverse)}, slack{splat<Floats>(c.slack)}, last{splat<Entries>(c.rule.size - 2)},
+          none{splat<Entries>(c.rule.size)}
+    {}
+
+    ORLIX_KERNEL Entries find(Floats pixel, Selected counts, Selected& isDoubtful) const
+    {
+        const Floats toInteger = splat<Floats>(0x1.8p23f); // adding and taking it away rounds to the nearest integer
+        const Floats error = splat<Floats>(0x1.4p-22f);    // five roundings, relative
+        const Floats quotient = (pixel - base) * inverse;
+        const Floats off = quotient - ((quotient + toInteger) - toInteger);
+        isDoubtful = magnitude(off) < quotient * error + slack;
+        const Selected isLast = pixel == maxF;
+        const Selected isInside = (pixel >= minF) & (pixel < maxF);
+        const Entries entry = isLast ? last : least((Entries)truncate<D>(quotient), none);
+        return (isInside | isLast) & counts ? entry : none;
+    }
+
+    Floats minF, maxF, base, inverse, slack;
+    Entries last, none;
+};
+
+/// Pixels by class. The entries of a whole block are found before the tables are touched, so that neither waits.
+template <Domain::domain D, class R>
+ORLIX_KERNEL void countClasses(R run, const ClassCounts& c)
+{
+    using Class = ApproximateClass<D>;
+    using Selected = typename Class::Selected;
+    constexpr std::size_t block = 64;
+    const Class approximateClass{c};
+
+    const Prefetch prefetch{run.size * sizeof(run.pixels[0])};
+    std::size_t i = 0;
+    for (; c.approximate && i + block <= run.size; i += block) {
+        prefetch.stepOf<block>(run, i);
+        alignas(64) std::uint32_t entries[block]; // or stores would lie across cache lines
+        std::uint64_t doubtful = 0;
+#pragma GCC unroll 4
+        for (std::size_t k = 0; k < block; k += lanes<float, D>) {
+            Selected selected = ~Selected{};
+            if constexpr (R::isMasked) {
+                selected = loadSelection<float, D>(run.mask + i + k);
+            }
+            Selected isDoubtful;
+            const auto entry = approximateClass.find(loadAsFloats<D>(run.pixels + i + k), selected, isDoubtful);
+            __builtin_memcpy(entries + k, &entry, sizeof entry);
+            doubtful |= std::uint64_t{laneBits<D>(isDoubtful)} << k;
+        }
+        for (; doubtful != 0; doubtful &= doubtful - 1) {
+            const auto k = std::size_t(__builtin_ctzll(doubtful));
+            if (counts(run, i + k)) {
+                entries[k] = classOf(float(run.pixels[i + k]), c.rule);
+            }
+        }
+        addEntries<block>(entries, c);
+    }
+    countOneByOne(glbmsr::part(run, i, run.size - i), c);
+}
+
+template <class R, Domain::domain D>
+void count(R run, const ClassCounts& c)
+{
+    using T = typename R::Pixel;
+    if constexpr (sizeof(T) == 1) {
+        countBytes(run, c);
+    } else if constexpr (D == Domain::eIS_Generic) {
+        countOneByOne(run, c);
+    } else {
+        if constexpr (!isFloat<T>) {
+            if (c.byValue) {
+                countValues<D>(run, c);
+                return;
+            }
+        }
+        countClasses<D>(run, c);
+    }
+}
+
+template <Domain::domain D>
+constexpr HistogramKernels histogramKernels = makeKernels<HistogramKernel, D>([]<class T>(std::type_identity<T>) {
+    return &count<Run<T>, D>;
+});
+
+template <Domain::domain D>
+constexpr HistogramMaskKernels histogramMaskKernels =
+    makeKernels<HistogramMaskKernel, D>([]<class T>(std::type_identity<T>) { return &count<MaskedRun<T>, D>; });
+
+} // namespace
+
+} // namespace orlix::imaproc::glbmsr

@@ -1,8 +1,0 @@
-#include "HistogramMsrKernel.inl"
-
-namespace orlix::imaproc::glbmsr
-{
-
-extern const HistogramKernels histogramKernels_avx = floatAlone<Run, HistogramKernels, Domain::eIS_AVX>;
-
-} // namespace orlix::imaproc::glbmsr

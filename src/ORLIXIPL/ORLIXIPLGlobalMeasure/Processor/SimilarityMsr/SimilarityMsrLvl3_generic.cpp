@@ -1,8 +1,0 @@
-#include "SimilarityMsrKernel.inl"
-
-namespace orlix::imaproc::glbmsr
-{
-
-extern const SimilarityKernels similarityKernels_generic = everySimilarityKernel<Domain::eIS_Generic>;
-
-} // namespace orlix::imaproc::glbmsr

@@ -1,8 +1,0 @@
-#include "SimilarityMsrKernel.inl"
-
-namespace orlix::imaproc::glbmsr
-{
-
-extern const SimilarityKernels similarityKernels_sse2 = everySimilarityKernel<Domain::eIS_SSE2>;
-
-} // namespace orlix::imaproc::glbmsr
