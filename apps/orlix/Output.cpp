@@ -15,6 +15,37 @@ Json toJson(double value)
     return std::isnan(value) ? Json(nullptr) : Json(value);
 }
 
+Json toJson(const data::Value& value, std::size_t columns)
+{
+    const auto convert = [&](const auto& each) -> Json {
+        using T = std::remove_cvref_t<decltype(each)>;
+        if constexpr (std::is_same_v<T, double>) {
+            return toJson(each);
+        } else if constexpr (std::is_same_v<T, std::vector<double>>) {
+            Json list = Json::array();
+            for (std::size_t i = 0; i < each.size(); ++i) {
+                if (columns > 1 && i % columns == 0) {
+                    list.push_back(Json::array());
+                }
+                (columns > 1 ? list.back() : list).push_back(toJson(each[i]));
+            }
+            return list;
+        } else {
+            return each;
+        }
+    };
+    return std::visit(convert, value);
+}
+
+Json toJson(const data::BaseDataItem& record)
+{
+    Json object = Json::object();
+    for (const data::FieldInfo& field : record.getFields()) {
+        object[field.name] = toJson(record.getField(field.name), field.columns);
+    }
+    return object;
+}
+
 Json describeImage(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& geometry)
 {
     return {{"path", path},    {"type", image::getName(type)},

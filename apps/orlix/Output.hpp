@@ -1,6 +1,5 @@
 #pragma once
 
-#include <framework/attribute/Pixels.hpp>
 #include <framework/data/DataItem.hpp>
 #include <framework/image/Geometry.hpp>
 #include <framework/image/PixelType.hpp>
@@ -27,43 +26,10 @@ struct Report
 /// A number as JSON: NaN is null, infinities are "Infinity" and "-Infinity".
 Json toJson(double value);
 
+/// The value of a field; a list of several numbers each as a list of lists.
+Json toJson(const data::Value& value, std::size_t columns = 1);
 /// The fields of a record, in the order of their declaration.
-template <class Record>
-Json toJson(const data::DataItem<Record>& item)
-{
-    Json object = Json::object();
-    const auto& record = static_cast<const Record&>(item);
-    Record::forEachField([&](const auto& field) {
-        const auto& value = record.*field.member;
-        using Value = std::remove_cvref_t<decltype(value)>;
-        if constexpr (std::is_same_v<Value, double>) {
-            object[field.name] = toJson(value);
-        } else if constexpr (std::is_same_v<Value, std::vector<double>>) {
-            object[field.name] = Json::array();
-            for (const double each : value) {
-                object[field.name].push_back(toJson(each));
-            }
-        } else {
-            object[field.name] = value;
-        }
-    });
-    return object;
-}
-
-/// A list of [x, y] or [x, y, z].
-template <class List, class Coords>
-Json toJson(const imaproc::attr::CoordsList<List, Coords>& list)
-{
-    Json coordinates = Json::array();
-    for (const Coords& at : list.Coordinates) {
-        if constexpr (std::is_same_v<Coords, image::Coords3d>) {
-            coordinates.push_back({at.x, at.y, at.z});
-        } else {
-            coordinates.push_back({at.x, at.y});
-        }
-    }
-    return {{"Coordinates", std::move(coordinates)}};
-}
+Json toJson(const data::BaseDataItem& record);
 
 Json describeImage(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& geometry);
 

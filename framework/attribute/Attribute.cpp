@@ -1,6 +1,9 @@
 #include <framework/attribute/Attribute.hpp>
 
 #include <framework/attribute/AttributeMessages.hpp>
+#include <framework/core/Message.hpp>
+
+#include <log4cplus/logger.h>
 
 namespace orlix::imaproc::attr
 {
@@ -23,6 +26,56 @@ void BaseAttribute::clearInitialized()
 {
     if (initialized_) {
         clear();
+    }
+}
+
+namespace
+{
+
+[[noreturn]] void failToTake(const BaseAttribute& attribute, std::string_view what)
+{
+    core::raise<core::BaseException>(core::getLibraryLogger("Attribute"), ORLIX_HERE, eAttributeMessage::eAM_NotTaken,
+                                     attribute.getName(), what);
+}
+
+} // namespace
+
+void BaseAttribute::setParameter(std::string_view name, const data::Value&, const BaseAttribute&)
+{
+    failToTake(*this, name);
+}
+
+void BaseAttribute::setImage(Ptr<const BaseImage>)
+{
+    failToTake(*this, "an image to read");
+}
+
+void BaseAttribute::setOutputImage(Ptr<BaseImage>)
+{
+    failToTake(*this, "an image to write");
+}
+
+void addParametersOf(const data::BaseDataItem& record, const data::BaseDataItem* defaults,
+                     std::vector<Parameter>& parameters)
+{
+    for (const data::FieldInfo& field : record.getFields()) {
+        if (*field.option != 0) {
+            parameters.push_back({field, {}});
+            if (defaults != nullptr) {
+                parameters.back().defaultValue = defaults->getField(field.name);
+            }
+        }
+    }
+}
+
+void addParameter(const data::FieldInfo& info, std::optional<std::uint64_t> defaultValue,
+                  std::vector<Parameter>& parameters)
+{
+    parameters.push_back({info, {}});
+    if (defaultValue) {
+        parameters.back().defaultValue = *defaultValue < info.enumerators.size()
+                                             ? data::Value{std::string{info.enumerators[*defaultValue]}}
+                                             : data::Value{*defaultValue};
     }
 }
 
@@ -104,6 +157,26 @@ void BaseImageAttribute<Image>::take(const Share& share, const BaseAttribute& of
 }
 
 template <class Image>
+void BaseImageAttribute<Image>::setImage(Ptr<const BaseImage> image)
+{
+    if constexpr (std::is_const_v<Image>) {
+        this->init(std::move(image));
+    } else {
+        BaseAttribute::setImage(std::move(image));
+    }
+}
+
+template <class Image>
+void BaseImageAttribute<Image>::setOutputImage(Ptr<BaseImage> image)
+{
+    if constexpr (std::is_const_v<Image>) {
+        BaseAttribute::setOutputImage(std::move(image));
+    } else {
+        this->init(std::move(image));
+    }
+}
+
+template <class Image>
 void BaseImageAttribute<Image>::allocate(const BaseAttribute& input)
 {
     const BaseImage& image = *input.getImage();
@@ -128,12 +201,6 @@ ProcessingResult BaseStripAttribute<StripType>::check() const
                                                              StripType::elementName));
     }
     return result;
-}
-
-template <class StripType>
-std::optional<image::PixelBox> BaseStripAttribute<StripType>::getStripBox() const
-{
-    return isSet() ? std::optional{this->value_.getBox()} : std::nullopt;
 }
 
 template <class StripType>

@@ -10,9 +10,10 @@
 #include <framework/image/Strip.hpp>
 
 #include <concepts>
-#include <functional>
 #include <optional>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace orlix::imaproc::attr
 {
@@ -34,6 +35,20 @@ struct Share
     std::size_t count = 0;
 };
 
+/// What users may set of an attribute, and what holds where they do not.
+struct Parameter
+{
+    data::FieldInfo info;
+    std::optional<data::Value> defaultValue; ///< none: the measure has a rule of its own, or the value must be given
+};
+
+/// Adds the fields of a record that have an option, with the values that `defaults`, which may be null, has.
+ORLIX_API void addParametersOf(const data::BaseDataItem& record, const data::BaseDataItem* defaults,
+                               std::vector<Parameter>& parameters);
+/// Adds a number or enumerator.
+ORLIX_API void addParameter(const data::FieldInfo& info, std::optional<std::uint64_t> defaultValue,
+                            std::vector<Parameter>& parameters);
+
 /// A named value that a processor takes or gives. Its class is its name and is looked up by its type.
 class ORLIX_API BaseAttribute
 {
@@ -52,22 +67,36 @@ public:
     /// The image behind an image or strip attribute, else null; and what its plans are.
     virtual const image::BaseImage* getImage() const { return nullptr; }
     virtual image::ePlanKind getPlanKind() const { return image::ePlanKind::ePK_Plan2d; }
-    /// The box of a strip that is set, and whether it is that of a mask, by whose type no kernel is chosen.
-    virtual std::optional<image::PixelBox> getStripBox() const { return std::nullopt; }
+    /// Whether it takes a strip; the box of one that is set; and whether an image or strip is a mask, by whose type no
+    /// kernel is chosen.
+    virtual bool isStrip() const { return false; }
+    virtual image::PixelBox getStripBox() const { return {}; }
     virtual bool isMask() const { return false; }
+    /// Whether an image has to be one plan.
+    virtual bool isOnePlan() const { return false; }
     /// The sizes of an output image for an input of these.
     virtual image::ImageGeometry getOutputGeometry(const image::ImageGeometry& input) const { return input; }
 
     /// The record or collection behind the attribute, else null.
-    virtual Ptr<data::BaseDataItem> getRecord() const { return nullptr; }
+    virtual data::BaseDataItem* getRecord() const { return nullptr; }
+    virtual Ptr<data::BaseDataItem> shareRecord() const { return nullptr; }
     /// Takes a record of the attribute's own class.
     virtual void setRecord(Ptr<data::BaseDataItem>) {}
-    /// An empty record, or collection.
+    /// An empty record; of a collection, one for a plan.
     virtual Ptr<data::BaseDataItem> createRecord() const { return nullptr; }
-    /// The element of a collection; null where there is none.
-    virtual Ptr<data::BaseDataItem> getElement(const image::PlanIndex&) const { return nullptr; }
+    /// Whether the value is a collection of records, one per plan; and that one, or null.
+    virtual bool isCollection() const { return false; }
+    virtual const BasePlanIndexedColl* getCollection() const { return nullptr; }
     /// Whether the value has a meaning for an image without pixels.
     virtual bool isDefinedWithoutPixels() const { return false; }
+
+    /// What users may set in it, by the names of the fields: itself, or the fields of its record that have an option.
+    virtual void addParameters(std::vector<Parameter>&) const {}
+    /// Sets one of them; a collection's for every plan of the input. Throws BaseException if the value does not fit.
+    virtual void setParameter(std::string_view name, const data::Value& value, const BaseAttribute& input);
+    /// Takes an image by name. Throws BaseException if the attribute is none for an image.
+    virtual void setImage(Ptr<const image::BaseImage> image);
+    virtual void setOutputImage(Ptr<image::BaseImage> image);
 
     /// `other` stores the same kind of value. Values are copied, images are shared.
     virtual void copy(const BaseAttribute& other) = 0;
@@ -130,7 +159,7 @@ public:
     bool isSet() const final { return this->value_ != nullptr; }
     bool isDefinedWithoutPixels() const final
     {
-        if constexpr (isCollection) {
+        if constexpr (ofPlans) {
             return requires
             {
                 Value::Element::definedWithoutPixels;
@@ -143,13 +172,44 @@ public:
         }
     }
 
-    Ptr<data::BaseDataItem> getRecord() const final { return boost::const_pointer_cast<Value>(this->value_); }
-    void setRecord(Ptr<data::BaseDataItem> record) final { this->init(boost::static_pointer_cast<Value>(record)); }
-    Ptr<data::BaseDataItem> createRecord() const final { return data::makeRecord<Value>(); }
-    Ptr<data::BaseDataItem> getElement([[maybe_unused]] const image::PlanIndex& plan) const final
+    data::BaseDataItem* getRecord() const final { return const_cast<Value*>(this->value_.get()); }
+    Ptr<data::BaseDataItem> shareRecord() const final { return boost::const_pointer_cast<Value>(this->value_); }
+    void setRecord(Ptr<data::BaseDataItem> record) final
     {
-        if constexpr (isCollection) {
-            return this->value_ ? this->value_->getStorage(plan) : nullptr;
+        this->init(boost::static_pointer_cast<Value>(std::move(record)));
+    }
+    Ptr<data::BaseDataItem> createRecord() const final
+    {
+        if constexpr (ofPlans) {
+            return data::makeRecord<typename Value::Element>();
+        } else {
+            return data::makeRecord<Value>();
+        }
+    }
+    void addParameters(std::vector<Parameter>& parameters) const final
+    {
+        if (this->getRole() != eAttributeRole::eAR_Output) {
+            addParametersOf(*createRecord(), this->getOrDefault().get(), parameters);
+        }
+    }
+    void setParameter(std::string_view name, const data::Value& value, const BaseAttribute& input) final
+    {
+        if (!isSet()) {
+            allocate(input);
+        }
+        if constexpr (ofPlans) {
+            for (std::size_t i = 0; i < this->value_->size(); ++i) {
+                this->value_->getElement(i)->setField(name, value);
+            }
+        } else {
+            const_cast<Value&>(*this->value_).setField(name, value);
+        }
+    }
+    bool isCollection() const final { return ofPlans; }
+    const BasePlanIndexedColl* getCollection() const final
+    {
+        if constexpr (ofPlans) {
+            return this->value_.get();
         } else {
             return nullptr;
         }
@@ -178,21 +238,25 @@ public:
     }
     void take(const Share& share, const BaseAttribute& of) final
     {
-        const auto* const same = dynamic_cast<const StoredAttribute<Ptr<Record>>*>(&of);
-        this->init(same != nullptr ? same->getOrDefault()
-                                   : boost::static_pointer_cast<Record>(of.getElement(share.plan)));
+        if (of.isCollection() == ofPlans) {
+            this->init(static_cast<const StoredAttribute<Ptr<Record>>&>(of).getOrDefault());
+        } else {
+            const BasePlanIndexedColl* const collection = of.getCollection();
+            this->init(boost::static_pointer_cast<Record>(collection != nullptr ? collection->getStorage(share.plan)
+                                                                                : nullptr));
+        }
     }
 
 protected:
     using StoredAttribute<Ptr<Record>>::StoredAttribute;
 
 private:
-    static constexpr bool isCollection = requires { typename Value::Element; };
+    static constexpr bool ofPlans = requires { typename Value::Element; };
 
     void allocate([[maybe_unused]] const BaseAttribute& input) final
     {
         auto record = data::makeRecord<Value>();
-        if constexpr (isCollection) {
+        if constexpr (ofPlans) {
             const image::PlanRange plans{input.getImage()->getGeometry(), input.getPlanKind()};
             record->reserve(plans.size());
             for (std::size_t i = 0; i < plans.size(); ++i) {
@@ -295,9 +359,18 @@ public:
 
 protected:
     using StoredAttribute<std::optional<T>>::StoredAttribute;
+
+    void assignNumber(const data::FieldInfo& info, std::string_view name, const data::Value& value)
+    {
+        T number{};
+        data::FieldSetter setter{name, value, this->getName()};
+        setter(info, number);
+        this->init(number);
+    }
 };
 
-/// A number or an enumerator; an optional one may have a default, `static std::optional<T> getDefault()`.
+/// A number or an enumerator; an optional one may have a default, `static std::optional<T> getDefault()`, and a
+/// parameter has a `static constexpr data::FieldInfo info`.
 template <class Self, class T, eAttributeRole Role = eAttributeRole::eAR_Input>
 class ValueInput : public BaseValueAttribute<T>
 {
@@ -310,6 +383,26 @@ public:
             return this->isSet() ? this->value_ : Self::getDefault();
         } else {
             return this->value_;
+        }
+    }
+
+    void addParameters([[maybe_unused]] std::vector<Parameter>& parameters) const final
+    {
+        if constexpr (requires { Self::info; }) {
+            data::FieldInfo info = Self::info;
+            if constexpr (std::is_enum_v<T>) {
+                info.enumerators = namesOf(T{});
+            }
+            const std::optional<T> value = getOrDefault();
+            addParameter(info, value ? std::optional{static_cast<std::uint64_t>(*value)} : std::nullopt, parameters);
+        }
+    }
+    void setParameter(std::string_view name, const data::Value& value, const BaseAttribute& input) final
+    {
+        if constexpr (requires { Self::info; }) {
+            this->assignNumber(Self::info, name, value);
+        } else {
+            BaseAttribute::setParameter(name, value, input);
         }
     }
 
@@ -344,6 +437,10 @@ public:
     core::ProcessingResult write(data::OutputArchive& archive) const final;
     core::ProcessingResult read(data::InputArchive& archive) final;
     void take(const Share& share, const BaseAttribute& of) final;
+    void setImage(Ptr<const image::BaseImage> image) final;
+    void setOutputImage(Ptr<image::BaseImage> image) final;
+    bool isMask() const final { return types_ == image::maskTypes; }
+    bool isOnePlan() const final { return extent_ == eExtent::eE_OnePlan; }
 
 protected:
     BaseImageAttribute(const char* name, eAttributeRole role, image::ePlanKind kind, eExtent extent,
@@ -403,7 +500,8 @@ public:
     bool isSet() const final { return this->value_.image != nullptr; }
     const image::BaseImage* getImage() const final { return this->value_.image.get(); }
     image::ePlanKind getPlanKind() const final { return Strip::kind; }
-    std::optional<image::PixelBox> getStripBox() const final;
+    bool isStrip() const final { return true; }
+    image::PixelBox getStripBox() const final { return this->value_.getBox(); }
     bool isMask() const final { return types_ == image::maskTypes; }
     core::ProcessingResult check() const final;
 

@@ -15,7 +15,7 @@ public:
 
     std::vector<double> Values;
 
-    static constexpr auto fields() { return std::tuple{data::Field{"Values", &Doubles::Values}}; }
+    void visitFields(data::FieldVisitor& field) override { field({"Values", "one number after the other"}, Values); }
 };
 
 class ORLIX_API PlanIndexedDoubles final : public PlanIndexedColl<PlanIndexedDoubles, Doubles>

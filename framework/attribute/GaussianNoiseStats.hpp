@@ -16,14 +16,15 @@ public:
     static constexpr bool definedWithoutPixels = true; ///< by NaN
 
     std::uint64_t NbPixels = 0;
-    double NoiseStdDev = 0;     ///< sqrt(pi / 2) * SumAbsLaplacian / (6 * NbPixels)
-    double SumAbsLaplacian = 0; ///< sum of |response| to the mask (1 -2 1, -2 4 -2, 1 -2 1)
+    double NoiseStdDev = 0;
+    double SumAbsLaplacian = 0;
 
-    static constexpr auto fields()
+    void visitFields(data::FieldVisitor& field) override
     {
-        return std::tuple{data::Field{"NbPixels", &GaussianNoiseStats::NbPixels},
-                          data::Field{"NoiseStdDev", &GaussianNoiseStats::NoiseStdDev},
-                          data::Field{"SumAbsLaplacian", &GaussianNoiseStats::SumAbsLaplacian}};
+        field({"NbPixels", "number of the pixels", "pixels"}, NbPixels);
+        field({"NoiseStdDev", "sqrt(pi / 2) SumAbsLaplacian / (6 NbPixels)", "grey levels"}, NoiseStdDev);
+        field({"SumAbsLaplacian", "sum of the absolute responses to the mask (1 -2 1, -2 4 -2, 1 -2 1)", "grey levels"},
+              SumAbsLaplacian);
     }
 };
 

@@ -12,9 +12,12 @@ class ORLIX_API GlobalEntropyResult final : public data::DataItem<GlobalEntropyR
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::GlobalEntropyResult";
 
-    double Entropy = 0; ///< in nats
+    double Entropy = 0;
 
-    static constexpr auto fields() { return std::tuple{data::Field{"Entropy", &GlobalEntropyResult::Entropy}}; }
+    void visitFields(data::FieldVisitor& field) override
+    {
+        field({"Entropy", "sum of p log(1 / p) over the classes of the histogram", "nats"}, Entropy);
+    }
 };
 
 class ORLIX_API PlanIndexedGlobalEntropyResult final

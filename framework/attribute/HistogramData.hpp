@@ -17,27 +17,35 @@ enum class eMinMaxDefinition : unsigned
         1 ///< Min and Max of the parameters, where they fit the pixel type; else those of the image
 };
 
+inline std::span<const char* const> namesOf(eMinMaxDefinition)
+{
+    static constexpr const char* names[] = {"image", "user"};
+    return names;
+}
+
 /// How a histogram is to be cut into classes.
 class ORLIX_API HistoMsrParams final : public data::DataItem<HistoMsrParams>
 {
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::HistoMsrParams";
 
-    double Min = 0;              ///< lower bound of the range, where the user defines it
-    double Max = 0;              ///< upper bound, itself in the last class
-    double BinWidth = 0;         ///< class width, where UseBinWidth is true; at least 1 for integer images
-    std::uint32_t NbClasses = 0; ///< wanted, where UseBinWidth is false; 0: 256, as without parameters
+    double Min = 0;
+    double Max = 0;
+    double BinWidth = 0;
+    std::uint32_t NbClasses = 0;
     eMinMaxDefinition MinMaxDefinition = eMinMaxDefinition::eMMD_ImgMinMax;
     bool UseBinWidth = false;
 
-    static constexpr auto fields()
+    void visitFields(data::FieldVisitor& field) override
     {
-        return std::tuple{data::Field{"Min", &HistoMsrParams::Min},
-                          data::Field{"Max", &HistoMsrParams::Max},
-                          data::Field{"BinWidth", &HistoMsrParams::BinWidth},
-                          data::Field{"NbClasses", &HistoMsrParams::NbClasses},
-                          data::Field{"MinMaxDefinition", &HistoMsrParams::MinMaxDefinition},
-                          data::Field{"UseBinWidth", &HistoMsrParams::UseBinWidth}};
+        field({"Min", "lower bound of the range, where the user defines it", "grey levels", "min"}, Min);
+        field({"Max", "upper bound, itself in the last class", "grey levels", "max"}, Max);
+        field({"BinWidth", "width of a class, where UseBinWidth is set; at least 1 for integers", "grey levels",
+               "bin-width"},
+              BinWidth);
+        field({"NbClasses", "number of classes, where UseBinWidth is not set; 0: 256", "", "classes"}, NbClasses);
+        field({"MinMaxDefinition", "where the range comes from"}, MinMaxDefinition);
+        field({"UseBinWidth", "whether BinWidth holds, or NbClasses"}, UseBinWidth);
     }
 };
 
@@ -72,11 +80,12 @@ public:
     /// Adds the frequencies of a histogram of the same classes.
     HistogramData& operator+=(const HistogramData& other);
 
-    static constexpr auto fields()
+    void visitFields(data::FieldVisitor& field) override
     {
-        return std::tuple{data::Field{"Min", &HistogramData::Min}, data::Field{"Max", &HistogramData::Max},
-                          data::Field{"BinWidth", &HistogramData::BinWidth},
-                          data::Field{"Frequencies", &HistogramData::Frequencies}};
+        field({"Min", "lower bound of the first class", "grey levels"}, Min);
+        field({"Max", "upper bound of the range, itself in the last class", "grey levels"}, Max);
+        field({"BinWidth", "width of a class", "grey levels"}, BinWidth);
+        field({"Frequencies", "pixels in each class", "pixels"}, Frequencies);
     }
 };
 

@@ -16,7 +16,10 @@ public:
 
     std::uint64_t Value = 0;
 
-    static constexpr auto fields() { return std::tuple{data::Field{"Value", &IndexableUInt64::Value}}; }
+    void visitFields(data::FieldVisitor& field) override
+    {
+        field({"Value", "number of the objects", "objects"}, Value);
+    }
 };
 
 class ORLIX_API PlanIndexedIndexableUInt64 final : public PlanIndexedColl<PlanIndexedIndexableUInt64, IndexableUInt64>

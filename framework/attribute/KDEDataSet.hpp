@@ -16,12 +16,12 @@ public:
     static constexpr const char* typeName = "orlix::imaproc::attr::KDEDataSet";
 
     std::vector<double> Samples;
-    double Bandwidth = 0; ///< the standard deviation of the kernel, in grey levels
+    double Bandwidth = 0;
 
-    static constexpr auto fields()
+    void visitFields(data::FieldVisitor& field) override
     {
-        return std::tuple{data::Field{"Samples", &KDEDataSet::Samples},
-                          data::Field{"Bandwidth", &KDEDataSet::Bandwidth}};
+        field({"Samples", "the pixels that were drawn", "grey levels"}, Samples);
+        field({"Bandwidth", "standard deviation of the kernel", "grey levels"}, Bandwidth);
     }
 };
 
@@ -39,6 +39,12 @@ enum class eKDEBandwidth : unsigned
     eKB_Fixed = 2      ///< that of the policy
 };
 
+inline std::span<const char* const> namesOf(eKDEBandwidth)
+{
+    static constexpr const char* names[] = {"silverman", "scott", "fixed"};
+    return names;
+}
+
 /// How the bandwidth is chosen.
 class ORLIX_API KDEBandwidthPolicy final : public data::DataItem<KDEBandwidthPolicy>
 {
@@ -46,12 +52,12 @@ public:
     static constexpr const char* typeName = "orlix::imaproc::attr::KDEBandwidthPolicy";
 
     eKDEBandwidth Rule = eKDEBandwidth::eKB_Silverman;
-    double Bandwidth = 0; ///< where Rule is eKB_Fixed
+    double Bandwidth = 0;
 
-    static constexpr auto fields()
+    void visitFields(data::FieldVisitor& field) override
     {
-        return std::tuple{data::Field{"Rule", &KDEBandwidthPolicy::Rule},
-                          data::Field{"Bandwidth", &KDEBandwidthPolicy::Bandwidth}};
+        field({"Rule", "where the bandwidth comes from", "", "bandwidth"}, Rule);
+        field({"Bandwidth", "the bandwidth, where Rule is fixed", "grey levels"}, Bandwidth);
     }
 };
 
@@ -65,6 +71,8 @@ class ORLIX_API InOptKDENbSamples final
 {
 public:
     static constexpr const char* name = "InOptKDENbSamples";
+    static constexpr data::FieldInfo info{
+        .name = name, .help = "how many pixels are drawn", .unit = "pixels", .option = "samples"};
     static Storage getDefault() { return 1000u; }
 };
 

@@ -12,15 +12,19 @@ class ORLIX_API NCCResult final : public data::DataItem<NCCResult>
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::NCCResult";
 
-    double SumSquaredDev1 = 0; ///< sum of the squared deviations of image 1; of a merged record, that of image 2
-    double SumSquaredDev2 = 0; ///< sum of the squared deviations of image 2; a merge leaves it as it is
-    double Correlation = 0;    ///< from -1 to 1; NaN where an image is constant
+    double SumSquaredDev1 = 0;
+    double SumSquaredDev2 = 0;
+    double Correlation = 0;
 
-    static constexpr auto fields()
+    void visitFields(data::FieldVisitor& field) override
     {
-        return std::tuple{data::Field{"SumSquaredDev1", &NCCResult::SumSquaredDev1},
-                          data::Field{"SumSquaredDev2", &NCCResult::SumSquaredDev2},
-                          data::Field{"Correlation", &NCCResult::Correlation}};
+        field({"SumSquaredDev1", "sum of the squared deviations of image 1; of a merged record, that of image 2",
+               "grey levels^2"},
+              SumSquaredDev1);
+        field(
+            {"SumSquaredDev2", "sum of the squared deviations of image 2; a merge leaves it as it is", "grey levels^2"},
+            SumSquaredDev2);
+        field({"Correlation", "from -1 to 1; NaN where an image is constant"}, Correlation);
     }
 };
 

@@ -18,11 +18,14 @@ public:
     double e = 0;
     double f = 0;
 
-    static constexpr auto fields()
+    void visitFields(data::FieldVisitor& field) override
     {
-        using P = ParaboloidParams3d;
-        return std::tuple{data::Field{"a", &P::a}, data::Field{"b", &P::b}, data::Field{"c", &P::c},
-                          data::Field{"d", &P::d}, data::Field{"e", &P::e}, data::Field{"f", &P::f}};
+        field({"a", "factor of x^2", "grey levels"}, a);
+        field({"b", "factor of y^2", "grey levels"}, b);
+        field({"c", "factor of x y", "grey levels"}, c);
+        field({"d", "factor of x", "grey levels"}, d);
+        field({"e", "factor of y", "grey levels"}, e);
+        field({"f", "constant", "grey levels"}, f);
     }
 };
 

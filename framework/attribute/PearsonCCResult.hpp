@@ -12,9 +12,12 @@ class ORLIX_API PearsonCCResult final : public data::DataItem<PearsonCCResult>
 public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PearsonCCResult";
 
-    double PearsonCC = 0; ///< the number of pixels times the coefficient r
+    double PearsonCC = 0;
 
-    static constexpr auto fields() { return std::tuple{data::Field{"PearsonCC", &PearsonCCResult::PearsonCC}}; }
+    void visitFields(data::FieldVisitor& field) override
+    {
+        field({"PearsonCC", "number of the pixels times the coefficient r", "pixels"}, PearsonCC);
+    }
 };
 
 class ORLIX_API PlanIndexedPearsonCCResult final : public PlanIndexedColl<PlanIndexedPearsonCCResult, PearsonCCResult>

@@ -25,23 +25,13 @@ public:
         core::guarded(ORLIX_HERE, [&] { Coordinates = dynamic_cast<const CoordsList&>(other).Coordinates; });
     }
     /// As one list of numbers.
-    core::ProcessingResult write(data::OutputArchive& archive) const final
+    void visitFields(data::FieldVisitor& field) final
     {
-        std::vector<double> numbers;
-        numbers.reserve(Coordinates.size() * sizeof(Coords) / sizeof(double));
-        for (const Coords& at : Coordinates) {
-            if constexpr (is3d) {
-                numbers.insert(numbers.end(), {at.x, at.y, at.z});
-            } else {
-                numbers.insert(numbers.end(), {at.x, at.y});
-            }
-        }
-        archive.write(key, numbers);
-        return {};
+        std::vector<double> numbers = toNumbers();
+        field({.name = key, .help = "positions, in raster order", .unit = "pixels", .columns = axes}, numbers);
     }
     core::ProcessingResult read(data::InputArchive& archive) final
     {
-        constexpr std::size_t axes = is3d ? 3 : 2;
         std::vector<double> numbers;
         core::ProcessingResult result = archive.read(key, numbers);
         if (result && numbers.size() % axes != 0) {
@@ -61,6 +51,21 @@ public:
 private:
     static constexpr const char* key = "Coordinates";
     static constexpr bool is3d = std::is_same_v<Coords, image::Coords3d>;
+    static constexpr std::size_t axes = is3d ? 3 : 2;
+
+    std::vector<double> toNumbers() const
+    {
+        std::vector<double> numbers;
+        numbers.reserve(Coordinates.size() * axes);
+        for (const Coords& at : Coordinates) {
+            if constexpr (is3d) {
+                numbers.insert(numbers.end(), {at.x, at.y, at.z});
+            } else {
+                numbers.insert(numbers.end(), {at.x, at.y});
+            }
+        }
+        return numbers;
+    }
 };
 
 /// Pixels of a plan.
@@ -94,6 +99,8 @@ class ORLIX_API InNbFeatures final : public ValueInput<InNbFeatures, unsigned>
 {
 public:
     static constexpr const char* name = "InNbFeatures";
+    static constexpr data::FieldInfo info{
+        .name = name, .help = "the most coordinates of one plan or volume", .option = "limit"};
 };
 
 class ORLIX_API InPixels2d final : public ObjectInput<InPixels2d, Pixels2d>

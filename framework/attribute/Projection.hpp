@@ -18,10 +18,18 @@ enum class eProjStatType : unsigned
     ePST_Var = 6 ///< of the population
 };
 
+inline std::span<const char* const> namesOf(eProjStatType)
+{
+    static constexpr const char* names[] = {"max", "mean", "median", "min", "stddev", "sum", "var"};
+    return names;
+}
+
 class ORLIX_API InProjStatType final : public ValueInput<InProjStatType, eProjStatType>
 {
 public:
     static constexpr const char* name = "InProjStatType";
+    static constexpr data::FieldInfo info{
+        .name = name, .help = "the statistic of every line of pixels", .option = "stat"};
 };
 
 class ORLIX_API OutProjStat final : public ObjectOutput<OutProjStat, Doubles>

@@ -14,16 +14,17 @@ public:
     static constexpr const char* typeName = "orlix::imaproc::attr::SimilarityStats";
 
     std::uint64_t NbPixels = 0;
-    double SumSquaredDiff = 0; ///< sum of (a - b)^2
-    double MSE = 0;            ///< mean of (a - b)^2
-    double PSNR =
-        0; ///< 20 log10(255 / sqrt(MSE)) decibels, whatever the pixel type; the greatest double where MSE is 0
+    double SumSquaredDiff = 0;
+    double MSE = 0;
+    double PSNR = 0;
 
-    static constexpr auto fields()
+    void visitFields(data::FieldVisitor& field) override
     {
-        return std::tuple{data::Field{"NbPixels", &SimilarityStats::NbPixels},
-                          data::Field{"SumSquaredDiff", &SimilarityStats::SumSquaredDiff},
-                          data::Field{"MSE", &SimilarityStats::MSE}, data::Field{"PSNR", &SimilarityStats::PSNR}};
+        field({"NbPixels", "number of the pixels", "pixels"}, NbPixels);
+        field({"SumSquaredDiff", "sum of (a - b)^2", "grey levels^2"}, SumSquaredDiff);
+        field({"MSE", "mean of (a - b)^2", "grey levels^2"}, MSE);
+        field({"PSNR", "20 log10(255 / sqrt(MSE)), whatever the pixel type; the greatest double where MSE is 0", "dB"},
+              PSNR);
     }
 };
 

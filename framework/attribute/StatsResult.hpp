@@ -16,18 +16,21 @@ public:
 
     static constexpr bool definedWithoutPixels = true; ///< by NaN
 
-    std::uint64_t NbPixels = 0; ///< pixels that entered the result
+    std::uint64_t NbPixels = 0;
     double Sum = 0;
-    double Mean = 0; ///< Sum / NbPixels
+    double Mean = 0;
     double Min = 0;
     double Max = 0;
-    double StdDev = 0; ///< of the population: sqrt(E[x^2] - Mean^2)
+    double StdDev = 0;
 
-    static constexpr auto fields()
+    void visitFields(data::FieldVisitor& field) override
     {
-        return std::tuple{data::Field{"NbPixels", &StatsResult::NbPixels}, data::Field{"Sum", &StatsResult::Sum},
-                          data::Field{"Mean", &StatsResult::Mean},         data::Field{"Min", &StatsResult::Min},
-                          data::Field{"Max", &StatsResult::Max},           data::Field{"StdDev", &StatsResult::StdDev}};
+        field({"NbPixels", "number of the pixels", "pixels"}, NbPixels);
+        field({"Sum", "sum of the pixels", "grey levels"}, Sum);
+        field({"Mean", "Sum / NbPixels", "grey levels"}, Mean);
+        field({"Min", "lowest pixel", "grey levels"}, Min);
+        field({"Max", "highest pixel", "grey levels"}, Max);
+        field({"StdDev", "standard deviation of the population: sqrt(E[x^2] - Mean^2)", "grey levels"}, StdDev);
     }
 };
 

@@ -14,6 +14,8 @@ enum class eSerializationMessage : unsigned
     eSM_WrongClass = 3,    ///< key, class name
     eSM_TooDeep = 4,       ///< key
     eSM_TakenSection = 5,  ///< class name
+    eSM_NoField = 6,       ///< field, class name, the fields that there are
+    eSM_WrongField = 7,    ///< field, class name, what it takes
     eSM_NewerVersion = 25, ///< version in the archive, supported version, class name
 };
 

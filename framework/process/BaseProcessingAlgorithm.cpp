@@ -49,7 +49,7 @@ core::InstructionSetsIdentifier BaseProcessingAlgorithm::getForcedInstructionSet
 void BaseProcessingAlgorithm::getDataTypeIdColl(image::DataTypeIdentifierColl& dataTypes) const
 {
     for (const attr::BaseAttribute* const attribute : getAttributes()) {
-        if (attribute->getStripBox() && !attribute->isMask()) {
+        if (attribute->isStrip() && attribute->isSet() && !attribute->isMask()) {
             dataTypes.add(image::ImageBufferTypeIdentifier{attribute->getImage()->getType()});
         }
     }
@@ -58,8 +58,8 @@ void BaseProcessingAlgorithm::getDataTypeIdColl(image::DataTypeIdentifierColl& d
 void BaseProcessingAlgorithm::initDataParserColl(StripParserColl& parsers) const
 {
     for (const attr::BaseAttribute* const attribute : getAttributes()) {
-        if (const auto box = attribute->getStripBox()) {
-            parsers.push_back(image::StripParser{*box});
+        if (attribute->isStrip() && attribute->isSet()) {
+            parsers.push_back(image::StripParser{attribute->getStripBox()});
         }
     }
 }

@@ -11,6 +11,8 @@
 
 #include <boost/container/static_vector.hpp>
 
+#include <string_view>
+
 namespace orlix::imaproc
 {
 
@@ -124,8 +126,8 @@ protected:
     {
         requireInitialized(ORLIX_HERE);
         for (attr::BaseAttribute* const attribute : attributes_) {
-            if (auto* const found = dynamic_cast<A*>(attribute)) {
-                return *found;
+            if (std::string_view{A::name} == attribute->getName()) {
+                return static_cast<A&>(*attribute);
             }
         }
         throwNoSuchAttribute(A::name, ORLIX_HERE);

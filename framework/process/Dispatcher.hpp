@@ -18,10 +18,14 @@ public:
     core::ProcessingResult process(const RunContext& context) final;
 
 protected:
-    /// `grain` children, at least, make it worth to use another thread.
-    BaseDispatcher(std::size_t children, std::size_t grain, ePriority priority)
-        : children_{children}, grain_{grain}, priority_{priority}
-    {}
+    /// What the next process() runs: `grain` children, at least, make it worth to use another thread.
+    void setChildren(std::size_t children, std::size_t grain, ePriority priority)
+    {
+        children_ = children;
+        grain_ = grain;
+        priority_ = priority;
+    }
+    std::size_t getNbChildren() const { return children_; }
 
     /// The failure of the first child that fails, in the children's order among those that ran.
     class Failure
@@ -42,9 +46,9 @@ protected:
     virtual void runChildren(std::size_t begin, std::size_t end, const RunContext& childContext, Failure& failure) = 0;
 
 private:
-    std::size_t children_;
-    std::size_t grain_;
-    ePriority priority_;
+    std::size_t children_ = 0;
+    std::size_t grain_ = 1;
+    ePriority priority_ = ePriority::eP_Normal;
 };
 
 } // namespace orlix::imaproc

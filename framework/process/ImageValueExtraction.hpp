@@ -14,6 +14,12 @@ enum class eImageValueExtraction : unsigned
     eIVE_NearestPixel = 0
 };
 
+inline std::span<const char* const> namesOf(eImageValueExtraction)
+{
+    static constexpr const char* names[] = {"nearest"};
+    return names;
+}
+
 class ORLIX_API ImageValueExtractionMethod final : public data::DataItem<ImageValueExtractionMethod>
 {
 public:
@@ -21,7 +27,10 @@ public:
 
     eImageValueExtraction Method = eImageValueExtraction::eIVE_NearestPixel;
 
-    static constexpr auto fields() { return std::tuple{data::Field{"Method", &ImageValueExtractionMethod::Method}}; }
+    void visitFields(data::FieldVisitor& field) override
+    {
+        field({"Method", "how the value at a position is found"}, Method);
+    }
 };
 
 /// The pixel at the position.

@@ -25,104 +25,94 @@ Rule Level::makeRule() const
         const BaseAttribute& first = *getAttributes().front();
         const BaseAttribute& output = *getAttributes().back();
         ProcessingResult result =
-            (output.getImage() != nullptr ? matchOutputSize(output, first) : matchImagePlans(output, first)).check();
+            output.getImage() != nullptr ? checkOutputSize(output, first) : checkImagePlans(output, first);
         for (const BaseAttribute* const attribute : getAttributes()) {
-            if (result && attribute->getRole() != attr::eAttributeRole::eAR_Output) {
-                result = matchSize(first, *attribute).check();
+            if (result && attribute != &first && attribute->getRole() != attr::eAttributeRole::eAR_Output) {
+                result = checkSize(first, *attribute);
             }
         }
         return result;
     }};
 }
 
-/// The children of one run.
-class Level::Children final : public BaseDispatcher
+void Level::runChildren(std::size_t begin, std::size_t end, const RunContext& childContext, Failure& failure)
 {
-public:
-    Children(Level& level, std::size_t grain, ePriority priority)
-        : BaseDispatcher{level.nbChildren_, grain, priority}, level_{level}
-    {}
-
-private:
-    void runChildren(std::size_t begin, std::size_t end, const RunContext& childContext, Failure& failure) override
-    {
-        // One processor serves the whole range, one child at a time.
-        const ChildClass& childClass = *level_.child_;
-        const Ptr<BaseProcessor> child = childClass.processorClass->getCreators().processor();
-        (void)child->init(eProcessorRulePolicy::eRP_CheckRules);
-        child->setDispatchPolicy(level_.getDispatchPolicy());
-        for (std::size_t i = begin; i < end && !childContext.cancelled() && !failure; ++i) {
-            ProcessingResult result;
-            try {
-                const attr::Share share = level_.getShare(i);
-                for (std::size_t k = 0; k < childClass.nbLinks; ++k) {
-                    const ChildClass::Link link = childClass.links[k];
-                    child->getAttributes()[link.to]->take(share, *level_.getAttributes()[link.from]);
-                }
-                level_.giveResults(*child, i);
-                level_.prepareChild(*child, i);
-                result = child->execute(childContext);
-                if (result) {
-                    level_.takeResults(*child);
-                }
-            } catch (...) {
-                result = ProcessingResult::failure(core::describeCurrentException());
+    // One processor serves the whole range, one child at a time.
+    const Ptr<BaseProcessor> child = child_->processorClass->getCreators().processor();
+    (void)child->init(eProcessorRulePolicy::eRP_CheckRules);
+    child->setDispatchPolicy(getDispatchPolicy());
+    for (std::size_t i = begin; i < end && !childContext.cancelled() && !failure; ++i) {
+        ProcessingResult result;
+        try {
+            const attr::Share share = getShare(i);
+            for (std::size_t k = 0; k < child_->nbLinks; ++k) {
+                const ChildClass::Link link = child_->links[k];
+                child->getAttributes()[link.to]->take(share, *getAttributes()[link.from]);
             }
-            if (!result) {
-                failure.report(i, std::move(result));
+            giveResults(*child, i);
+            prepareChild(*child, i);
+            result = child->execute(childContext);
+            if (result) {
+                takeResults(*child);
             }
+        } catch (...) {
+            result = ProcessingResult::failure(core::describeCurrentException());
+        }
+        if (!result) {
+            failure.report(i, std::move(result));
         }
     }
+}
 
-    Level& level_;
-};
-
-const Merge& Level::getMerge() const
+Ptr<ActionProvider> Level::asProvider()
 {
-    return isOnGpu_ ? inPlace : getLevelClass().getMerge();
+    return {Ptr<ActionProvider>{}, this}; // which outlives its run
 }
 
 std::size_t Level::cut()
 {
-    child_ = &getLevelClass().getChild(chooseChild());
+    const LevelClass& level = getLevelClass();
+    child_ = &level.getChild(chooseChild());
+    merge_ = &level.getMerge();
     const BaseAttribute& first = *getAttributes().front();
     const image::BaseImage& image = *first.getImage();
     if (child_->cut != nullptr) {
         const std::size_t minBytes = getMinStripPixels() * image.getPixelSize();
         cut_ = child_->cut(image, std::max(getDispatchPolicy().stripBytes, minBytes), getMinStripElements());
-        return nbChildren_ = cut_->size();
+        return cut_.size();
     }
-    collection_ = dynamic_cast<const attr::BasePlanIndexedColl*>(getAttributes().back()->getRecord().get());
-    plans_.emplace(image.getGeometry(), first.getPlanKind());
-    return nbChildren_ = collection_ != nullptr ? collection_->size() : plans_->size();
+    collection_ = getAttributes().back()->getCollection();
+    plans_ = image::PlanRange{image.getGeometry(), first.getPlanKind()};
+    return collection_ != nullptr ? collection_->size() : plans_.size();
 }
 
 attr::Share Level::getShare(std::size_t child) const
 {
-    if (isOnGpu_) {
-        return {};
+    if (child_->cut != nullptr) {
+        const std::size_t first = cut_.begin(child);
+        return {.first = first, .count = cut_.begin(child + 1) - first};
     }
-    if (cut_) {
-        const std::size_t first = cut_->begin(child);
-        return {.first = first, .count = cut_->begin(child + 1) - first};
-    }
-    return {.plan = collection_ != nullptr ? collection_->getPlan(child) : (*plans_)[child]};
+    return {.plan = collection_ != nullptr ? collection_->getPlan(child) : plans_[child]};
 }
 
 Ptr<ActionProvider> Level::tryToLaunchGpuProcess(ePriority priority)
 {
     const GpuVariant* const variant = getLevelClass().getGpuVariant();
+    if (variant == nullptr || !variant->isUsable()) {
+        return nullptr;
+    }
     const auto& attributes = getAttributes();
-    isOnGpu_ = variant != nullptr && variant->isUsable() &&
-               std::all_of(attributes.begin(), attributes.end(), [](const BaseAttribute* attribute) {
-                   return attribute->getImage() == nullptr || attribute->getImage()->isGpuImage();
-               });
-    if (!isOnGpu_) {
+    if (!std::all_of(attributes.begin(), attributes.end(), [](const BaseAttribute* attribute) {
+            return attribute->getImage() == nullptr || attribute->getImage()->isGpuImage();
+        })) {
         return nullptr;
     }
     child_ = &variant->child;
-    nbChildren_ = 1;
-    return makePtr<Children>(*this, std::size_t{1}, priority);
+    merge_ = &inPlace;
+    collection_ = nullptr;
+    plans_ = {{1, 1}, image::ePlanKind::ePK_Plan2d};
+    setChildren(1, 1, priority);
+    return asProvider();
 }
 
 ProcessingResult Level::retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider)
@@ -131,27 +121,26 @@ ProcessingResult Level::retrieveProvider(ePriority priority, Ptr<ActionProvider>
     if (provider) {
         return {};
     }
-    cut();
+    const std::size_t children = cut();
     std::size_t grain = 1;
-    if (!cut_) {
+    if (child_->cut == nullptr) {
         // Plans are taken together until they are worth another thread; and ranges of half a grain occur, too.
-        const BaseAttribute& first = *getAttributes().front();
-        const image::BaseImage& image = *first.getImage();
-        const std::size_t planBytes =
-            getSubGeometry(image.getGeometry(), first.getPlanKind()).nbPixels() * image.getPixelSize();
+        const image::BaseImage& image = *getAttributes().front()->getImage();
+        const auto kind = getAttributes().front()->getPlanKind();
+        const std::size_t planBytes = getSubGeometry(image.getGeometry(), kind).nbPixels() * image.getPixelSize();
         const std::size_t maxParallel = getMaxParallelPlans();
-        grain = std::max({std::size_t{1}, getDispatchPolicy().stripBytes / std::max<std::size_t>(1, planBytes),
-                          maxParallel >= nbChildren_ ? 1
-                          : maxParallel <= 1         ? nbChildren_
-                                                     : 2 * (nbChildren_ / maxParallel + 1)});
+        grain = std::max<std::size_t>(1, getDispatchPolicy().stripBytes / std::max<std::size_t>(1, planBytes));
+        if (maxParallel < children) {
+            grain = std::max(grain, maxParallel <= 1 ? children : 2 * (children / maxParallel + 1));
+        }
     }
-    const std::size_t nbResults = child_->nbAttributes - child_->firstResult;
-    if (getMerge().order == Merge::Order::InOrder) {
-        parts_.resize(nbChildren_ * nbResults);
-    } else if (getMerge().order == Merge::Order::AnyOrder) {
-        getMerge().clear(*getAttributes().back()->getRecord());
+    if (merge_->order == Merge::Order::InOrder) {
+        parts_.resize(children * (child_->nbAttributes - child_->firstResult));
+    } else if (merge_->order == Merge::Order::AnyOrder) {
+        merge_->clear(*getAttributes().back()->getRecord());
     }
-    provider = makePtr<Children>(*this, grain, priority);
+    setChildren(children, grain, priority);
+    provider = asProvider();
     return {};
 }
 
@@ -161,21 +150,21 @@ void Level::giveResults(BaseProcessor& child, std::size_t index)
     const std::size_t nbResults = attributes.size() - child_->firstResult;
     for (std::size_t k = 0; k < nbResults; ++k) {
         BaseAttribute& result = *attributes[child_->firstResult + k];
-        const auto own = getAttributes().back()->getRecord();
-        switch (getMerge().order) {
+        switch (merge_->order) {
         case Merge::Order::InPlace:
-            result.setRecord(own);
+            result.setRecord(getAttributes().back()->shareRecord());
             break;
         case Merge::Order::InOrder:
             result.setRecord(parts_[index * nbResults + k] = result.createRecord());
             break;
         case Merge::Order::AnyOrder:
-            if (nbChildren_ == 1) {
-                result.setRecord(own);
+            if (getNbChildren() == 1) {
+                result.setRecord(getAttributes().back()->shareRecord());
             } else {
                 const std::lock_guard lock{mutex_};
                 if (parts_.empty()) {
-                    result.setRecord(boost::static_pointer_cast<data::BaseDataItem>(own->duplicateShared()));
+                    result.setRecord(boost::static_pointer_cast<data::BaseDataItem>(
+                        getAttributes().back()->getRecord()->duplicateShared()));
                 } else {
                     result.setRecord(std::move(parts_.back()));
                     parts_.pop_back();
@@ -188,28 +177,23 @@ void Level::giveResults(BaseProcessor& child, std::size_t index)
 
 void Level::takeResults(BaseProcessor& child)
 {
-    if (getMerge().order == Merge::Order::AnyOrder && nbChildren_ > 1) {
+    if (merge_->order == Merge::Order::AnyOrder && getNbChildren() > 1) {
         const std::lock_guard lock{mutex_};
-        parts_.push_back(child.getAttributes().back()->getRecord());
-        getMerge().add(*getAttributes().back()->getRecord(), *parts_.back());
+        parts_.push_back(child.getAttributes().back()->shareRecord());
+        merge_->add(*getAttributes().back()->getRecord(), *parts_.back());
     }
 }
 
 void Level::clearIntermediateDataDerived()
 {
     parts_.clear();
-    cut_.reset();
-    plans_.reset();
-    collection_ = nullptr;
     child_ = nullptr;
-    nbChildren_ = 0;
-    isOnGpu_ = false;
 }
 
 ProcessingResult Level::postProcess()
 {
-    if (getMerge().merge != nullptr && child_ != nullptr) {
-        getMerge().merge(parts_, *getAttributes().back()->getRecord(), *this);
+    if (child_ != nullptr && merge_->merge != nullptr) {
+        merge_->merge(getParts(), *getAttributes().back()->getRecord(), *this);
     }
     return {};
 }

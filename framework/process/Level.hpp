@@ -5,11 +5,12 @@
 #include <framework/process/Processor.hpp>
 #include <framework/process/StripCut.hpp>
 
+#include <boost/container/small_vector.hpp>
+
 #include <array>
 #include <cstdint>
 #include <limits>
 #include <mutex>
-#include <optional>
 #include <vector>
 
 namespace orlix::imaproc
@@ -71,7 +72,7 @@ private:
 /// A processor that shares its work among children of another class: level 1, one child per plan of its first image, or
 /// level 2, one per strip. All images that it takes have the size of the first. Self has a `static LevelClass
 /// processorClass`.
-class ORLIX_API Level : public BaseAsync1Processor
+class ORLIX_API Level : public BaseAsync1Processor, protected BaseDispatcher
 {
 protected:
     Rule makeRule() const override;
@@ -98,23 +99,23 @@ protected:
     std::size_t cut();
     attr::Share getShare(std::size_t child) const;
     /// What the children left in their outputs, child by child.
-    Merge::Parts getParts() const { return parts_; }
+    Merge::Parts getParts() const { return {parts_.data(), parts_.size()}; }
 
 private:
-    class Children;
+    void runChildren(std::size_t begin, std::size_t end, const RunContext& childContext, Failure& failure) final;
+    Ptr<ActionProvider> asProvider();
 
     const LevelClass& getLevelClass() const { return static_cast<const LevelClass&>(getProcessorClass()); }
-    const Merge& getMerge() const;
     void giveResults(BaseProcessor& child, std::size_t index);
     void takeResults(BaseProcessor& child);
 
-    const ChildClass* child_ = nullptr;
-    bool isOnGpu_ = false;
-    std::optional<StripCut> cut_;
-    std::optional<image::PlanRange> plans_;
+    const ChildClass* child_ = nullptr; ///< of the run; what follows holds while there is one
+    const Merge* merge_ = nullptr;
+    StripCut cut_{0, 0, 0};
+    image::PlanRange plans_{{}, image::ePlanKind::ePK_Plan2d};
     const attr::BasePlanIndexedColl* collection_ = nullptr; ///< whose plans these are, if it has some of its own
-    std::size_t nbChildren_ = 0;
-    std::vector<Ptr<data::BaseDataItem>> parts_; ///< those in any order: no more than children run at once, and idle
+    boost::container::small_vector<Ptr<data::BaseDataItem>, 4>
+        parts_; ///< those in any order: no more than children run at once, and idle
     std::mutex mutex_;
 };
 

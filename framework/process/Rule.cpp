@@ -39,56 +39,62 @@ Rule If(Rule condition, Rule then, Rule otherwise)
 
 Rule matchImagePlans(const attr::BaseAttribute& output, const attr::BaseAttribute& input)
 {
-    return Rule{[&output, &input]() -> ProcessingResult {
-        const auto record = output.getRecord();
-        const auto* const collection = dynamic_cast<const attr::BasePlanIndexedColl*>(record.get());
-        const image::BaseImage* const image = input.getImage();
-        if (collection == nullptr || image == nullptr) {
-            return {};
-        }
-        if (collection->size() == 1 && collection->getPlan(0) == image::PlanIndex{}) {
-            return {};
-        }
-        const image::PlanRange plans{image->getGeometry(), input.getPlanKind()};
-        bool same = collection->size() == plans.size();
-        for (std::size_t i = 0; same && i < plans.size(); ++i) {
-            same = collection->getPlan(i) == plans[i];
-        }
-        return same ? ProcessingResult{}
-                    : ProcessingResult::failure(core::formatMessage(eProcessorMessage::eWrongPlans, output.getName(),
-                                                                    collection->size(), input.getName(), plans.size()));
-    }};
+    return Rule{[&output, &input] { return checkImagePlans(output, input); }};
 }
-
 Rule matchOutputSize(const attr::BaseAttribute& output, const attr::BaseAttribute& input)
 {
-    return Rule{[&output, &input]() -> ProcessingResult {
-        if (!output.isSet() || !input.isSet()) {
-            return {};
-        }
-        const image::ImageGeometry& size = output.getImage()->getGeometry();
-        const image::ImageGeometry& inputSize = input.getImage()->getGeometry();
-        const image::ImageGeometry needed = output.getOutputGeometry(inputSize);
-        return size == needed
-                   ? ProcessingResult{}
-                   : ProcessingResult::failure(core::formatMessage(eProcessorMessage::eWrongOutputSize,
-                                                                   output.getName(), toString(size), toString(needed),
-                                                                   input.getName(), toString(inputSize)));
-    }};
+    return Rule{[&output, &input] { return checkOutputSize(output, input); }};
 }
-
 Rule matchSize(const attr::BaseAttribute& first, const attr::BaseAttribute& second)
 {
-    return Rule{[&first, &second]() -> ProcessingResult {
-        const image::BaseImage* const one = first.getImage();
-        const image::BaseImage* const other = second.getImage();
-        if (one == nullptr || other == nullptr || one->getGeometry() == other->getGeometry()) {
-            return {};
-        }
-        return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eUnequalSizes, second.getName(),
-                                                             toString(other->getGeometry()), first.getName(),
-                                                             toString(one->getGeometry())));
-    }};
+    return Rule{[&first, &second] { return checkSize(first, second); }};
+}
+
+ProcessingResult checkImagePlans(const attr::BaseAttribute& output, const attr::BaseAttribute& input)
+{
+    const attr::BasePlanIndexedColl* const collection = output.getCollection();
+    const image::BaseImage* const image = input.getImage();
+    if (collection == nullptr || image == nullptr) {
+        return {};
+    }
+    if (collection->size() == 1 && collection->getPlan(0) == image::PlanIndex{}) {
+        return {};
+    }
+    const image::PlanRange plans{image->getGeometry(), input.getPlanKind()};
+    bool same = collection->size() == plans.size();
+    for (std::size_t i = 0; same && i < plans.size(); ++i) {
+        same = collection->getPlan(i) == plans[i];
+    }
+    return same ? ProcessingResult{}
+                : ProcessingResult::failure(core::formatMessage(eProcessorMessage::eWrongPlans, output.getName(),
+                                                                collection->size(), input.getName(), plans.size()));
+}
+
+ProcessingResult checkOutputSize(const attr::BaseAttribute& output, const attr::BaseAttribute& input)
+{
+    if (!output.isSet() || !input.isSet()) {
+        return {};
+    }
+    const image::ImageGeometry& size = output.getImage()->getGeometry();
+    const image::ImageGeometry& inputSize = input.getImage()->getGeometry();
+    const image::ImageGeometry needed = output.getOutputGeometry(inputSize);
+    return size == needed
+               ? ProcessingResult{}
+               : ProcessingResult::failure(core::formatMessage(eProcessorMessage::eWrongOutputSize, output.getName(),
+                                                               toString(size), toString(needed), input.getName(),
+                                                               toString(inputSize)));
+}
+
+ProcessingResult checkSize(const attr::BaseAttribute& first, const attr::BaseAttribute& second)
+{
+    const image::BaseImage* const one = first.getImage();
+    const image::BaseImage* const other = second.getImage();
+    if (one == nullptr || other == nullptr || one->getGeometry() == other->getGeometry()) {
+        return {};
+    }
+    return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eUnequalSizes, second.getName(),
+                                                         toString(other->getGeometry()), first.getName(),
+                                                         toString(one->getGeometry())));
 }
 
 Rule matchType(const attr::BaseAttribute& first, const attr::BaseAttribute& second)

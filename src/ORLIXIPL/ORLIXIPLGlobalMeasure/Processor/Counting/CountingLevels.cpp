@@ -1,8 +1,8 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Counting/CountingLevels.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Define.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/MeasureMessages.hpp>
 
-#include <framework/attribute/AttributeMessages.hpp>
 #include <framework/core/Settings.hpp>
 
 #include <algorithm>
@@ -130,8 +130,8 @@ core::ProcessingResult makeLabelCounter(Ptr<const image::BaseImage> image, doubl
     const auto span = static_cast<std::uint32_t>(highest - lowest);
     const std::size_t bytes = NumberSet::bytesFor(span);
     if (const std::size_t limit = core::settings::getMemoryLimit(); bytes > limit) {
-        return core::ProcessingResult::failure(core::formatMessage(attr::eAttributeMessage::eAM_WideLabels, lowest,
-                                                                   highest, (bytes >> 20) + 1, limit >> 20));
+        return core::ProcessingResult::failure(
+            core::formatMessage(eMeasureMessage::eMM_WideLabels, lowest, highest, (bytes >> 20) + 1, limit >> 20));
     }
     const auto first = static_cast<std::uint32_t>(static_cast<std::int64_t>(lowest));
     provider = makePtr<LabelCounter>(std::move(image), first, span, partBytes, priority, labels);

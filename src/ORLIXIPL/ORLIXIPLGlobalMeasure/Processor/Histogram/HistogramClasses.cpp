@@ -1,6 +1,6 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramClasses.hpp>
 
-#include <framework/attribute/AttributeMessages.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/MeasureMessages.hpp>
 #include <framework/core/Settings.hpp>
 
 #include <algorithm>
@@ -10,7 +10,6 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using attr::eAttributeMessage;
 using core::ProcessingResult;
 using image::eImageBufferType;
 
@@ -62,7 +61,7 @@ double getBinWidth(eImageBufferType type, const HistoMsrParams* params, double s
 }
 
 template <class... Arguments>
-ProcessingResult fail(eAttributeMessage message, const Arguments&... arguments)
+ProcessingResult fail(eMeasureMessage message, const Arguments&... arguments)
 {
     return ProcessingResult::failure(core::formatMessage(message, arguments...));
 }
@@ -95,20 +94,20 @@ ProcessingResult makeClasses(HistogramData& histogram, eImageBufferType type, co
 {
     const double span = getSpan(type, min, max);
     if (!std::isfinite(span)) {
-        return fail(eAttributeMessage::eAM_NoFiniteRange, min, max);
+        return fail(eMeasureMessage::eMM_NoFiniteRange, min, max);
     }
     if (params != nullptr && params->UseBinWidth && params->BinWidth == 0 && span > 0) {
-        return fail(eAttributeMessage::eAM_WrongBinWidth, InOptHistoMsrParams::name, 0.0);
+        return fail(eMeasureMessage::eMM_WrongBinWidth, InOptHistoMsrParams::name, 0.0);
     }
     const double width = getBinWidth(type, params, span);
     if (span > 0 && !std::isfinite(1 / width)) {
-        return fail(eAttributeMessage::eAM_NarrowRange, min, max, width);
+        return fail(eMeasureMessage::eMM_NarrowRange, min, max, width);
     }
     const double classes = countClasses(span, width);
     constexpr double mebi = 1 << 20;
     const double bytes = (classes + 1) * static_cast<double>(bytesPerClass);
     if (const std::size_t limit = core::settings::getMemoryLimit(); bytes > static_cast<double>(limit)) {
-        return fail(eAttributeMessage::eAM_ManyClasses, static_cast<std::uint64_t>(classes), std::ceil(bytes / mebi),
+        return fail(eMeasureMessage::eMM_ManyBins, static_cast<std::uint64_t>(classes), std::ceil(bytes / mebi),
                     static_cast<double>(limit) / mebi);
     }
     histogram.Min = min;
@@ -143,7 +142,7 @@ Rule matchBinWidth(const InOptHistoMsrParams& params, const attr::BaseAttribute&
     return Rule{[&params, &image]() -> ProcessingResult {
         const HistoMsrParams* const record = params.get().get();
         if (record != nullptr && !record->UseBinWidth && record->NbClasses == 0 && record->BinWidth != 0) {
-            return fail(eAttributeMessage::eAM_UnusedBinWidth, params.getName(), record->BinWidth);
+            return fail(eMeasureMessage::eMM_UnusedBinWidth, params.getName(), record->BinWidth);
         }
         if (record == nullptr || !record->UseBinWidth || record->BinWidth > 0) {
             return {};
@@ -153,7 +152,7 @@ Rule matchBinWidth(const InOptHistoMsrParams& params, const attr::BaseAttribute&
         if (isFloat(type) && record->BinWidth == 0 && mayBePoint) {
             return {};
         }
-        return fail(eAttributeMessage::eAM_WrongBinWidth, params.getName(), record->BinWidth);
+        return fail(eMeasureMessage::eMM_WrongBinWidth, params.getName(), record->BinWidth);
     }};
 }
 
@@ -161,13 +160,13 @@ ProcessingResult checkHasClasses(const attr::BaseAttribute& output, const Histog
 {
     constexpr std::size_t most = std::size_t{1} << 31;
     const std::size_t size = histogram.Frequencies.size();
-    return size >= 2 && size <= most ? ProcessingResult{} : fail(eAttributeMessage::eAM_NoClasses, output.getName());
+    return size >= 2 && size <= most ? ProcessingResult{} : fail(eMeasureMessage::eMM_NoBins, output.getName());
 }
 
 Rule matchClasses(const attr::BaseAttribute& output, const attr::BaseAttribute& pixels)
 {
     return Rule{[&output, &pixels]() -> ProcessingResult {
-        const auto histogram = boost::static_pointer_cast<HistogramData>(output.getRecord());
+        const auto* const histogram = static_cast<const HistogramData*>(output.getRecord());
         ProcessingResult result = checkHasClasses(output, histogram ? *histogram : HistogramData{});
         if (!result) {
             return result;
@@ -176,16 +175,16 @@ Rule matchClasses(const attr::BaseAttribute& output, const attr::BaseAttribute& 
         const auto [lowest, highest] = image::getValueRange(type);
         const auto isInside = [lowest = lowest, highest = highest](double x) { return lowest <= x && x <= highest; };
         if (!isInside(histogram->Min) || !isInside(histogram->Max)) {
-            return fail(eAttributeMessage::eAM_WrongRange, output.getName(), histogram->Min, histogram->Max,
+            return fail(eMeasureMessage::eMM_WrongRange, output.getName(), histogram->Min, histogram->Max,
                         image::getName(type), lowest, highest);
         }
         const double width = histogram->BinWidth;
         const bool isPoint = isFloat(type) && histogram->Min == histogram->Max && width == 0;
         if (!(width > 0) && !isPoint) {
-            return fail(eAttributeMessage::eAM_WrongBinWidth, output.getName(), width);
+            return fail(eMeasureMessage::eMM_WrongBinWidth, output.getName(), width);
         }
         if (!isFloat(type) && width < 1) {
-            return fail(eAttributeMessage::eAM_NarrowClasses, output.getName(), width, 1.0);
+            return fail(eMeasureMessage::eMM_NarrowBins, output.getName(), width, 1.0);
         }
         return {};
     }};

@@ -36,7 +36,7 @@ core::ProcessingResult HistogramStrip<IsMasked>::read(data::InputArchive& archiv
 {
     core::ProcessingResult result = BaseProcessingAlgorithm::read(archive);
     attr::BaseAttribute& histogram = *getAttributes().back();
-    histogram.setRecord(histogram.getRecord());
+    histogram.setRecord(histogram.shareRecord());
     return result;
 }
 

@@ -1,8 +1,8 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/KernelDensity/KDELevels.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Define.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/MeasureMessages.hpp>
 
-#include <framework/attribute/AttributeMessages.hpp>
 #include <framework/core/Random.hpp>
 #include <framework/core/Settings.hpp>
 
@@ -25,7 +25,7 @@ core::ProcessingResult checkNbSamples(std::size_t nbSamples, std::size_t positio
         return {};
     }
     return core::ProcessingResult::failure(
-        core::formatMessage(attr::eAttributeMessage::eAM_ManySamples, nbSamples, (bytes >> 20) + 1, limit >> 20));
+        core::formatMessage(eMeasureMessage::eMM_ManySamples, nbSamples, (bytes >> 20) + 1, limit >> 20));
 }
 
 double drawAlong(std::size_t size, core::random::Draw& draw)

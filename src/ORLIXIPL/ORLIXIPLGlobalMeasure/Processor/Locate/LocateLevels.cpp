@@ -1,9 +1,9 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Locate/LocateLevels.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Define.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/MeasureMessages.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Locate/FindSetBytes.hpp>
 
-#include <framework/attribute/AttributeMessages.hpp>
 #include <framework/core/HugePages.hpp>
 #include <framework/core/Settings.hpp>
 
@@ -32,10 +32,9 @@ core::ProcessingResult checkNbPositions(std::size_t nbPositions, std::size_t pos
 {
     const std::size_t bytes = nbPositions * positionBytes;
     const std::size_t limit = core::settings::getMemoryLimit();
-    return bytes <= limit
-               ? core::ProcessingResult{}
-               : core::ProcessingResult::failure(core::formatMessage(attr::eAttributeMessage::eAM_ManyPositions,
-                                                                     nbPositions, (bytes >> 20) + 1, limit >> 20));
+    return bytes <= limit ? core::ProcessingResult{}
+                          : core::ProcessingResult::failure(core::formatMessage(
+                                eMeasureMessage::eMM_ManyPositions, nbPositions, (bytes >> 20) + 1, limit >> 20));
 }
 
 } // namespace

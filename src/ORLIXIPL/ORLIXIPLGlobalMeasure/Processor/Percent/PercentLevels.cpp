@@ -2,9 +2,9 @@
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Define.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/StripRuns.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/MeasureMessages.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Percent/LabelCounts.hpp>
 
-#include <framework/attribute/AttributeMessages.hpp>
 #include <framework/core/Settings.hpp>
 
 #include <algorithm>
@@ -40,14 +40,14 @@ core::ProcessingResult checkLabel(std::uint32_t largest, std::size_t nbStrips)
     constexpr std::uint32_t most = 0x7ffffffe; // that a table has room for
     if (largest > most) {
         return core::ProcessingResult::failure(
-            core::formatMessage(attr::eAttributeMessage::eAM_UncountableLabel, largest, most));
+            core::formatMessage(eMeasureMessage::eMM_UncountableLabel, largest, most));
     }
     // A list per strip, that of the plan, and the counts and tables of the strip at work.
     const std::size_t bytes = (std::size_t{largest} + 1) * sizeof(double) * (nbStrips + 3);
     const std::size_t limit = core::settings::getMemoryLimit();
     return bytes <= limit ? core::ProcessingResult{}
-                          : core::ProcessingResult::failure(core::formatMessage(
-                                attr::eAttributeMessage::eAM_HighLabel, largest, (bytes >> 20) + 1, limit >> 20));
+                          : core::ProcessingResult::failure(core::formatMessage(eMeasureMessage::eMM_HighLabel, largest,
+                                                                                (bytes >> 20) + 1, limit >> 20));
 }
 
 namespace

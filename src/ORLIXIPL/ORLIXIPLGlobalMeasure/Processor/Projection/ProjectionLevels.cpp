@@ -39,126 +39,130 @@ core::eInstructionSet::domain chooseMedianSet(core::InstructionSetsIdentifier fo
 
 } // namespace
 
-template <eProjStatType Statistic>
-void XProjectionStrip<Statistic>::functionRegistration(AlgorithmFunctionSelector& selector)
+void XProjectionStrip::functionRegistration(AlgorithmFunctionSelector& selector, eProjStatType statistic)
 {
-    registerKernels<XProjectionStrip>(selector, 1, []<class T>(std::type_identity<T>, auto domain) {
-        return Statistic == ePST_Median ? domain == core::eInstructionSet::eIS_Generic
-                                        : kernelOf<T>(getColumnKernels().of(domain)).sum != nullptr;
+    registerKernels<XProjectionStrip>(selector, 1, [statistic]<class T>(std::type_identity<T>, auto set) {
+        return statistic == ePST_Median ? set == core::eInstructionSet::eIS_Generic
+                                        : kernelOf<T>(getColumnKernels().of(set)).sum != nullptr;
     });
 }
 
-template <eProjStatType Statistic>
 template <class T>
-core::ProcessingResult XProjectionStrip<Statistic>::genericProcessFunction(ProcessingInfo)
+core::ProcessingResult XProjectionStrip::genericProcessFunction(ProcessingInfo)
 {
     const image::PixelBox& box = getParser(0).getBox();
     const Columns<T> columns{reinterpret_cast<const T*>(box.origin), box.x, box.y, box.strideY};
-    const auto kernel = kernelOf<T>(getColumnKernels().of(getDomain()));
-    if constexpr (Statistic == ePST_StdDev || Statistic == ePST_Var) {
-        std::vector<double>& sums = static_cast<Doubles&>(*getAttributes()[1]->getRecord()).Values;
-        std::vector<double>& squares = output<Doubles>().Values;
-        sums.assign(box.x, 0);
-        squares.assign(box.x, 0);
-        kernel.squares(columns, sums.data(), squares.data());
+    const ColumnKernel<T> kernel = kernelOf<T>(getColumnKernels().of(getDomain()));
+    std::vector<double>& values = output<Doubles>().Values; // or the sums of squares
+    std::vector<T> pixels;
+    switch (getStatistic()) {
+    case ePST_Mean:
+    case ePST_Sum:
+        values.assign(box.x, 0);
+        kernel.sum(columns, values.data());
         return {};
-    } else {
-        std::vector<double>& values = output<Doubles>().Values;
-        if constexpr (Statistic == ePST_Mean || Statistic == ePST_Sum) {
-            values.assign(box.x, 0);
-            kernel.sum(columns, values.data());
-            return {};
-        }
-        std::vector<T> pixels(box.x);
-        if constexpr (Statistic == ePST_Median) {
-            const auto median = kernelOf<T>(getColumnKernels().of(chooseMedianSet(getEffectiveSets())));
-            const auto scratch = std::make_unique_for_overwrite<unsigned char[]>(median.scratchBytes(box.x, box.y));
-            median.median(columns, scratch.get(), pixels.data());
-        } else if constexpr (Statistic == ePST_Min) {
-            pixels.assign(box.x, core::NumericLimits<T>::s_max);
-            kernel.least(columns, pixels.data());
-        } else {
-            pixels.assign(box.x, core::NumericLimits<T>::s_min);
-            kernel.most(columns, pixels.data());
-        }
-        values.assign(pixels.begin(), pixels.end());
+    case ePST_StdDev:
+    case ePST_Var: {
+        std::vector<double>& sums = static_cast<Doubles&>(*getAttributes()[1]->getRecord()).Values;
+        sums.assign(box.x, 0);
+        values.assign(box.x, 0);
+        kernel.squares(columns, sums.data(), values.data());
         return {};
     }
+    case ePST_Median: {
+        pixels.resize(box.x);
+        const ColumnKernel<T> medians = kernelOf<T>(getColumnKernels().of(chooseMedianSet(getEffectiveSets())));
+        const auto scratch = std::make_unique_for_overwrite<unsigned char[]>(medians.scratchBytes(box.x, box.y));
+        medians.median(columns, scratch.get(), pixels.data());
+        break;
+    }
+    case ePST_Min:
+        pixels.assign(box.x, core::NumericLimits<T>::s_max);
+        kernel.least(columns, pixels.data());
+        break;
+    default:
+        pixels.assign(box.x, core::NumericLimits<T>::s_min);
+        kernel.most(columns, pixels.data());
+        break;
+    }
+    values.assign(pixels.begin(), pixels.end());
+    return {};
 }
 
-template <eProjStatType Statistic>
-void YProjectionStrip<Statistic>::functionRegistration(AlgorithmFunctionSelector& selector)
+void YProjectionStrip::functionRegistration(AlgorithmFunctionSelector& selector, eProjStatType statistic)
 {
-    registerKernels<YProjectionStrip>(selector, 1, []<class T>(std::type_identity<T>, auto domain) {
-        return Statistic == ePST_Median ? domain == core::eInstructionSet::eIS_Generic
-                                        : kernelOf<T>(getRowKernels().of(domain)).sum != nullptr;
+    registerKernels<YProjectionStrip>(selector, 1, [statistic]<class T>(std::type_identity<T>, auto set) {
+        return statistic == ePST_Median ? set == core::eInstructionSet::eIS_Generic
+                                        : kernelOf<T>(getRowKernels().of(set)).sum != nullptr;
     });
 }
 
-namespace
-{
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
-
-template <eProjStatType Statistic, class T>
-double reduceRow(Run<T> row, const RowKernel<T>& kernel)
-{
-    Moments moments{};
-    const auto n = static_cast<double>(row.size);
-    if constexpr (Statistic == ePST_Sum || Statistic == ePST_Mean) {
-        kernel.sum(row, moments);
-        return Statistic == ePST_Sum ? getSum<T>(moments) : getSum<T>(moments) / n;
-    } else if constexpr (Statistic == ePST_Var || Statistic == ePST_StdDev) {
-        kernel.squares(row, moments);
-        const double sum = getSum<T>(moments);
-        // On purpose: no clamp. Rounding may make the variance negative, and the deviation NaN.
-        const double variance = (getSumOfSquares<T>(moments) - sum * sum / n) / n;
-        return Statistic == ePST_Var ? variance : std::sqrt(variance);
-    } else {
-        constexpr double worst = Statistic == ePST_Min ? infinity : -infinity;
-        moments.min = infinity;
-        moments.max = -infinity;
-        kernel.extremes(row, moments);
-        const double extreme = Statistic == ePST_Min ? moments.min : moments.max;
-        // Nothing but NaN, perhaps.
-        return extreme == worst && std::all_of(row.pixels, row.pixels + row.size, [](T x) { return x != x; })
-                   ? static_cast<double>(row.pixels[0])
-                   : extreme;
-    }
-}
-
-} // namespace
-
-template <eProjStatType Statistic>
 template <class T>
-core::ProcessingResult YProjectionStrip<Statistic>::genericProcessFunction(ProcessingInfo)
+core::ProcessingResult YProjectionStrip::genericProcessFunction(ProcessingInfo)
 {
     const image::PixelBox& box = getParser(0).getBox();
     std::vector<double>& values = output<Doubles>().Values;
     values.resize(box.y);
-    const auto row = [&](std::size_t y) {
-        return Run<T>{reinterpret_cast<const T*>(box.origin + static_cast<std::ptrdiff_t>(y) * box.strideY), box.x};
+    const auto n = static_cast<double>(box.x);
+    const auto forEachRow = [&](auto reduce) {
+        for (std::size_t y = 0; y < box.y; ++y) {
+            const auto* const row = box.origin + static_cast<std::ptrdiff_t>(y) * box.strideY;
+            values[y] = reduce(Run<T>{reinterpret_cast<const T*>(row), box.x});
+        }
     };
-    if constexpr (Statistic == ePST_Median) {
-        const auto kernel = kernelOf<T>(getRowKernels().of(chooseMedianSet(getEffectiveSets())));
+    const eProjStatType statistic = getStatistic();
+    const bool isMedian = statistic == ePST_Median;
+    const RowKernel<T> kernel =
+        kernelOf<T>(getRowKernels().of(isMedian ? chooseMedianSet(getEffectiveSets()) : getDomain()));
+    switch (statistic) {
+    case ePST_Sum:
+    case ePST_Mean:
+        forEachRow([&](Run<T> row) {
+            Moments moments{};
+            kernel.sum(row, moments);
+            return statistic == ePST_Sum ? getSum<T>(moments) : getSum<T>(moments) / n;
+        });
+        break;
+    case ePST_Var:
+    case ePST_StdDev:
+        forEachRow([&](Run<T> row) {
+            Moments moments{};
+            kernel.squares(row, moments);
+            const double sum = getSum<T>(moments);
+            // On purpose: no clamp. Rounding may make the variance negative, and the deviation NaN.
+            const double variance = (getSumOfSquares<T>(moments) - sum * sum / n) / n;
+            return statistic == ePST_Var ? variance : std::sqrt(variance);
+        });
+        break;
+    case ePST_Median: {
         const auto scratch = std::make_unique_for_overwrite<unsigned char[]>(rowScratchBytes<T>(box.x));
-        for (std::size_t y = 0; y < box.y; ++y) {
-            values[y] = kernel.median(row(y), scratch.get());
-        }
-    } else {
-        const auto kernel = kernelOf<T>(getRowKernels().of(getDomain()));
-        for (std::size_t y = 0; y < box.y; ++y) {
-            values[y] = reduceRow<Statistic, T>(row(y), kernel);
-        }
+        forEachRow([&](Run<T> row) { return static_cast<double>(kernel.median(row, scratch.get())); });
+        break;
+    }
+    default:
+        forEachRow([&](Run<T> row) {
+            constexpr double infinity = std::numeric_limits<double>::infinity();
+            const bool isMin = statistic == ePST_Min;
+            Moments moments{};
+            moments.min = infinity;
+            moments.max = -infinity;
+            kernel.extremes(row, moments);
+            const double extreme = isMin ? moments.min : moments.max;
+            // Nothing but NaN, perhaps.
+            return extreme == (isMin ? infinity : -infinity) &&
+                           std::all_of(row.pixels, row.pixels + row.size, [](T x) { return x != x; })
+                       ? static_cast<double>(row.pixels[0])
+                       : extreme;
+        });
+        break;
     }
     return {};
 }
 
-template <eProjStatType Statistic>
-void SeqProjectionStrip<Statistic>::functionRegistration(AlgorithmFunctionSelector& selector)
+void SeqProjectionStrip::functionRegistration(AlgorithmFunctionSelector& selector, eProjStatType)
 {
     registerPairKernels<SeqProjectionStrip>(
-        selector, [](auto, core::eInstructionSet::domain domain) { return domain != core::eInstructionSet::eIS_AVX; });
+        selector, [](auto, core::eInstructionSet::domain set) { return set != core::eInstructionSet::eIS_AVX; });
 }
 
 namespace
@@ -183,80 +187,73 @@ struct Output
     }
 };
 
-template <eProjStatType Statistic, class T>
-void writeSums(const Columns<T>& columns, const ColumnKernel<T>& kernel, const Output& output, std::byte* to)
+template <class T>
+void writeSums(const Columns<T>& columns, eProjStatType statistic, const ColumnKernel<T>& kernel, const Output& output,
+               std::byte* to)
 {
     const auto n = static_cast<double>(columns.count);
+    const ProjectionFinish& finish = output.writers.finish;
     double sums[chunk];
     std::fill_n(sums, columns.width, 0.0);
-    if constexpr (Statistic == ePST_Sum || Statistic == ePST_Mean) {
+    if (statistic == ePST_Sum || statistic == ePST_Mean) {
         kernel.sum(columns, sums);
-        if constexpr (Statistic == ePST_Mean) {
-            output.writers.finish.mean(sums, columns.width, n);
+        if (statistic == ePST_Mean) {
+            finish.mean(sums, columns.width, n);
         }
     } else {
         double squares[chunk];
         std::fill_n(squares, columns.width, 0.0);
         kernel.squares(columns, sums, squares);
-        const auto finish = Statistic == ePST_Var ? output.writers.finish.variance : output.writers.finish.deviation;
-        finish(sums, squares, columns.width, n);
+        (statistic == ePST_Var ? finish.variance : finish.deviation)(sums, squares, columns.width, n);
     }
     output.write(sums, columns.width, to);
 }
 
-template <eProjStatType Statistic, class T>
-void selectPixels(const Columns<T>& columns, const ColumnKernel<T>& kernel, unsigned char* scratch, T* to)
-{
-    if constexpr (Statistic == ePST_Median) {
-        kernel.median(columns, scratch, to);
-    } else {
-        std::memcpy(to, columns.pixels, columns.width * sizeof(T));
-        const Columns<T> others = columns.part(0, columns.width, 1, columns.count - 1);
-        (Statistic == ePST_Min ? kernel.least : kernel.most)(others, to);
-    }
-}
-
-template <eProjStatType Statistic, class T>
-void writeSelected(const Columns<T>& columns, const ColumnKernel<T>& kernel, const Output& output,
-                   unsigned char* scratch, std::byte* to)
+template <class T>
+void writeSelected(const Columns<T>& columns, eProjStatType statistic, const ColumnKernel<T>& kernel,
+                   const Output& output, unsigned char* scratch, std::byte* to)
 {
     T pixels[chunk]; // not the output itself, which may be a plane of the input
-    double numbers[chunk];
-    selectPixels<Statistic>(columns, kernel, scratch, pixels);
+    if (statistic == ePST_Median) {
+        kernel.median(columns, scratch, pixels);
+    } else {
+        std::memcpy(pixels, columns.pixels, columns.width * sizeof(T));
+        const Columns<T> others = columns.part(0, columns.width, 1, columns.count - 1);
+        (statistic == ePST_Min ? kernel.least : kernel.most)(others, pixels);
+    }
     if (output.type == image::imageBufferTypeOf<T>) {
         std::memcpy(to, pixels, columns.width * sizeof(T));
         return;
     }
+    double numbers[chunk];
     kernelOf<T>(output.writers).read(pixels, columns.width, numbers);
     output.write(numbers, columns.width, to);
 }
 
 } // namespace
 
-template <eProjStatType Statistic>
 template <class T>
-core::ProcessingResult SeqProjectionStrip<Statistic>::genericProcessFunction(ProcessingInfo info)
+core::ProcessingResult SeqProjectionStrip::genericProcessFunction(ProcessingInfo info)
 {
     const image::BaseImage& sequence = *getAttributes()[0]->getImage();
     const image::BaseImage& target = *getAttributes()[1]->getImage();
-    const auto kernel = kernelOf<T>(getColumnKernels().of(getDomain()));
+    const ColumnKernel<T> kernel = kernelOf<T>(getColumnKernels().of(getDomain()));
     const Output output{getPixelWriterKernels().of(getDomain()), target.getType()};
     const std::size_t count = sequence.getGeometry().t;
-    std::unique_ptr<unsigned char[]> scratch;
-    if constexpr (Statistic == ePST_Median) {
-        scratch =
-            std::make_unique_for_overwrite<unsigned char[]>(kernel.scratchBytes(std::min(chunk, info.rowSize), count));
-    }
+    const eProjStatType statistic = getStatistic();
+    const bool isMedian = statistic == ePST_Median;
+    const auto scratch = std::make_unique_for_overwrite<unsigned char[]>(
+        isMedian ? kernel.scratchBytes(std::min(chunk, info.rowSize), count) : 0);
     for (std::size_t i = 0; i < info.nbRuns(); ++i) {
         const Columns<T> run{getParser(0).run<T>(i, info.rowSize), info.rowSize, count, sequence.getStrides().t};
         std::byte* const to = getParser(1).outputRun<std::byte>(i, info.rowSize);
         for (std::size_t x = 0; x < run.width; x += chunk) {
             const Columns<T> columns = run.part(x, std::min(chunk, run.width - x), 0, count);
             std::byte* const pixels = to + x * target.getPixelSize();
-            if constexpr (Statistic == ePST_Max || Statistic == ePST_Min || Statistic == ePST_Median) {
-                writeSelected<Statistic>(columns, kernel, output, scratch.get(), pixels);
+            if (isMedian || statistic == ePST_Max || statistic == ePST_Min) {
+                writeSelected(columns, statistic, kernel, output, scratch.get(), pixels);
             } else {
-                writeSums<Statistic>(columns, kernel, output, pixels);
+                writeSums(columns, statistic, kernel, output, pixels);
             }
         }
     }
@@ -285,16 +282,6 @@ namespace
 const std::vector<double>& valuesOf(const Ptr<data::BaseDataItem>& part)
 {
     return static_cast<const Doubles&>(*part).Values;
-}
-
-/// The numbers of strips, one after the other.
-std::vector<double> concatenate(Merge::Parts parts)
-{
-    std::vector<double> all;
-    for (const auto& part : parts) {
-        all.insert(all.end(), valuesOf(part).begin(), valuesOf(part).end());
-    }
-    return all;
 }
 
 /// The sums of the strips' numbers: of the first of every `step` parts, or a later one.
@@ -331,7 +318,10 @@ core::ProcessingResult XProjection2dLvl1::postProcess()
     std::vector<double>& values = value<OutProjStat>().Values;
     switch (value<InProjStatType>()) {
     case ePST_Median:
-        values = concatenate(getParts());
+        values.clear();
+        for (const auto& part : getParts()) {
+            Rows::combine(values, static_cast<const Doubles&>(*part));
+        }
         break;
     case ePST_Sum:
         values = addUp(getParts(), 0, 1, size.x);
@@ -371,10 +361,22 @@ core::ProcessingResult XProjection2dLvl1::postProcess()
     return {};
 }
 
+core::ProcessingResult ZProjectionImgLvl2::preProcess()
+{
+    sequence_ = value<InSubImg3d>().getPlanesAsSequence();
+    return {};
+}
+
 void ZProjectionImgLvl2::prepareChild(BaseProcessor& child, std::size_t index)
 {
     const attr::Share share = getShare(index);
-    child.set<InSeqYStrip2d>({value<InSubImg3d>().getPlanesAsSequence(), share.first, share.count});
+    child.set<InSeqYStrip2d>({sequence_, share.first, share.count});
+}
+
+void ZProjectionImgLvl2::clearIntermediateDataDerived()
+{
+    ProjectionLevel::clearIntermediateDataDerived();
+    sequence_.reset();
 }
 
 AlgorithmClass XProjectionMax2dLvl3::processorClass = defineAlgorithm<XProjectionMax2dLvl3>(96);

@@ -4,9 +4,8 @@
 #include <framework/process/Level.hpp>
 
 /// What the projections share: a statistic of every column, row or pixel along an axis. A level has a class of strips
-/// for each statistic, in the order of eProjStatType, whose kernels its template argument names; any value beyond them
-/// stands for the first. Neither threads, nor the layout of the pixels in memory, nor the instruction set change a bit
-/// of a result.
+/// for each statistic, in the order of eProjStatType; any value beyond them stands for the first. Neither threads, nor
+/// the layout of the pixels in memory, nor the instruction set change a bit of a result.
 namespace orlix::imaproc::glbmsr
 {
 
@@ -34,25 +33,30 @@ protected:
     std::size_t chooseChild() const override;
 };
 
+/// A strip of a projection, for any statistic.
+class ORLIX_API ProjectionStrip : public BaseProcessingAlgorithm
+{
+protected:
+    virtual eProjStatType getStatistic() const = 0;
+};
+
 /// What one strip adds to an X projection: a number for every column.
-template <eProjStatType Statistic>
-class ORLIX_API XProjectionStrip : public BaseProcessingAlgorithm
+class ORLIX_API XProjectionStrip : public ProjectionStrip
 {
 public:
     /// Enters the kernels that this machine can run; of a median, only the generic one.
-    static void functionRegistration(AlgorithmFunctionSelector& selector);
+    static void functionRegistration(AlgorithmFunctionSelector& selector, eProjStatType statistic);
 
     template <class T>
     core::ProcessingResult genericProcessFunction(ProcessingInfo info);
 };
 
 /// The part of a Y projection that one strip is: a number for each of its rows.
-template <eProjStatType Statistic>
-class ORLIX_API YProjectionStrip : public BaseProcessingAlgorithm
+class ORLIX_API YProjectionStrip : public ProjectionStrip
 {
 public:
     /// Enters the kernels that this machine can run; of a median, only the generic one.
-    static void functionRegistration(AlgorithmFunctionSelector& selector);
+    static void functionRegistration(AlgorithmFunctionSelector& selector, eProjStatType statistic);
 
     template <class T>
     core::ProcessingResult genericProcessFunction(ProcessingInfo info);
@@ -60,20 +64,34 @@ public:
 
 /// A statistic of the pixels of a strip of rows over all times, written into the same rows of another image, of any of
 /// the seven pixel types.
-template <eProjStatType Statistic>
-class ORLIX_API SeqProjectionStrip : public BaseProcessingAlgorithm
+class ORLIX_API SeqProjectionStrip : public ProjectionStrip
 {
 public:
     /// Enters the kernels that this machine can run, for every pair of types.
-    static void functionRegistration(AlgorithmFunctionSelector& selector);
+    static void functionRegistration(AlgorithmFunctionSelector& selector, eProjStatType statistic);
 
     template <class T>
     core::ProcessingResult genericProcessFunction(ProcessingInfo info);
 };
 
+/// The strips of one statistic.
+template <class Strip, eProjStatType Statistic>
+class StatisticStrip : public Strip
+{
+public:
+    static void functionRegistration(AlgorithmFunctionSelector& selector)
+    {
+        Strip::functionRegistration(selector, Statistic);
+    }
+
+protected:
+    eProjStatType getStatistic() const final { return Statistic; }
+};
+
 /// The maximum of every column of a strip of rows.
 class ORLIX_API XProjectionMax2dLvl3 final
-    : public Algorithm<XProjectionMax2dLvl3, XProjectionStrip<eProjStatType::ePST_Max>, InYStrip2d, OutProjStat>
+    : public Algorithm<XProjectionMax2dLvl3, StatisticStrip<XProjectionStrip, eProjStatType::ePST_Max>, InYStrip2d,
+                       OutProjStat>
 {
 public:
     static AlgorithmClass processorClass;
@@ -81,7 +99,8 @@ public:
 
 /// The mean of every column: the sums over a strip of rows.
 class ORLIX_API XProjectionMean2dLvl3 final
-    : public Algorithm<XProjectionMean2dLvl3, XProjectionStrip<eProjStatType::ePST_Mean>, InYStrip2d, OutProjStat>
+    : public Algorithm<XProjectionMean2dLvl3, StatisticStrip<XProjectionStrip, eProjStatType::ePST_Mean>, InYStrip2d,
+                       OutProjStat>
 {
 public:
     static AlgorithmClass processorClass;
@@ -89,7 +108,8 @@ public:
 
 /// The median of every column of a strip of columns.
 class ORLIX_API XProjectionMedian2dLvl3 final
-    : public Algorithm<XProjectionMedian2dLvl3, XProjectionStrip<eProjStatType::ePST_Median>, InXStrip2d, OutProjStat>
+    : public Algorithm<XProjectionMedian2dLvl3, StatisticStrip<XProjectionStrip, eProjStatType::ePST_Median>,
+                       InXStrip2d, OutProjStat>
 {
 public:
     static AlgorithmClass processorClass;
@@ -97,7 +117,8 @@ public:
 
 /// The minimum of every column of a strip of rows.
 class ORLIX_API XProjectionMin2dLvl3 final
-    : public Algorithm<XProjectionMin2dLvl3, XProjectionStrip<eProjStatType::ePST_Min>, InYStrip2d, OutProjStat>
+    : public Algorithm<XProjectionMin2dLvl3, StatisticStrip<XProjectionStrip, eProjStatType::ePST_Min>, InYStrip2d,
+                       OutProjStat>
 {
 public:
     static AlgorithmClass processorClass;
@@ -105,8 +126,8 @@ public:
 
 /// The standard deviation of every column: sums, and sums of squares, over a strip of rows.
 class ORLIX_API XProjectionStdDev2dLvl3 final
-    : public Algorithm<XProjectionStdDev2dLvl3, XProjectionStrip<eProjStatType::ePST_StdDev>, InYStrip2d, OutProjStat1,
-                       OutProjStat2>
+    : public Algorithm<XProjectionStdDev2dLvl3, StatisticStrip<XProjectionStrip, eProjStatType::ePST_StdDev>,
+                       InYStrip2d, OutProjStat1, OutProjStat2>
 {
 public:
     static AlgorithmClass processorClass;
@@ -114,7 +135,8 @@ public:
 
 /// The sum of every column: the sums over a strip of rows.
 class ORLIX_API XProjectionSum2dLvl3 final
-    : public Algorithm<XProjectionSum2dLvl3, XProjectionStrip<eProjStatType::ePST_Sum>, InYStrip2d, OutProjStat>
+    : public Algorithm<XProjectionSum2dLvl3, StatisticStrip<XProjectionStrip, eProjStatType::ePST_Sum>, InYStrip2d,
+                       OutProjStat>
 {
 public:
     static AlgorithmClass processorClass;
@@ -122,8 +144,8 @@ public:
 
 /// The variance of every column: sums, and sums of squares, over a strip of rows.
 class ORLIX_API XProjectionVar2dLvl3 final
-    : public Algorithm<XProjectionVar2dLvl3, XProjectionStrip<eProjStatType::ePST_Var>, InYStrip2d, OutProjStat1,
-                       OutProjStat2>
+    : public Algorithm<XProjectionVar2dLvl3, StatisticStrip<XProjectionStrip, eProjStatType::ePST_Var>, InYStrip2d,
+                       OutProjStat1, OutProjStat2>
 {
 public:
     static AlgorithmClass processorClass;
@@ -143,7 +165,8 @@ protected:
 
 /// The maximum of every row of a strip of rows.
 class ORLIX_API YProjectionMax2dLvl3 final
-    : public Algorithm<YProjectionMax2dLvl3, YProjectionStrip<eProjStatType::ePST_Max>, InYStrip2d, OutProjStat>
+    : public Algorithm<YProjectionMax2dLvl3, StatisticStrip<YProjectionStrip, eProjStatType::ePST_Max>, InYStrip2d,
+                       OutProjStat>
 {
 public:
     static AlgorithmClass processorClass;
@@ -151,7 +174,8 @@ public:
 
 /// The mean of every row of a strip of rows.
 class ORLIX_API YProjectionMean2dLvl3 final
-    : public Algorithm<YProjectionMean2dLvl3, YProjectionStrip<eProjStatType::ePST_Mean>, InYStrip2d, OutProjStat>
+    : public Algorithm<YProjectionMean2dLvl3, StatisticStrip<YProjectionStrip, eProjStatType::ePST_Mean>, InYStrip2d,
+                       OutProjStat>
 {
 public:
     static AlgorithmClass processorClass;
@@ -159,7 +183,8 @@ public:
 
 /// The median of every row of a strip of rows.
 class ORLIX_API YProjectionMedian2dLvl3 final
-    : public Algorithm<YProjectionMedian2dLvl3, YProjectionStrip<eProjStatType::ePST_Median>, InYStrip2d, OutProjStat>
+    : public Algorithm<YProjectionMedian2dLvl3, StatisticStrip<YProjectionStrip, eProjStatType::ePST_Median>,
+                       InYStrip2d, OutProjStat>
 {
 public:
     static AlgorithmClass processorClass;
@@ -167,7 +192,8 @@ public:
 
 /// The minimum of every row of a strip of rows.
 class ORLIX_API YProjectionMin2dLvl3 final
-    : public Algorithm<YProjectionMin2dLvl3, YProjectionStrip<eProjStatType::ePST_Min>, InYStrip2d, OutProjStat>
+    : public Algorithm<YProjectionMin2dLvl3, StatisticStrip<YProjectionStrip, eProjStatType::ePST_Min>, InYStrip2d,
+                       OutProjStat>
 {
 public:
     static AlgorithmClass processorClass;
@@ -175,7 +201,8 @@ public:
 
 /// The standard deviation of every row of a strip of rows.
 class ORLIX_API YProjectionStdDev2dLvl3 final
-    : public Algorithm<YProjectionStdDev2dLvl3, YProjectionStrip<eProjStatType::ePST_StdDev>, InYStrip2d, OutProjStat>
+    : public Algorithm<YProjectionStdDev2dLvl3, StatisticStrip<YProjectionStrip, eProjStatType::ePST_StdDev>,
+                       InYStrip2d, OutProjStat>
 {
 public:
     static AlgorithmClass processorClass;
@@ -183,7 +210,8 @@ public:
 
 /// The sum of every row of a strip of rows.
 class ORLIX_API YProjectionSum2dLvl3 final
-    : public Algorithm<YProjectionSum2dLvl3, YProjectionStrip<eProjStatType::ePST_Sum>, InYStrip2d, OutProjStat>
+    : public Algorithm<YProjectionSum2dLvl3, StatisticStrip<YProjectionStrip, eProjStatType::ePST_Sum>, InYStrip2d,
+                       OutProjStat>
 {
 public:
     static AlgorithmClass processorClass;
@@ -191,7 +219,8 @@ public:
 
 /// The variance of every row of a strip of rows.
 class ORLIX_API YProjectionVar2dLvl3 final
-    : public Algorithm<YProjectionVar2dLvl3, YProjectionStrip<eProjStatType::ePST_Var>, InYStrip2d, OutProjStat>
+    : public Algorithm<YProjectionVar2dLvl3, StatisticStrip<YProjectionStrip, eProjStatType::ePST_Var>, InYStrip2d,
+                       OutProjStat>
 {
 public:
     static AlgorithmClass processorClass;
@@ -207,8 +236,8 @@ public:
 
 /// The maximum of every pixel of a strip of rows over all times.
 class ORLIX_API SeqProjectionMaxImgLvl3 final
-    : public Algorithm<SeqProjectionMaxImgLvl3, SeqProjectionStrip<eProjStatType::ePST_Max>, InSeqYStrip2d,
-                       OutSingleYStrip2d>
+    : public Algorithm<SeqProjectionMaxImgLvl3, StatisticStrip<SeqProjectionStrip, eProjStatType::ePST_Max>,
+                       InSeqYStrip2d, OutSingleYStrip2d>
 {
 public:
     static AlgorithmClass processorClass;
@@ -216,8 +245,8 @@ public:
 
 /// The mean of every pixel of a strip of rows over all times.
 class ORLIX_API SeqProjectionMeanImgLvl3 final
-    : public Algorithm<SeqProjectionMeanImgLvl3, SeqProjectionStrip<eProjStatType::ePST_Mean>, InSeqYStrip2d,
-                       OutSingleYStrip2d>
+    : public Algorithm<SeqProjectionMeanImgLvl3, StatisticStrip<SeqProjectionStrip, eProjStatType::ePST_Mean>,
+                       InSeqYStrip2d, OutSingleYStrip2d>
 {
 public:
     static AlgorithmClass processorClass;
@@ -225,8 +254,8 @@ public:
 
 /// The median of every pixel of a strip of rows over all times.
 class ORLIX_API SeqProjectionMedianImgLvl3 final
-    : public Algorithm<SeqProjectionMedianImgLvl3, SeqProjectionStrip<eProjStatType::ePST_Median>, InSeqYStrip2d,
-                       OutSingleYStrip2d>
+    : public Algorithm<SeqProjectionMedianImgLvl3, StatisticStrip<SeqProjectionStrip, eProjStatType::ePST_Median>,
+                       InSeqYStrip2d, OutSingleYStrip2d>
 {
 public:
     static AlgorithmClass processorClass;
@@ -234,8 +263,8 @@ public:
 
 /// The minimum of every pixel of a strip of rows over all times.
 class ORLIX_API SeqProjectionMinImgLvl3 final
-    : public Algorithm<SeqProjectionMinImgLvl3, SeqProjectionStrip<eProjStatType::ePST_Min>, InSeqYStrip2d,
-                       OutSingleYStrip2d>
+    : public Algorithm<SeqProjectionMinImgLvl3, StatisticStrip<SeqProjectionStrip, eProjStatType::ePST_Min>,
+                       InSeqYStrip2d, OutSingleYStrip2d>
 {
 public:
     static AlgorithmClass processorClass;
@@ -243,8 +272,8 @@ public:
 
 /// The standard deviation of every pixel of a strip of rows over all times.
 class ORLIX_API SeqProjectionStdDevImgLvl3 final
-    : public Algorithm<SeqProjectionStdDevImgLvl3, SeqProjectionStrip<eProjStatType::ePST_StdDev>, InSeqYStrip2d,
-                       OutSingleYStrip2d>
+    : public Algorithm<SeqProjectionStdDevImgLvl3, StatisticStrip<SeqProjectionStrip, eProjStatType::ePST_StdDev>,
+                       InSeqYStrip2d, OutSingleYStrip2d>
 {
 public:
     static AlgorithmClass processorClass;
@@ -252,8 +281,8 @@ public:
 
 /// The sum of every pixel of a strip of rows over all times.
 class ORLIX_API SeqProjectionSumImgLvl3 final
-    : public Algorithm<SeqProjectionSumImgLvl3, SeqProjectionStrip<eProjStatType::ePST_Sum>, InSeqYStrip2d,
-                       OutSingleYStrip2d>
+    : public Algorithm<SeqProjectionSumImgLvl3, StatisticStrip<SeqProjectionStrip, eProjStatType::ePST_Sum>,
+                       InSeqYStrip2d, OutSingleYStrip2d>
 {
 public:
     static AlgorithmClass processorClass;
@@ -261,8 +290,8 @@ public:
 
 /// The variance of every pixel of a strip of rows over all times.
 class ORLIX_API SeqProjectionVarImgLvl3 final
-    : public Algorithm<SeqProjectionVarImgLvl3, SeqProjectionStrip<eProjStatType::ePST_Var>, InSeqYStrip2d,
-                       OutSingleYStrip2d>
+    : public Algorithm<SeqProjectionVarImgLvl3, StatisticStrip<SeqProjectionStrip, eProjStatType::ePST_Var>,
+                       InSeqYStrip2d, OutSingleYStrip2d>
 {
 public:
     static AlgorithmClass processorClass;
@@ -292,7 +321,12 @@ public:
     static LevelClass processorClass;
 
 protected:
+    void clearIntermediateDataDerived() override;
+    core::ProcessingResult preProcess() override;
     void prepareChild(BaseProcessor& child, std::size_t index) override;
+
+private:
+    Ptr<const image::BaseImage> sequence_;
 };
 
 /// A statistic of every pixel over the planes of an image, for each channel and time.
