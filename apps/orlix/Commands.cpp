@@ -6,6 +6,7 @@
 
 #include <framework/core/Settings.hpp>
 #include <framework/process/BaseProcessingAlgorithm.hpp>
+#include <framework/process/MeasureList.hpp>
 #include <framework/process/ProcessorFactory.hpp>
 
 #include <CLI/CLI.hpp>
@@ -216,132 +217,144 @@ void showInfinity(Report& report)
     }
 }
 
-/// What `--per` may be.
-enum class Per
+Report runMeasures(const Options&)
 {
-    None,
-    Any,  ///< image (the default), plan or volume
-    Parts ///< plan (the default) or volume
-};
+    Report report{"measures", {}, {}};
+    for (const Measure& measure : MeasureList::getInstance().getMeasures()) {
+        Json forms = Json::array();
+        for (const MeasureForm& form : measure.forms) {
+            forms.push_back({{"function", form.function}, {"per", form.per}, {"mask", form.takesMask()}});
+        }
+        Json inputs = Json::array();
+        for (const MeasureInput& input : measure.forms.front().inputs) {
+            inputs.push_back({{"name", input.name}, {"mask", input.isMask}, {"optional", input.isOptional}});
+        }
+        Json parameters = Json::array();
+        for (const attr::Parameter& parameter : measure.parameters) {
+            const data::FieldInfo& info = parameter.info;
+            Json type = parameter.isWhole ? "integer" : "number";
+            if (!info.enumerators.empty()) {
+                type = Json::array();
+                for (const char* const name : info.enumerators) {
+                    type.push_back(name);
+                }
+            }
+            parameters.push_back({{"name", info.option},
+                                  {"type", type},
+                                  {"default", parameter.defaultValue ? toJson(*parameter.defaultValue) : Json{}},
+                                  {"lowest", toJson(info.lowest)},
+                                  {"highest", toJson(info.highest)},
+                                  {"unit", info.unit},
+                                  {"help", info.help}});
+        }
+        Json fields = Json::array();
+        for (const data::FieldInfo& field : measure.fields) {
+            fields.push_back({{"name", field.name}, {"unit", field.unit}, {"help", field.help}});
+        }
+        report.results.push_back({{"Name", measure.name},
+                                  {"Verb", measure.verb},
+                                  {"Help", measure.help},
+                                  {"Forms", forms},
+                                  {"Inputs", inputs},
+                                  {"Parameters", parameters},
+                                  {"Fields", fields}});
+    }
+    return report;
+}
 
-struct Verb
+/// A table of measures is for people: the names of things.
+void listNames(Report& report)
+{
+    for (Json& row : report.results) {
+        for (const auto& [list, key] :
+             {std::pair{"Forms", "function"}, {"Inputs", "name"}, {"Parameters", "name"}, {"Fields", "name"}}) {
+            std::string names;
+            for (const Json& each : row[list]) {
+                names += (names.empty() ? "" : ", ") + each[key].get<std::string>();
+            }
+            row[list] = names;
+        }
+        row.erase("Name");
+        row.erase("Inputs");
+    }
+}
+
+/// A verb that measures nothing.
+struct OwnVerb
 {
     const char* name;
     const char* help;
     Report (*run)(const Options&);
-    int images = 1;
-    Per per = Per::None;
-    bool takesMask = false;
+};
+
+constexpr OwnVerb ownVerbs[] = {
+    {"info", "type and sizes of an image", &runInfo},
+    {"measures", "the measures, their forms, parameters and fields", &runMeasures},
+    {"processors", "the processor classes and their kernels", &runProcessors},
+};
+
+/// Where a verb differs from what follows from its measure.
+struct Difference
+{
+    const char* verb;
     const char* maskHelp = "count only where this image is not 0";
-    bool takesClasses = false;
-    bool takesProjection = false;
-    bool takesSample = false;
-    bool takesLimit = false;
-    bool takesBinary = false;
-    bool takesPeak = false;
-    const char* remark = nullptr;         ///< what to beware of
     const char* gpuHelp = nullptr;        ///< of --gpu, where the verb takes it
+    bool takesBinary = false;             ///< --binary
     void (*forPeople)(Report&) = nullptr; ///< makes a table of a report that is one for machines
 };
 
-constexpr const char* ofNaN =
-    "With NaN pixels the sum, mean and deviation are NaN, and the minimum and maximum depend on where the NaN lie. The "
-    "deviation is the root of E[x^2] - Mean^2 in double precision: where pixels are far from zero compared with their "
-    "spread it has few digits (0.245 for 0.290 where float pixels lie between 1e6 and 1e6 + 1), and of constant pixels "
-    "it "
-    "may be NaN.";
-
-constexpr Verb verbs[] = {
-    {.name = "info",
-     .help = "type and sizes of an image",
-     .run = &runInfo,
-     .gpuHelp = "what GPU there is, instead of an image"},
-    {.name = "stats",
-     .help = "number, sum, mean, minimum, maximum and standard deviation of the pixels",
-     .run = &runStats,
-     .per = Per::Any,
-     .takesMask = true,
-     .remark = ofNaN,
-     .gpuHelp = "measure on the GPU"},
-    {.name = "histogram",
-     .help = "number of pixels in classes of equal width",
-     .run = &runHistogram,
-     .per = Per::Any,
-     .takesMask = true,
-     .takesClasses = true,
-     .remark = "NaN is never counted. Without --min and --max the range is that of the pixels, which NaN can narrow: "
-               "what lies outside is not counted.",
-     .forPeople = &spreadClasses},
-    {.name = "entropy",
-     .help = "entropy of the grey levels of each plan, in nats",
-     .run = &runEntropy,
-     .takesClasses = true},
-    {.name = "noise", .help = "standard deviation of Gaussian noise", .run = &runNoise},
-    {.name = "kde",
-     .help = "a random sample of the grey levels, and a bandwidth to estimate their density with",
-     .run = &runKde,
-     .per = Per::Parts,
-     .takesSample = true,
-     .forPeople = &countSamples},
-    {.name = "count",
-     .help = "number of objects in a label image",
-     .run = &runCount,
-     .per = Per::Parts,
-     .remark = "The lowest label of a plan or volume is its background, whatever it is."},
-    {.name = "percent",
-     .help = "percentage of the pixels that each value of a binary or label image has",
-     .run = &runPercent,
-     .per = Per::Parts,
-     .takesMask = true,
+constexpr Difference differences[] = {
+    {.verb = "info", .gpuHelp = "what GPU there is, instead of an image"},
+    {.verb = "measures", .forPeople = &listNames},
+    {.verb = "processors", .forPeople = &summariseKernels},
+    {.verb = "stats", .gpuHelp = "measure on the GPU"},
+    {.verb = "histogram", .forPeople = &spreadClasses},
+    {.verb = "kde", .forPeople = &countSamples},
+    {.verb = "percent",
      .maskHelp = "where this image is 0 pixels have the value 0, and still count",
      .takesBinary = true,
      .forPeople = &spreadPercentages},
-    {.name = "locate",
-     .help = "coordinates of the set pixels of a binary image",
-     .run = &runLocate,
-     .per = Per::Parts,
-     .takesLimit = true,
-     .takesBinary = true,
-     .forPeople = &spreadCoordinates},
-    {.name = "paraboloid",
-     .help = "the surface a x^2 + b y^2 + c x y + d x + e y + f that fits each plan best",
-     .run = &runParaboloid,
-     .takesMask = true,
-     .forPeople = &spreadCoefficients},
-    {.name = "ncc",
-     .help = "normalized cross correlation of two images",
-     .run = &runNcc,
-     .images = 2,
-     .per = Per::Parts,
-     .remark = "NaN where an image is constant over a plan, or over a part of some 512 KiB of it.",
-     .forPeople = &keepCorrelation},
-    {.name = "pearson",
-     .help = "Pearson correlation of two images: times the number of pixels, and the coefficient r",
-     .run = &runPearson,
-     .images = 2,
-     .per = Per::Parts},
-    {.name = "similarity",
-     .help = "squared differences of two images, their mean and the peak signal-to-noise ratio (peak 255, or --peak)",
-     .run = &runSimilarity,
-     .images = 2,
-     .takesPeak = true,
-     .remark = "PSNR is 20 log10(peak / sqrt(MSE)) dB, with a peak of 255 whatever the pixel type. Of equal images it "
-               "is infinite, which the JSON has as the largest double.",
-     .forPeople = &showInfinity},
-    {.name = "project",
-     .help = "a statistic of every column (x), row (y), pixel over the planes (z) or pixel over the times (t)",
-     .run = &runProject,
-     .takesProjection = true,
-     .remark =
-         "A maximum or minimum is that of the numbers among NaN. Numbers are rounded and limited to the pixel type "
-         "of the output: sums want --out-type float32.",
-     .forPeople = &spreadValues},
-    {.name = "processors",
-     .help = "the processor classes and their kernels",
-     .run = &runProcessors,
-     .images = 0,
-     .forPeople = &summariseKernels},
+    {.verb = "locate", .takesBinary = true, .forPeople = &spreadCoordinates},
+    {.verb = "paraboloid", .forPeople = &spreadCoefficients},
+    {.verb = "ncc", .forPeople = &keepCorrelation},
+    {.verb = "similarity", .forPeople = &showInfinity},
+    {.verb = "project", .forPeople = &spreadValues},
 };
+
+const Difference& findDifference(const std::string& verb)
+{
+    static constexpr Difference none{""};
+    const auto* const found = std::find_if(std::begin(differences), std::end(differences),
+                                           [&](const Difference& difference) { return difference.verb == verb; });
+    return found == std::end(differences) ? none : *found;
+}
+
+/// What can be run: a verb of its own, or a measure.
+struct Verb
+{
+    std::string name;
+    std::string help;
+    const OwnVerb* own = nullptr;
+    Measure measure{};
+
+    bool isProjection() const { return name == "project"; }
+    Report run(const Options& options) const
+    {
+        return own != nullptr ? own->run(options) : (isProjection() ? runProject : runMeasure)(measure, options);
+    }
+};
+
+std::vector<Verb> listVerbs()
+{
+    std::vector<Verb> verbs;
+    for (const OwnVerb& own : ownVerbs) {
+        verbs.push_back({own.name, own.help, &own});
+    }
+    for (Measure& measure : MeasureList::getInstance().getMeasures()) {
+        verbs.push_back({measure.verb, measure.help, nullptr, measure});
+    }
+    return verbs;
+}
 
 constexpr std::string_view laterVerbs[] = {"report"};
 
@@ -370,41 +383,89 @@ CLI::Validator bandwidth()
     return CLI::Validator{check, ""};
 }
 
+CLI::Validator wholeIn(std::uint32_t lowest, std::uint32_t highest)
+{
+    const auto check = [lowest, highest](const std::string& text) -> std::string {
+        std::uint32_t n = 0;
+        const bool isWhole =
+            text.find_first_not_of("0123456789") == std::string::npos && CLI::detail::lexical_cast(text, n);
+        return isWhole && lowest <= n && n <= highest
+                   ? ""
+                   : text + " is not a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest);
+    };
+    return CLI::Validator{check, ""};
+}
+
+/// An option for a parameter of a measure.
+void addParameter(CLI::App& command, const attr::Parameter& parameter, Options& options)
+{
+    const std::string name = parameter.info.option;
+    std::string help = parameter.info.help;
+    if (parameter.defaultValue && parameter.info.enumerators.empty()) {
+        help += " (default: " + toJson(*parameter.defaultValue).dump() + ")";
+    }
+    CLI::Option* const option = command.add_option("--" + name, options.parameters[name], help);
+    if (name == "bandwidth") {
+        option->description("silverman (the default), scott or a number")->transform(bandwidth())->type_name("");
+    } else if (!parameter.info.enumerators.empty()) {
+        option
+            ->transform(CLI::IsMember(
+                std::vector<std::string>(parameter.info.enumerators.begin(), parameter.info.enumerators.end()),
+                CLI::ignore_case))
+            ->type_name("");
+    } else if (parameter.isWhole) {
+        const bool countsBins = name == "classes";
+        option->check(wholeIn(countsBins ? 1 : 0, countsBins ? 0x7fffffff : 0xffffffff))->type_name("N");
+    } else {
+        option->check(finiteAbove(name == "bin-width" ? 0 : -std::numeric_limits<double>::infinity()))->type_name("X");
+    }
+}
+
+/// What one result may cover, the default first.
+std::vector<std::string> listPers(const Measure& measure)
+{
+    std::vector<std::string> pers;
+    for (const MeasureForm& form : measure.forms) {
+        if (std::find(pers.begin(), pers.end(), form.per) == pers.end()) {
+            pers.push_back(form.per);
+        }
+    }
+    return pers;
+}
+
 void addOptions(CLI::App& command, const Verb& verb, Options& options)
 {
-    if (verb.images > 0) {
-        command.add_option("IMAGE", options.image, "a TIFF file")->required(verb.run != &runInfo);
+    const Difference& difference = findDifference(verb.name);
+    const std::vector<MeasureForm>& forms = verb.measure.forms;
+    const bool isInfo = verb.name == "info";
+    if (isInfo || !forms.empty()) {
+        command.add_option("IMAGE", options.image, "a TIFF file")->required(!isInfo);
+        command.add_option("--pages", options.pages, "how the pages nest, fastest first, such as z=4,c=2,t=3")
+            ->type_name("ORDER");
     }
-    if (verb.images > 1) {
-        command.add_option("IMAGE2", options.image2, "another one, of the same size")->required();
+    if (!forms.empty()) {
+        const auto& inputs = forms.front().inputs;
+        if (std::count_if(inputs.begin(), inputs.end(), [](const MeasureInput& input) { return !input.isMask; }) > 1) {
+            command.add_option("IMAGE2", options.image2, "another one, of the same size")->required();
+        }
+        const std::vector<std::string> pers = listPers(verb.measure);
+        if (pers.size() > 1 && !verb.isProjection()) {
+            std::string help = "what one result covers: ";
+            for (std::size_t i = 0; i < pers.size(); ++i) {
+                help += (i == 0 ? "" : i + 1 == pers.size() ? " or " : ", ") + pers[i];
+            }
+            command.add_option("--per", options.per, help + " (default: " + pers.front() + ")")
+                ->transform(CLI::IsMember(pers, CLI::ignore_case))
+                ->type_name("");
+        }
+        if (std::any_of(forms.begin(), forms.end(), [](const MeasureForm& form) { return form.takesMask(); })) {
+            command.add_option("--mask", options.mask, difference.maskHelp)->type_name("FILE");
+        }
+        for (const attr::Parameter& parameter : verb.measure.parameters) {
+            addParameter(command, parameter, options);
+        }
     }
-    command.add_option("--pages", options.pages, "how the pages nest, fastest first, such as z=4,c=2,t=3")
-        ->type_name("ORDER");
-    if (verb.per == Per::Any) {
-        command.add_option("--per", options.per, "what one result covers: image, plan or volume (default: image)")
-            ->transform(CLI::IsMember({"image", "plan", "volume"}, CLI::ignore_case))
-            ->type_name("");
-    } else if (verb.per == Per::Parts) {
-        command.add_option("--per", options.per, "what one result covers: plan or volume (default: plan)")
-            ->transform(CLI::IsMember({"plan", "volume"}, CLI::ignore_case))
-            ->type_name("");
-    }
-    if (verb.takesMask) {
-        command.add_option("--mask", options.mask, verb.maskHelp)->type_name("FILE");
-    }
-    if (verb.takesClasses) {
-        command.add_option("--min", options.min, "lower bound of the range (default: the image's minimum)")
-            ->check(finiteAbove(-std::numeric_limits<double>::infinity()))
-            ->type_name("A");
-        command.add_option("--max", options.max, "upper bound, itself in the last class; goes with --min")
-            ->check(finiteAbove(-std::numeric_limits<double>::infinity()))
-            ->type_name("B");
-        command.add_option("--bin-width", options.binWidth, "width of a class")->check(finiteAbove(0))->type_name("W");
-        command.add_option("--classes", options.classes, "number of classes")
-            ->check(CLI::Range(1u, 0x7fffffffu))
-            ->type_name("N");
-    }
-    if (verb.takesProjection) {
+    if (verb.isProjection()) {
         command
             .add_option("--axis", options.axis,
                         "x: a number per column, y: a number per row, z: an image over all planes, t: an image "
@@ -412,39 +473,29 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
             ->transform(CLI::IsMember({"x", "y", "z", "t"}, CLI::ignore_case))
             ->type_name("")
             ->required();
-        command.add_option("--stat", options.stat, "max, mean, median, min, stddev, sum or var")
-            ->transform(CLI::IsMember({"max", "mean", "median", "min", "stddev", "sum", "var"}, CLI::ignore_case))
-            ->type_name("")
-            ->required();
+        command.get_option("--stat")->required();
         command.add_option("-o", options.output, "with --axis z or t: the TIFF file to write")->type_name("FILE");
         command.add_option("--out-type", options.outType, "pixel type of that file (default: the image's)")
             ->transform(
                 CLI::IsMember({"uint8", "int8", "uint16", "int16", "uint32", "int32", "float32"}, CLI::ignore_case))
             ->type_name("TYPE");
     }
-    if (verb.takesSample) {
-        command.add_option("--samples", options.samples, "how many pixels are drawn (default: 1000)")->type_name("N");
-        command.add_option("--bandwidth", options.bandwidth, "silverman (the default), scott or a number")
-            ->transform(bandwidth())
-            ->type_name("");
+    if (verb.name == "kde") {
         command
             .add_option("--seed", options.seed,
                         "seed of the sample, which it repeats for one plan, or with --threads 1")
             ->type_name("N");
     }
-    if (verb.takesPeak) {
+    if (verb.name == "similarity") {
         command.add_option("--peak", options.peak, "peak of the signal (default: 255)")
             ->check(finiteAbove(0))
             ->type_name("P");
     }
-    if (verb.takesLimit) {
-        command.add_option("--limit", options.limit, "at most so many coordinates per plan or volume")->type_name("N");
-    }
-    if (verb.takesBinary) {
+    if (difference.takesBinary) {
         command.add_flag("--binary", options.binary, "read any pixel that is not 0 as set");
     }
-    if (verb.gpuHelp != nullptr) {
-        command.add_flag("--gpu", options.gpu, verb.gpuHelp);
+    if (difference.gpuHelp != nullptr) {
+        command.add_flag("--gpu", options.gpu, difference.gpuHelp);
     }
     command.add_option("--isa", options.isa, "force an instruction set: generic, sse2, avx, avx2 or avx512")
         ->check(CLI::IsMember({"generic", "sse2", "avx", "avx2", "avx512"}))
@@ -454,16 +505,14 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
         ->type_name("N");
     command.add_flag("--json", options.json, "one JSON object on one line");
     command.add_flag("--quiet", options.quiet, "no notes on standard error");
-    if (verb.remark != nullptr) {
-        command.footer(verb.remark);
-    }
+    command.footer(verb.measure.remark);
 }
 
 /// Refuses by name what cannot be served: a verb that is not there, or verbs and options that are still to come.
-void refuseUnknown(int argc, const char* const* argv)
+void refuseUnknown(const std::vector<Verb>& verbs, int argc, const char* const* argv)
 {
-    const auto isVerb = [](const std::string& word) {
-        return std::any_of(std::begin(verbs), std::end(verbs), [&](const Verb& verb) { return verb.name == word; });
+    const auto isVerb = [&](const std::string& word) {
+        return std::any_of(verbs.begin(), verbs.end(), [&](const Verb& verb) { return verb.name == word; });
     };
     const std::string first = argc > 1 ? argv[1] : "";
     if (first == "help") {
@@ -512,7 +561,7 @@ std::string findOtherExtension(const std::string& path)
 /// What one option cannot tell by itself.
 void checkTogether(const Verb& verb, const Options& options)
 {
-    if (verb.run == &runInfo && options.image.empty() != options.gpu) {
+    if (verb.name == "info" && options.image.empty() != options.gpu) {
         throw UsageError{options.gpu ? "info --gpu takes no image" : "IMAGE is required (see orlix --help)"};
     }
     if (options.gpu && !options.mask.empty()) {
@@ -521,10 +570,10 @@ void checkTogether(const Verb& verb, const Options& options)
     if (options.gpu && !options.isa.empty()) {
         throw UsageError{"--gpu and --isa do not go together: an instruction set is the CPU's"};
     }
-    if (options.min.has_value() != options.max.has_value()) {
+    if (options.has("min") != options.has("max")) {
         throw UsageError{"--min and --max go together: give both or neither"};
     }
-    if (options.min && *options.min > *options.max) {
+    if (options.has("min") && *options.number("min") > *options.number("max")) {
         throw UsageError{"--min is above --max"};
     }
     if (options.output == "-") {
@@ -544,7 +593,7 @@ void checkTogether(const Verb& verb, const Options& options)
             throw UsageError{"--axis " + options.axis + " makes an image: name its file with -o"};
         }
     }
-    if (options.binWidth && options.classes) {
+    if (options.has("bin-width") && options.has("classes")) {
         throw UsageError{"--bin-width and --classes say the same thing: give one of them"};
     }
 }
@@ -564,7 +613,8 @@ void checkTogether(const Verb& verb, const Options& options)
 
 std::string run(int argc, const char* const* argv, std::vector<std::string>& notes)
 {
-    refuseUnknown(argc, argv);
+    const std::vector<Verb> verbs = listVerbs();
+    refuseUnknown(verbs, argc, argv);
     CLI::App app{"Global measures of 2d and 3d images.", "orlix"};
     app.set_version_flag("--version", "orlix 4.1.0.2");
     app.require_subcommand(1);
@@ -595,8 +645,7 @@ std::string run(int argc, const char* const* argv, std::vector<std::string>& not
     } catch (const CLI::ParseError& error) {
         failUsage(error, chosen(), argc, argv);
     }
-    const Verb& verb =
-        *std::find_if(std::begin(verbs), std::end(verbs), [&](const Verb& v) { return v.name == chosen(); });
+    const Verb& verb = *std::find_if(verbs.begin(), verbs.end(), [&](const Verb& v) { return v.name == chosen(); });
     checkTogether(verb, options);
     applySettings(options);
     Report report = runNamed(verb, options);
@@ -606,8 +655,8 @@ std::string run(int argc, const char* const* argv, std::vector<std::string>& not
     if (options.json) {
         return printJson(report);
     }
-    if (verb.forPeople != nullptr) {
-        verb.forPeople(report);
+    if (const auto forPeople = findDifference(verb.name).forPeople) {
+        forPeople(report);
     }
     return printTable(report);
 }

@@ -5,39 +5,12 @@
 #include <orlix/TiffFile.hpp>
 #include <orlix/TiffWriter.hpp>
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/AreaPercent2dMsr/AreaPercent2dMsr.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Counting2dMsr/Counting2dMsr.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Counting3dMsr/Counting3dMsr.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GaussianNoiseMsr/GaussianNoiseMsr.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GlobalEntropyMsr2d/GlobalEntropyMsr2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMaskMsr/HistogramMaskMsr.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMaskMsr2d/HistogramMaskMsr2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMaskMsr3d/HistogramMaskMsr3d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr/HistogramMsr.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr2d/HistogramMsr2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/HistogramMsr3d/HistogramMsr3d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/KernelDensityEstimator2d/KernelDensityEstimator2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/KernelDensityEstimator3d/KernelDensityEstimator3d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/LocatePixels2d/LocatePixels2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/LocateVoxels3d/LocateVoxels3d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/NormalizedCrossCorrelationMsr2d/NormalizedCrossCorrelationMsr2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/NormalizedCrossCorrelationMsr3d/NormalizedCrossCorrelationMsr3d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/ParaboloidImgFit2d/ParaboloidImgFit2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/PearsonCorrelationCoefficient2d/PearsonCorrelationCoefficient2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/PearsonCorrelationCoefficient3d/PearsonCorrelationCoefficient3d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SeqProjectionImg/SeqProjectionImg.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SimilarityMsr/SimilarityMsr.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMaskMsr/StatsMaskMsr.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMaskMsr2d/StatsMaskMsr2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMaskMsr3d/StatsMaskMsr3d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsr.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2d.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr3d/StatsMsr3d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/VolumePercent3dMsr/VolumePercent3dMsr.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/XProjection2d/XProjection2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/YProjection2d/YProjection2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/ZProjectionImg/ZProjectionImg.hpp>
-
+#include <framework/attribute/HistogramData.hpp>
+#include <framework/attribute/KDEDataSet.hpp>
+#include <framework/attribute/Projection.hpp>
 #include <framework/core/Random.hpp>
 
 #include <algorithm>
@@ -147,12 +120,8 @@ struct Inputs
     Report report;
 };
 
-/// The fields of a record, of any class that has such.
-constexpr auto fieldsOf = [](const auto& record) { return toJson(record); };
-
 /// One row per element of a collection, with the coordinates of its plan or volume before its fields.
-template <class Collection, class Fields = decltype(fieldsOf)>
-std::vector<Json> listResults(const Collection& collection, ePlanKind kind, Fields fields = fieldsOf)
+std::vector<Json> listResults(const attr::BasePlanIndexedColl& collection, ePlanKind kind)
 {
     std::vector<Json> rows;
     for (std::size_t i = 0; i < collection.size(); ++i) {
@@ -163,38 +132,32 @@ std::vector<Json> listResults(const Collection& collection, ePlanKind kind, Fiel
         }
         row["c"] = plan.c;
         row["t"] = plan.t;
-        row.update(fields(*collection.getElement(i)));
+        row["result"] = toJson(*collection.getElement(i));
         rows.push_back(std::move(row));
     }
     return rows;
 }
 
-/// Measures the plans of an image or, if `--per` says so, its volumes.
-template <class Plans, class Volumes>
-Report reportParts(const Options& options, Report report, const std::string& ofPlans, Plans plans,
-                   const std::string& ofVolumes, Volumes volumes)
+/// Its fields instead of the record of every row.
+void spreadResults(Report& report)
 {
-    if (options.per == "volume") {
-        report.measure = ofVolumes;
-        report.results = listResults(*volumes(), ePlanKind::ePK_Volume3d);
-    } else {
-        report.measure = ofPlans;
-        report.results = listResults(*plans(), ePlanKind::ePK_Plan2d);
+    for (Json& row : report.results) {
+        const Json result = row["result"];
+        row.erase("result");
+        row.update(result);
     }
-    return report;
 }
 
-/// Measures the whole image or, if `--per` says so, its plans or volumes. `name` is the measure of the whole image.
-template <class Whole, class Plans, class Volumes>
-Report reportPer(const Options& options, Report report, const std::string& name, Whole whole, Plans plans,
-                 Volumes volumes)
+/// The form of a measure that the options ask for.
+const MeasureForm& chooseForm(const Measure& measure, const Options& options)
 {
-    if (!options.per.empty() && options.per != "image") {
-        return reportParts(options, std::move(report), name + "2d", plans, name + "3d", volumes);
+    const bool isMasked = !options.mask.empty();
+    for (const MeasureForm& form : measure.forms) {
+        if ((options.per.empty() || form.per == options.per) && (isMasked ? form.takesMask() : !form.needsMask())) {
+            return form;
+        }
     }
-    report.measure = name;
-    report.results = {toJson(*whole())};
-    return report;
+    throw UsageError{"there is no " + measure.verb + " --per " + options.per + (isMasked ? " under a mask" : "")};
 }
 
 /// Notes what holds of some results.
@@ -266,9 +229,10 @@ void noteClasses(const Options& options, const Inputs& inputs, Report& report)
         for (const Json& frequency : row["Frequencies"]) {
             counted += frequency.get<std::uint64_t>();
         }
-        outside += !options.min && static_cast<double>(counted) != pixels[i];
-        otherWidths += options.binWidth && row["BinWidth"] != *options.binWidth;
-        otherNumbers += options.classes && row["Frequencies"].size() != *options.classes;
+        outside += !options.has("min") && static_cast<double>(counted) != pixels[i];
+        otherWidths += options.has("bin-width") && row["BinWidth"] != *options.number("bin-width");
+        otherNumbers +=
+            options.has("classes") && static_cast<double>(row["Frequencies"].size()) != *options.number("classes");
     }
     note(report,
          "some pixels are in no class: NaN, which also narrow the range, or values that single precision rounds out of "
@@ -282,17 +246,17 @@ void noteClasses(const Options& options, const Inputs& inputs, Report& report)
 /// The same for the entropy, whose histograms are not seen: from the ranges of the plans.
 void noteEntropyClasses(const Options& options, const Ptr<const BaseImage>& image, Report& report)
 {
-    if (!options.binWidth && !options.classes) {
+    if (!options.has("bin-width") && !options.has("classes")) {
         return;
     }
     const bool isFloat = image->getType() == eImageBufferType::eIBT_Float32;
     std::size_t replaced = 0;
     const auto ranges = multiSlice_statsMsr2d(image);
     for (std::size_t i = 0; i < ranges->size(); ++i) {
-        const double min = options.min.value_or(ranges->getElement(i)->Min);
-        const double max = options.max.value_or(ranges->getElement(i)->Max);
+        const double min = options.number("min").value_or(ranges->getElement(i)->Min);
+        const double max = options.number("max").value_or(ranges->getElement(i)->Max);
         const double span = max - min + (isFloat ? 0 : 1);
-        const double width = options.binWidth ? *options.binWidth : span / *options.classes;
+        const double width = options.number("bin-width").value_or(span / options.number("classes").value_or(1));
         constexpr double mostClasses = std::numeric_limits<std::int32_t>::max();
         replaced +=
             (!isFloat && width < 1) || width < std::numeric_limits<double>::epsilon() || span / width > mostClasses;
@@ -300,36 +264,40 @@ void noteEntropyClasses(const Options& options, const Ptr<const BaseImage>& imag
     note(report, "the classes are not those asked for (of integers they are at least 1 wide)", replaced);
 }
 
-eProjStatType findStatistic(const std::string& name)
+/// The form of the projection along the axis of the options.
+const MeasureForm& findProjection(const Measure& measure, const Options& options)
 {
-    constexpr const char* names[] = {"max", "mean", "median", "min", "stddev", "sum", "var"}; // as enumerated
-    const auto* const found = std::find(std::begin(names), std::end(names), name);
-    return static_cast<eProjStatType>(found - std::begin(names));
+    const std::string name = options.axis == "t" ? "seq" : options.axis;
+    return *std::find_if(measure.forms.begin(), measure.forms.end(),
+                         [&](const MeasureForm& form) { return form.function.starts_with(name); });
 }
 
 /// A profile of each plan of the image.
-void projectPlans(const Options& options, const Ptr<const BaseImage>& image, Report& report)
+void projectPlans(const MeasureForm& form, const Options& options, const Ptr<const BaseImage>& image, Report& report)
 {
-    report.measure = options.axis + "Projection2d";
     const image::PlanRange plans{image->getGeometry(), ePlanKind::ePK_Plan2d};
+    const auto processor = form.create();
     for (std::size_t i = 0; i < plans.size(); ++i) {
-        const auto plan = image->getSubImage(plans[i], ePlanKind::ePK_Plan2d);
-        const auto profile = (options.axis == "x" ? xProjection2d : yProjection2d)(plan, findStatistic(options.stat));
-        Json row{{"z", plans[i].z}, {"c", plans[i].c}, {"t", plans[i].t}};
-        row.update(toJson(*profile));
-        report.results.push_back(std::move(row));
+        processor->getAttributes().front()->setImage(image->getSubImage(plans[i], ePlanKind::ePK_Plan2d));
+        processor->setParameter("stat", options.text("stat"));
+        executeSyncRun(processor);
+        report.results.push_back({{"z", plans[i].z},
+                                  {"c", plans[i].c},
+                                  {"t", plans[i].t},
+                                  {"result", toJson(*processor->getAttributes().back()->getRecord())}});
     }
+    spreadResults(report);
 }
 
 /// The pixels of a projection that its type could not hold. `inFloat` makes the projection again; only where pixels are
 /// at the ends of a type that may be too small.
 template <class InFloat>
-std::size_t countLimited(const BaseImage& output, eImageBufferType inputType, eProjStatType statistic, InFloat inFloat)
+std::size_t countLimited(const BaseImage& output, eImageBufferType inputType, const std::string& statistic,
+                         InFloat inFloat)
 {
     const image::ValueRange range = image::getValueRange(output.getType());
     const image::ValueRange input = image::getValueRange(inputType);
-    const bool isLarge = statistic == eProjStatType::ePST_Sum || statistic == eProjStatType::ePST_Var ||
-                         statistic == eProjStatType::ePST_StdDev;
+    const bool isLarge = statistic == "sum" || statistic == "var" || statistic == "stddev";
     if (output.getType() == eImageBufferType::eIBT_Float32 ||
         (!isLarge && range.lowest <= input.lowest && input.highest <= range.highest)) {
         return 0;
@@ -353,24 +321,23 @@ std::size_t countLimited(const BaseImage& output, eImageBufferType inputType, eP
 }
 
 /// The image's projection along z or the time, written to a file.
-void projectStack(const Options& options, const Ptr<const BaseImage>& image, Report& report)
+void projectStack(const MeasureForm& form, const Options& options, const Ptr<const BaseImage>& image, Report& report)
 {
-    const bool alongZ = options.axis == "z";
-    report.measure = alongZ ? "zProjectionImg" : "seqProjectionImg";
     image::ImageGeometry size = image->getGeometry();
-    (alongZ ? size.z : size.t) = 1;
+    (options.axis == "z" ? size.z : size.t) = 1;
     const auto type = image::findImageBufferType(options.outType).value_or(image->getType());
-    const auto output = BaseImage::create(type, size);
-    const auto statistic = findStatistic(options.stat);
-    if (alongZ) {
-        zProjectionImg(image, statistic, output);
-    } else {
-        seqProjectionImg(image, statistic, output);
-    }
-    const std::size_t limited = countLimited(*output, image->getType(), statistic, [&] {
-        const auto wide = BaseImage::create(eImageBufferType::eIBT_Float32, size);
-        return alongZ ? zProjectionImg(image, statistic, wide) : seqProjectionImg(image, statistic, wide);
-    });
+    const auto project = [&](eImageBufferType outType) {
+        const auto output = BaseImage::create(outType, size);
+        const auto processor = form.create();
+        processor->getAttributes().front()->setImage(image);
+        processor->getAttributes().back()->setOutputImage(output);
+        processor->setParameter("stat", options.text("stat"));
+        executeSyncRun(processor);
+        return output;
+    };
+    const auto output = project(type);
+    const std::size_t limited = countLimited(*output, image->getType(), options.text("stat"),
+                                             [&] { return project(eImageBufferType::eIBT_Float32); });
     if (limited != 0) {
         report.notes.push_back(options.output + ": " + std::to_string(limited) + " of " +
                                std::to_string(size.nbPixels()) + " pixels were limited to the range of " +
@@ -384,23 +351,23 @@ void projectStack(const Options& options, const Ptr<const BaseImage>& image, Rep
 }
 
 /// The histogram parameters that the options make; null where the library's own rule is to hold.
-Ptr<const HistoMsrParams> makeParams(const Options& options, const BaseImage& image)
+Ptr<const attr::HistoMsrParams> makeParams(const Options& options, const BaseImage& image)
 {
-    if (!options.min && !options.binWidth && !options.classes) {
+    if (!options.has("min") && !options.has("bin-width") && !options.has("classes")) {
         return nullptr;
     }
-    auto params = makePtr<HistoMsrParams>();
-    params->UseBinWidth = options.binWidth.has_value();
-    params->BinWidth = options.binWidth.value_or(0);
-    params->NbClasses = options.classes.value_or(256);
-    if (options.min) {
+    auto params = makePtr<attr::HistoMsrParams>();
+    params->UseBinWidth = options.has("bin-width");
+    params->BinWidth = options.number("bin-width").value_or(0);
+    params->NbClasses = static_cast<std::uint32_t>(options.number("classes").value_or(256));
+    if (options.has("min")) {
         const auto [lowest, highest] = image::getValueRange(image.getType());
-        if (*options.min < lowest || *options.max > highest) {
+        params->Min = *options.number("min");
+        params->Max = *options.number("max");
+        if (params->Min < lowest || params->Max > highest) {
             throw UsageError{options.image + ": --min and --max of " + image::getName(image.getType()) +
                              " pixels lie from " + toJson(lowest).dump() + " to " + toJson(highest).dump()};
         }
-        params->Min = *options.min;
-        params->Max = *options.max;
         params->MinMaxDefinition = attr::eMinMaxDefinition::eMMD_UserDefinedMinMax;
     }
     return params;
@@ -420,77 +387,84 @@ Report runInfo(const Options& options)
     return {"info", {{"image", describeImage(options.image, file.getType(), file.getGeometry())}}, {row}};
 }
 
-Report runStats(const Options& options)
+namespace
 {
-    const Inputs inputs{options};
-    const auto image = options.gpu ? placeOnGpu(inputs.image) : inputs.image;
-    const auto& mask = inputs.mask;
-    Report report =
-        mask ? reportPer(
-                   options, inputs.report, "statsMaskMsr", [&] { return statsMaskMsr(image, mask); },
-                   [&] { return multiSlice_statsMaskMsr2d(image, mask); },
-                   [&] { return multiSlice_statsMaskMsr3d(image, mask); })
-             : reportPer(
-                   options, inputs.report, "statsMsr", [&] { return statsMsr(image); },
-                   [&] { return multiSlice_statsMsr2d(image); }, [&] { return multiSlice_statsMsr3d(image); });
-    noteNaN(report);
-    return report;
+
+void setBins(BaseProcessor& processor, const Options& options, const Inputs& inputs)
+{
+    processor.set<attr::InOptHistoMsrParams>(makeParams(options, *inputs.image));
 }
 
-Report runHistogram(const Options& options)
+/// Of the entropy: the same for every plan.
+void setBinsOfPlans(BaseProcessor& processor, const Options& options, const Inputs& inputs)
 {
-    const Inputs inputs{options};
-    const auto& image = inputs.image;
-    const auto& mask = inputs.mask;
-    const auto params = makeParams(options, *image);
-    Report report =
-        mask ? reportPer(
-                   options, inputs.report, "histogramMaskMsr", [&] { return histogramMaskMsr(image, mask, params); },
-                   [&] { return multiSlice_histogramMaskMsr2d(image, mask, params); },
-                   [&] { return multiSlice_histogramMaskMsr3d(image, mask, params); })
-             : reportPer(
-                   options, inputs.report, "histogramMsr", [&] { return histogramMsr(image, params); },
-                   [&] { return multiSlice_histogramMsr2d(image, params); },
-                   [&] { return multiSlice_histogramMsr3d(image, params); });
-    noteClasses(options, inputs, report);
-    return report;
-}
-
-Report runEntropy(const Options& options)
-{
-    Inputs inputs{options};
-    Ptr<PlanIndexedHistoMsrParams> planParams;
     if (const auto params = makeParams(options, *inputs.image)) {
-        planParams = makePtr<PlanIndexedHistoMsrParams>();
+        auto planParams = makePtr<attr::PlanIndexedHistoMsrParams>();
         const image::PlanRange plans{inputs.image->getGeometry(), ePlanKind::ePK_Plan2d};
         for (std::size_t i = 0; i < plans.size(); ++i) {
-            planParams->insert(plans[i], makePtr<HistoMsrParams>(*params));
+            planParams->insert(plans[i], makePtr<attr::HistoMsrParams>(*params));
         }
+        processor.set<attr::InOptPIHistoMsrParams>(planParams);
     }
-    inputs.report.measure = "globalEntropyMsr2d";
-    inputs.report.results =
-        listResults(*multiSlice_globalEntropyMsr2d(inputs.image, planParams), ePlanKind::ePK_Plan2d);
-    noteEntropyClasses(options, inputs.image, inputs.report);
-    return inputs.report;
 }
 
-Report runProject(const Options& options)
+void setSample(BaseProcessor& processor, const Options& options, const Inputs&)
 {
-    const bool isProfile = options.axis == "x" || options.axis == "y";
-    if (!isProfile) {
-        checkOutputPath(options.output, options.image);
+    auto policy = makePtr<attr::KDEBandwidthPolicy>();
+    if (const std::string rule = options.text("bandwidth"); rule == "scott") {
+        policy->Rule = attr::eKDEBandwidth::eKB_Scott;
+    } else if (!rule.empty() && rule != "silverman") {
+        policy->Rule = attr::eKDEBandwidth::eKB_Fixed;
+        policy->Bandwidth = *options.number("bandwidth");
     }
-    Inputs inputs{options};
-    (isProfile ? projectPlans : projectStack)(options, inputs.image, inputs.report);
-    return inputs.report;
+    processor.set<attr::InOptKDEBandwidthPolicy>(policy);
+    if (options.has("samples")) {
+        processor.setParameter("samples", *options.number("samples"));
+    }
+    core::random::setSeed(options.seed.value_or(core::random::defaultSeed));
 }
 
-Report runCount(const Options& options)
+void checkTypes(BaseProcessor&, const Options& options, const Inputs& inputs)
 {
-    const Inputs inputs{options};
-    Report report = reportParts(
-        options, inputs.report, "counting2dMsr", [&] { return multiSlice_counting2dMsr(inputs.image); },
-        "counting3dMsr", [&] { return multiSlice_counting3dMsr(inputs.image); });
+    if (inputs.image->getType() != inputs.image2->getType()) {
+        throw FileError{options.image2 + ": it is " + image::getName(inputs.image2->getType()) + ", but " +
+                        options.image + " is " + image::getName(inputs.image->getType()) +
+                        ": both need the same pixel type"};
+    }
+}
+
+void checkLabels(BaseProcessor&, const Options& options, const Inputs& inputs)
+{
+    if (!image::binaryOrLabelTypes.contains(inputs.image->getType())) {
+        throw FileError{
+            options.image + ": it is " + image::getName(inputs.image->getType()) +
+            ", and percent takes uint8, uint16 or uint32 labels, or a binary image: pass --binary to read any "
+            "pixel that is not 0 as set"};
+    }
+}
+
+void setLimit(BaseProcessor& processor, const Options& options, const Inputs& inputs)
+{
+    if (inputs.image->getType() != eImageBufferType::eIBT_Binary) {
+        throw FileError{options.image + ": it is " + image::getName(inputs.image->getType()) +
+                        ", and locate takes a binary image: pass --binary to read any pixel that is not 0 as set"};
+    }
+    // The library's own may wrap.
+    processor.setParameter("limit", options.number("limit").value_or(std::numeric_limits<unsigned>::max()));
+}
+
+void finishStats(const Options&, const Inputs&, Report& report)
+{
+    noteNaN(report);
+}
+
+void finishEntropy(const Options& options, const Inputs& inputs, Report& report)
+{
+    noteEntropyClasses(options, inputs.image, report);
+}
+
+void finishCount(const Options& options, const Inputs& inputs, Report& report)
+{
     for (Json& row : report.results) {
         row["Count"] = row["Value"];
         row.erase("Value");
@@ -502,117 +476,112 @@ Report runCount(const Options& options)
         withoutBackground += labels->getElement(i)->Min != 0;
     }
     note(report, "the lowest label is not 0: it was taken for the background, and not counted", withoutBackground);
-    return report;
 }
 
-Report runNcc(const Options& options)
+/// The library's value is the number of pixels times r.
+void finishPearson(const Options& options, const Inputs& inputs, Report& report)
 {
-    const Inputs inputs{options};
-    return reportParts(
-        options, inputs.report, "normalizedCrossCorrelationMsr2d",
-        [&] { return multiSlice_normalizedCrossCorrelationMsr2d(inputs.image, inputs.image2); },
-        "normalizedCrossCorrelationMsr3d",
-        [&] { return multiSlice_normalizedCrossCorrelationMsr3d(inputs.image, inputs.image2); });
-}
-
-Report runPearson(const Options& options)
-{
-    const Inputs inputs{options};
-    Report report = reportParts(
-        options, inputs.report, "pearsonCorrelationCoefficient2d",
-        [&] { return multiSlice_pearsonCorrelationCoefficient2d(inputs.image, inputs.image2); },
-        "pearsonCorrelationCoefficient3d",
-        [&] { return multiSlice_pearsonCorrelationCoefficient3d(inputs.image, inputs.image2); });
-    // The library's value is the number of pixels times r.
     const ePlanKind kind = options.per == "volume" ? ePlanKind::ePK_Volume3d : ePlanKind::ePK_Plan2d;
     const auto pixels = static_cast<double>(getSubGeometry(inputs.image->getGeometry(), kind).nbPixels());
     for (Json& row : report.results) {
         row["r"] = row["PearsonCC"].is_number() ? toJson(row["PearsonCC"].get<double>() / pixels) : row["PearsonCC"];
     }
+}
+
+void finishSimilarity(const Options& options, const Inputs&, Report& report)
+{
+    for (Json& row : report.results) {
+        if (options.peak && row["MSE"].is_number() && row["MSE"] != 0.0) {
+            row["PSNR"] = toJson(20 * std::log10(*options.peak / std::sqrt(row["MSE"].get<double>())));
+        }
+    }
+}
+
+/// Where a measure on files differs from what follows from its description.
+struct Difference
+{
+    const char* verb;
+    bool takesBinary = false; ///< a binary image stays one
+    bool keepsApart = false;  ///< the fields stay an object of their own
+    void (*prepare)(BaseProcessor&, const Options&, const Inputs&) = nullptr;
+    void (*finish)(const Options&, const Inputs&, Report&) = nullptr;
+};
+
+constexpr Difference differences[] = {
+    {.verb = "stats", .finish = &finishStats},
+    {.verb = "histogram", .prepare = &setBins, .finish = &noteClasses},
+    {.verb = "entropy", .prepare = &setBinsOfPlans, .finish = &finishEntropy},
+    {.verb = "kde", .prepare = &setSample},
+    {.verb = "count", .finish = &finishCount},
+    {.verb = "percent", .takesBinary = true, .prepare = &checkLabels},
+    {.verb = "locate", .takesBinary = true, .prepare = &setLimit},
+    {.verb = "paraboloid", .keepsApart = true},
+    {.verb = "pearson", .finish = &finishPearson},
+    {.verb = "similarity", .prepare = &checkTypes, .finish = &finishSimilarity},
+};
+
+} // namespace
+
+Report runMeasure(const Measure& measure, const Options& options)
+{
+    const auto* const found = std::find_if(std::begin(differences), std::end(differences),
+                                           [&](const Difference& d) { return d.verb == measure.verb; });
+    const Difference difference = found == std::end(differences) ? Difference{} : *found;
+    const Inputs inputs{options, difference.takesBinary};
+    const MeasureForm& form = chooseForm(measure, options);
+    const Ptr<BaseProcessor> processor = form.create();
+    bool isFirst = true;
+    for (const MeasureInput& input : form.inputs) {
+        const auto& image = input.isMask ? inputs.mask : isFirst ? inputs.image : inputs.image2;
+        isFirst = false;
+        processor->getAttribute(input.name).setImage(options.gpu ? placeOnGpu(image) : image);
+    }
+    if (difference.prepare != nullptr) {
+        difference.prepare(*processor, options, inputs);
+    } else {
+        for (const attr::Parameter& parameter : measure.parameters) {
+            const std::string option = parameter.info.option;
+            if (options.has(option)) {
+                processor->setParameter(option, parameter.info.enumerators.empty()
+                                                    ? data::Value{*options.number(option)}
+                                                    : data::Value{options.text(option)});
+            }
+        }
+    }
+    executeSyncRun(processor);
+
+    Report report = inputs.report;
+    report.measure = form.function;
+    const attr::BaseAttribute& output = *processor->getAttributes().back();
+    if (const auto* const collection = output.getCollection()) {
+        report.results = listResults(*collection, processor->getAttributes().front()->getPlanKind());
+    } else {
+        report.results = {{{"result", toJson(*output.getRecord())}}};
+    }
+    if (difference.keepsApart) {
+        for (Json& row : report.results) { // from the plan, which has a c as well
+            row["Coefficients"] = row["result"];
+            row.erase("result");
+        }
+    } else {
+        spreadResults(report);
+    }
+    if (difference.finish != nullptr) {
+        difference.finish(options, inputs, report);
+    }
     return report;
 }
 
-Report runSimilarity(const Options& options)
+Report runProject(const Measure& measure, const Options& options)
 {
+    const bool isProfile = options.axis == "x" || options.axis == "y";
+    if (!isProfile) {
+        checkOutputPath(options.output, options.image);
+    }
     Inputs inputs{options};
-    if (inputs.image->getType() != inputs.image2->getType()) {
-        throw FileError{options.image2 + ": it is " + image::getName(inputs.image2->getType()) + ", but " +
-                        options.image + " is " + image::getName(inputs.image->getType()) +
-                        ": both need the same pixel type"};
-    }
-    inputs.report.measure = "similarityMsr";
-    const auto stats = similarityMsr(inputs.image, inputs.image2);
-    if (options.peak && stats->MSE != 0) {
-        stats->PSNR = 20 * std::log10(*options.peak / std::sqrt(stats->MSE));
-    }
-    inputs.report.results = {toJson(*stats)};
-    return inputs.report;
-}
-
-Report runNoise(const Options& options)
-{
-    Inputs inputs{options};
-    inputs.report.measure = "gaussianNoiseMsr";
-    inputs.report.results = {toJson(*gaussianNoiseMsr(inputs.image))};
-    return inputs.report;
-}
-
-Report runKde(const Options& options)
-{
-    const Inputs inputs{options};
-    auto policy = makePtr<KDEBandwidthPolicy>();
-    if (options.bandwidth == "scott") {
-        policy->Rule = attr::eKDEBandwidth::eKB_Scott;
-    } else if (!options.bandwidth.empty() && options.bandwidth != "silverman") {
-        policy->Rule = attr::eKDEBandwidth::eKB_Fixed;
-        policy->Bandwidth = std::strtod(options.bandwidth.c_str(), nullptr);
-    }
-    const unsigned samples = options.samples.value_or(*InOptKDENbSamples::getDefault());
-    core::random::setSeed(options.seed.value_or(core::random::defaultSeed));
-    return reportParts(
-        options, inputs.report, "kernelDensityEstimator2d",
-        [&] { return multiSlice_kernelDensityEstimator2d(inputs.image, samples, policy); }, "kernelDensityEstimator3d",
-        [&] { return multiSlice_kernelDensityEstimator3d(inputs.image, samples, policy); });
-}
-
-Report runPercent(const Options& options)
-{
-    const Inputs inputs{options, true};
-    if (!image::binaryOrLabelTypes.contains(inputs.image->getType())) {
-        throw FileError{
-            options.image + ": it is " + image::getName(inputs.image->getType()) +
-            ", and percent takes uint8, uint16 or uint32 labels, or a binary image: pass --binary to read any "
-            "pixel that is not 0 as set"};
-    }
-    // A null mask is none.
-    return reportParts(
-        options, inputs.report, "areaPercent2dMsr",
-        [&] { return multiSlice_areaPercent2dMsr(inputs.image, inputs.mask); }, "volumePercent3dMsr",
-        [&] { return multiSlice_volumePercent3dMsr(inputs.image, inputs.mask); });
-}
-
-Report runLocate(const Options& options)
-{
-    const Inputs inputs{options, true};
-    const auto& image = inputs.image;
-    if (image->getType() != eImageBufferType::eIBT_Binary) {
-        throw FileError{options.image + ": it is " + image::getName(image->getType()) +
-                        ", and locate takes a binary image: pass --binary to read any pixel that is not 0 as set"};
-    }
-    const unsigned limit = options.limit.value_or(std::numeric_limits<unsigned>::max()); // the library's own may wrap
-    return reportParts(
-        options, inputs.report, "locatePixels2d", [&] { return multiSlice_locatePixels2d(image, limit); },
-        "locateVoxels3d", [&] { return multiSlice_locateVoxels3d(image, limit); });
-}
-
-Report runParaboloid(const Options& options)
-{
-    Inputs inputs{options};
-    inputs.report.measure = "paraboloidImgFit2d";
-    // Apart from the plan, which has a c as well.
-    const auto apart = [](const ParaboloidParams3d& fit) { return Json{{"Coefficients", toJson(fit)}}; };
-    inputs.report.results =
-        listResults(*multiSlice_paraboloidImgFit2d(inputs.image, inputs.mask), ePlanKind::ePK_Plan2d, apart);
+    const MeasureForm& form = findProjection(measure, options);
+    inputs.report.measure = form.function;
+    (isProfile ? projectPlans : projectStack)(form, options, inputs.image, inputs.report);
     return inputs.report;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdlib>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -16,23 +18,28 @@ struct Options
     std::string per; ///< empty: the verb's default
     std::string isa;
     std::string axis;
-    std::string stat;
-    std::string output;        ///< a file
-    std::string outType;       ///< empty: the image's type
-    std::optional<double> min; ///< min and max are both given, or neither
-    std::optional<double> max;
-    std::optional<double> binWidth;
-    std::optional<unsigned> classes;
-    std::optional<unsigned> samples;
-    std::string bandwidth; ///< a rule or a number; empty: the library's own rule
+    std::string output;  ///< a file
+    std::string outType; ///< empty: the image's type
     std::optional<unsigned> seed;
-    std::optional<unsigned> limit;
     std::optional<double> peak;
+    std::map<std::string, std::string> parameters; ///< of the measure, by their options; empty where not given
     bool binary = false;
     bool gpu = false;
     unsigned threads = 0;
     bool json = false;
     bool quiet = false;
+
+    bool has(const std::string& parameter) const { return !text(parameter).empty(); }
+    std::string text(const std::string& parameter) const
+    {
+        const auto found = parameters.find(parameter);
+        return found == parameters.end() ? std::string{} : found->second;
+    }
+    /// A parameter that is a number.
+    std::optional<double> number(const std::string& parameter) const
+    {
+        return has(parameter) ? std::optional{std::strtod(text(parameter).c_str(), nullptr)} : std::nullopt;
+    }
 };
 
 } // namespace orlix::app

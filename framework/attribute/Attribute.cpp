@@ -60,7 +60,7 @@ void addParametersOf(const data::BaseDataItem& record, const data::BaseDataItem*
 {
     for (const data::FieldInfo& field : record.getFields()) {
         if (*field.option != 0) {
-            parameters.push_back({field, {}});
+            parameters.push_back({field, std::holds_alternative<std::uint64_t>(record.getField(field.name)), {}});
             if (defaults != nullptr) {
                 parameters.back().defaultValue = defaults->getField(field.name);
             }
@@ -71,7 +71,7 @@ void addParametersOf(const data::BaseDataItem& record, const data::BaseDataItem*
 void addParameter(const data::FieldInfo& info, std::optional<std::uint64_t> defaultValue,
                   std::vector<Parameter>& parameters)
 {
-    parameters.push_back({info, {}});
+    parameters.push_back({info, info.enumerators.empty(), {}});
     if (defaultValue) {
         parameters.back().defaultValue = *defaultValue < info.enumerators.size()
                                              ? data::Value{std::string{info.enumerators[*defaultValue]}}

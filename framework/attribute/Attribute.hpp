@@ -39,6 +39,7 @@ struct Share
 struct Parameter
 {
     data::FieldInfo info;
+    bool isWhole;                            ///< a number from 0 on, without a fraction
     std::optional<data::Value> defaultValue; ///< none: the measure has a rule of its own, or the value must be given
 };
 
@@ -64,6 +65,8 @@ public:
     /// Whether a set value is one that the attribute accepts.
     virtual core::ProcessingResult check() const { return {}; }
 
+    /// Whether it takes an image.
+    virtual bool isImage() const { return false; }
     /// The image behind an image or strip attribute, else null; and what its plans are.
     virtual const image::BaseImage* getImage() const { return nullptr; }
     virtual image::ePlanKind getPlanKind() const { return image::ePlanKind::ePK_Plan2d; }
@@ -440,6 +443,7 @@ public:
     void setImage(Ptr<const image::BaseImage> image) final;
     void setOutputImage(Ptr<image::BaseImage> image) final;
     bool isMask() const final { return types_ == image::maskTypes; }
+    bool isImage() const final { return true; }
     bool isOnePlan() const final { return extent_ == eExtent::eE_OnePlan; }
 
 protected:

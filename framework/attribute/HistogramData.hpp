@@ -38,12 +38,12 @@ public:
 
     void visitFields(data::FieldVisitor& field) override
     {
-        field({"Min", "lower bound of the range, where the user defines it", "grey levels", "min"}, Min);
-        field({"Max", "upper bound, itself in the last class", "grey levels", "max"}, Max);
-        field({"BinWidth", "width of a class, where UseBinWidth is set; at least 1 for integers", "grey levels",
+        field({"Min", "lower bound of the range (default: the lowest pixel)", "grey levels", "min"}, Min);
+        field({"Max", "upper bound, itself in the last class (default: the highest pixel)", "grey levels", "max"}, Max);
+        field({"BinWidth", "width of a class; at least 1 for integers (default: 1 / 256 of the range)", "grey levels",
                "bin-width"},
               BinWidth);
-        field({"NbClasses", "number of classes, where UseBinWidth is not set; 0: 256", "", "classes"}, NbClasses);
+        field({"NbClasses", "number of classes", "", "classes"}, NbClasses);
         field({"MinMaxDefinition", "where the range comes from"}, MinMaxDefinition);
         field({"UseBinWidth", "whether BinWidth holds, or NbClasses"}, UseBinWidth);
     }

@@ -100,7 +100,7 @@ class ORLIX_API InNbFeatures final : public ValueInput<InNbFeatures, unsigned>
 public:
     static constexpr const char* name = "InNbFeatures";
     static constexpr data::FieldInfo info{
-        .name = name, .help = "the most coordinates of one plan or volume", .option = "limit"};
+        .name = name, .help = "at most so many coordinates per plan or volume", .option = "limit"};
 };
 
 class ORLIX_API InPixels2d final : public ObjectInput<InPixels2d, Pixels2d>

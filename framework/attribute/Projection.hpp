@@ -29,7 +29,7 @@ class ORLIX_API InProjStatType final : public ValueInput<InProjStatType, eProjSt
 public:
     static constexpr const char* name = "InProjStatType";
     static constexpr data::FieldInfo info{
-        .name = name, .help = "the statistic of every line of pixels", .option = "stat"};
+        .name = name, .help = "max, mean, median, min, stddev, sum or var", .option = "stat"};
 };
 
 class ORLIX_API OutProjStat final : public ObjectOutput<OutProjStat, Doubles>

@@ -45,7 +45,7 @@ void BaseProcessor::throwUninitialized(const core::SourceLocation& where) const
                                               getObjectName());
 }
 
-void BaseProcessor::throwNoSuchAttribute(const char* name, const core::SourceLocation& where) const
+void BaseProcessor::throwNoSuchAttribute(std::string_view name, const core::SourceLocation& where) const
 {
     core::raise<ORLIXBaseProcessingException>(getBaseProcessingLogger(), where, eProcessorMessage::eNoSuchAttribute,
                                               getObjectName(), name);

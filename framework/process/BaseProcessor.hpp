@@ -55,6 +55,11 @@ public:
         return find<A>().get();
     }
     const AttributeColl& getAttributes() const { return attributes_; }
+    /// By name; throws as set() does.
+    attr::BaseAttribute& getAttribute(std::string_view name) const;
+    /// Sets a parameter by its option, as "bin-width". Images come first: parameters of plans are for all of them.
+    /// Throws ORLIXBaseProcessingException if there is none such, BaseException if the value does not fit it.
+    void setParameter(std::string_view option, const data::Value& value);
 
     const ProcessorDispatchPolicy& getDispatchPolicy() const { return dispatchPolicy_; }
     void setDispatchPolicy(const ProcessorDispatchPolicy& policy)
@@ -151,7 +156,7 @@ protected:
 private:
     [[noreturn]] void throwRunning(const core::SourceLocation& where) const;
     [[noreturn]] void throwUninitialized(const core::SourceLocation& where) const;
-    [[noreturn]] void throwNoSuchAttribute(const char* name, const core::SourceLocation& where) const;
+    [[noreturn]] void throwNoSuchAttribute(std::string_view name, const core::SourceLocation& where) const;
 
     core::ProcessingResult runSteps(const RunContext& context);
     core::ProcessingResult checkInputs() const;

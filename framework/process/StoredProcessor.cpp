@@ -1,4 +1,4 @@
-// How processors are created, copied, written and read.
+// How processors are created, set by name, copied, written and read.
 
 #include <framework/process/BaseProcessor.hpp>
 
@@ -18,6 +18,34 @@ std::unique_ptr<data::BaseDynamicObject> BaseProcessor::createNew() const
 Ptr<data::BaseDynamicObject> BaseProcessor::createShared() const
 {
     return getProcessorClass().getCreators().shared();
+}
+
+BaseAttribute& BaseProcessor::getAttribute(std::string_view name) const
+{
+    requireInitialized(ORLIX_HERE);
+    for (BaseAttribute* const attribute : attributes_) {
+        if (name == attribute->getName()) {
+            return *attribute;
+        }
+    }
+    throwNoSuchAttribute(name, ORLIX_HERE);
+}
+
+void BaseProcessor::setParameter(std::string_view option, const data::Value& value)
+{
+    requireIdle(ORLIX_HERE);
+    requireInitialized(ORLIX_HERE);
+    for (BaseAttribute* const attribute : attributes_) {
+        std::vector<attr::Parameter> parameters;
+        attribute->addParameters(parameters);
+        for (const attr::Parameter& parameter : parameters) {
+            if (option == parameter.info.option) {
+                attribute->setParameter(parameter.info.name, value, *attributes_.front());
+                return;
+            }
+        }
+    }
+    throwNoSuchAttribute(option, ORLIX_HERE);
 }
 
 void BaseProcessor::copy(const BaseDynamicObject& other)

@@ -3,6 +3,7 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/ProcessorLogMessages.hpp>
 
 #include <framework/process/Level.hpp>
+#include <framework/process/MeasureList.hpp>
 
 /// How this library defines what the processors of a class share, and registers the class: with the row of its tool
 /// tip.

@@ -192,4 +192,22 @@ LevelClass PearsonCorrelationCoefficient3dLvl2::processorClass =
 AlgorithmClass PearsonCorrelationCoefficient3dLvl3::processorClass =
     defineAlgorithm<PearsonCorrelationCoefficient3dLvl3>(55);
 
+namespace
+{
+
+const MeasureRegistration ncc{
+    {"Normalized cross correlation",
+     "ncc",
+     "normalized cross correlation of two images",
+     "NaN where an image is constant over a plan, or over a part of some 512 KiB of it.",
+     {&NormalizedCrossCorrelationMsr2dLvl1::processorClass, &NormalizedCrossCorrelationMsr3dLvl1::processorClass}}};
+const MeasureRegistration pearson{
+    {"Pearson correlation",
+     "pearson",
+     "Pearson correlation of two images: times the number of pixels, and the coefficient r",
+     "",
+     {&PearsonCorrelationCoefficient2dLvl1::processorClass, &PearsonCorrelationCoefficient3dLvl1::processorClass}}};
+
+} // namespace
+
 } // namespace orlix::imaproc::glbmsr

@@ -182,4 +182,15 @@ ProcessorClass Counting2dMsrLvl2::processorClass = define<Counting2dMsrLvl2>(4);
 LevelClass Counting3dMsrLvl1::processorClass = defineLevel<Counting3dMsrLvl1, Counting3dMsrLvl2>(5);
 ProcessorClass Counting3dMsrLvl2::processorClass = define<Counting3dMsrLvl2>(6);
 
+namespace
+{
+
+const MeasureRegistration registration{{"Object count",
+                                        "count",
+                                        "number of objects in a label image",
+                                        "The lowest label of a plan or volume is its background, whatever it is.",
+                                        {&Counting2dMsrLvl1::processorClass, &Counting3dMsrLvl1::processorClass}}};
+
+} // namespace
+
 } // namespace orlix::imaproc::glbmsr

@@ -65,6 +65,14 @@ LevelClass GaussianNoiseMsrLvl2::processorClass =
     defineLevel<GaussianNoiseMsrLvl2, GaussianNoiseMsrLvl3>(8, inOrder<GaussianNoise>);
 AlgorithmClass GaussianNoiseMsrLvl3::processorClass = defineAlgorithm<GaussianNoiseMsrLvl3>(9);
 
+namespace
+{
+
+const MeasureRegistration registration{
+    {"Gaussian noise", "noise", "standard deviation of Gaussian noise", "", {&GaussianNoiseMsrLvl1::processorClass}}};
+
+} // namespace
+
 using Forms = CallingForms<GaussianNoiseMsrLvl1>;
 
 Ptr<GaussianNoiseStats> gaussianNoiseMsr(const Ptr<const image::BaseImage>& image)

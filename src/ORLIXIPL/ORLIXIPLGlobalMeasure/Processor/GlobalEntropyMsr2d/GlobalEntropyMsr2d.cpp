@@ -78,6 +78,17 @@ core::ProcessingResult GlobalEntropyMsr2dLvl2::postProcess()
 LevelClass GlobalEntropyMsr2dLvl1::processorClass = defineLevel<GlobalEntropyMsr2dLvl1, GlobalEntropyMsr2dLvl2>(10);
 ProcessorClass GlobalEntropyMsr2dLvl2::processorClass = define<GlobalEntropyMsr2dLvl2>(11);
 
+namespace
+{
+
+const MeasureRegistration registration{{"Entropy",
+                                        "entropy",
+                                        "entropy of the grey levels of each plan, in nats",
+                                        "",
+                                        {&GlobalEntropyMsr2dLvl1::processorClass}}};
+
+} // namespace
+
 using Forms = CallingForms<GlobalEntropyMsr2dLvl1>;
 
 namespace

@@ -213,4 +213,19 @@ LevelClass HistogramMaskMsr3dLvl2::processorClass =
     defineLevel<HistogramMaskMsr3dLvl2, HistogramMaskMsr3dLvl3>(16, inAnyOrder<HistogramData>);
 AlgorithmClass HistogramMaskMsr3dLvl3::processorClass = defineAlgorithm<HistogramMaskMsr3dLvl3>(17);
 
+namespace
+{
+
+const MeasureRegistration registration{
+    {"Histogram",
+     "histogram",
+     "number of pixels in classes of equal width",
+     "NaN is never counted. Without bounds the range is that of the pixels, which NaN can narrow: what lies outside is "
+     "not counted.",
+     {&HistogramMsrLvl1::processorClass, &HistogramMsr2dLvl1::processorClass, &HistogramMsr3dLvl1::processorClass,
+      &HistogramMaskMsrLvl1::processorClass, &HistogramMaskMsr2dLvl1::processorClass,
+      &HistogramMaskMsr3dLvl1::processorClass}}};
+
+} // namespace
+
 } // namespace orlix::imaproc::glbmsr

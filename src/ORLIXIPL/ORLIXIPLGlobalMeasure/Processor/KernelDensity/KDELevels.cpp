@@ -107,4 +107,16 @@ LevelClass KernelDensityEstimator3dLvl1::processorClass =
     defineLevel<KernelDensityEstimator3dLvl1, KernelDensityEstimator3dLvl2>(32);
 ProcessorClass KernelDensityEstimator3dLvl2::processorClass = define<KernelDensityEstimator3dLvl2>(33);
 
+namespace
+{
+
+const MeasureRegistration registration{
+    {"Density sample",
+     "kde",
+     "a random sample of the grey levels, and a bandwidth to estimate their density with",
+     "",
+     {&KernelDensityEstimator2dLvl1::processorClass, &KernelDensityEstimator3dLvl1::processorClass}}};
+
+} // namespace
+
 } // namespace orlix::imaproc::glbmsr

@@ -157,4 +157,15 @@ LevelClass LocateVoxels3dLvl1::processorClass = defineLevel<LocateVoxels3dLvl1, 
 LevelClass LocateVoxels3dLvl2::processorClass = defineLevel<LocateVoxels3dLvl2, LocateVoxels3dLvl3>(38);
 AlgorithmClass LocateVoxels3dLvl3::processorClass = defineAlgorithm<LocateVoxels3dLvl3>(39);
 
+namespace
+{
+
+const MeasureRegistration registration{{"Positions",
+                                        "locate",
+                                        "coordinates of the set pixels of a binary image",
+                                        "",
+                                        {&LocatePixels2dLvl1::processorClass, &LocateVoxels3dLvl1::processorClass}}};
+
+} // namespace
+
 } // namespace orlix::imaproc::glbmsr

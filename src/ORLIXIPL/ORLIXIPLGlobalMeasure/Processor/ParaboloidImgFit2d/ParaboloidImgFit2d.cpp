@@ -139,6 +139,17 @@ LevelClass ParaboloidImgFit2dLvl2::processorClass =
     defineLevel<ParaboloidImgFit2dLvl2, ParaboloidImgFit2dLvl3>(48, inOrder<Paraboloid>);
 AlgorithmClass ParaboloidImgFit2dLvl3::processorClass = defineAlgorithm<ParaboloidImgFit2dLvl3>(49);
 
+namespace
+{
+
+const MeasureRegistration registration{{"Paraboloid",
+                                        "paraboloid",
+                                        "the surface a x^2 + b y^2 + c x y + d x + e y + f that fits each plan best",
+                                        "",
+                                        {&ParaboloidImgFit2dLvl1::processorClass}}};
+
+} // namespace
+
 using Forms = CallingForms<ParaboloidImgFit2dLvl1>;
 
 Ptr<ParaboloidParams3d> paraboloidImgFit2d(const Ptr<const image::BaseImage>& image)

@@ -200,4 +200,16 @@ LevelClass VolumePercent3dMsrLvl2::processorClass =
     defineLevel<VolumePercent3dMsrLvl2, VolumePercent3dMsrLvl3>(92, inOrder<Percent>);
 AlgorithmClass VolumePercent3dMsrLvl3::processorClass = defineAlgorithm<VolumePercent3dMsrLvl3>(93);
 
+namespace
+{
+
+const MeasureRegistration registration{
+    {"Percentages",
+     "percent",
+     "percentage of the pixels that each value of a binary or label image has",
+     "",
+     {&AreaPercent2dMsrLvl1::processorClass, &VolumePercent3dMsrLvl1::processorClass}}};
+
+} // namespace
+
 } // namespace orlix::imaproc::glbmsr

@@ -421,4 +421,18 @@ LevelClass ZProjectionImgLvl2::processorClass =
         112);
 LevelClass ZProjectionImgLvl1::processorClass = defineLevel<ZProjectionImgLvl1, ZProjectionImgLvl2>(111);
 
+namespace
+{
+
+const MeasureRegistration registration{
+    {"Projection",
+     "project",
+     "a statistic of every column (x), row (y), pixel over the planes (z) or pixel over the times (t)",
+     "A maximum or minimum is that of the numbers among NaN. Numbers are rounded and limited to the pixel type of the "
+     "output: sums want float32.",
+     {&XProjection2dLvl1::processorClass, &YProjection2dLvl1::processorClass, &ZProjectionImgLvl1::processorClass,
+      &SeqProjectionImgLvl1::processorClass}}};
+
+} // namespace
+
 } // namespace orlix::imaproc::glbmsr

@@ -60,6 +60,20 @@ LevelClass SimilarityMsrLvl2::processorClass =
     defineLevel<SimilarityMsrLvl2, SimilarityMsrLvl3>(67, inOrder<Similarity>);
 AlgorithmClass SimilarityMsrLvl3::processorClass = defineAlgorithm<SimilarityMsrLvl3>(68);
 
+namespace
+{
+
+const MeasureRegistration registration{
+    {"Similarity",
+     "similarity",
+     "squared differences of two images, their mean and the peak signal-to-noise ratio",
+     "PSNR is 20 log10(peak / sqrt(MSE)) dB, with a peak of 255 whatever the pixel type. Of equal images it is "
+     "infinite, "
+     "which the record has as the largest double.",
+     {&SimilarityMsrLvl1::processorClass}}};
+
+} // namespace
+
 using Forms = CallingForms<SimilarityMsrLvl1>;
 
 Ptr<SimilarityStats> similarityMsr(const Ptr<const image::BaseImage>& image1, const Ptr<const image::BaseImage>& image2)

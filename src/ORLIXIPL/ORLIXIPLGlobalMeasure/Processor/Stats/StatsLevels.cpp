@@ -91,4 +91,22 @@ constinit GpuVariant StatsMsrLvl2::gpuVariant;
 constinit GpuVariant StatsMsr2dLvl2::gpuVariant;
 constinit GpuVariant StatsMsr3dLvl2::gpuVariant;
 
+namespace
+{
+
+const MeasureRegistration registration{
+    {"Statistics",
+     "stats",
+     "number, sum, mean, minimum, maximum and standard deviation of the pixels",
+     "With NaN pixels the sum, mean and deviation are NaN, and the minimum and maximum depend on where the NaN lie. "
+     "The "
+     "deviation is the root of E[x^2] - Mean^2 in double precision: where pixels are far from zero compared with their "
+     "spread it has few digits (0.245 for 0.290 where float pixels lie between 1e6 and 1e6 + 1), and of constant "
+     "pixels it "
+     "may be NaN.",
+     {&StatsMsrLvl1::processorClass, &StatsMsr2dLvl1::processorClass, &StatsMsr3dLvl1::processorClass,
+      &StatsMaskMsrLvl1::processorClass, &StatsMaskMsr2dLvl1::processorClass, &StatsMaskMsr3dLvl1::processorClass}}};
+
+} // namespace
+
 } // namespace orlix::imaproc::glbmsr

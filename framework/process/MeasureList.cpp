@@ -1,0 +1,112 @@
+#include <framework/process/MeasureList.hpp>
+
+#include <algorithm>
+#include <cctype>
+
+namespace orlix::imaproc
+{
+
+namespace
+{
+
+const char* getPer(const AttributeColl& attributes)
+{
+    const attr::BaseAttribute& image = *attributes.front();
+    if (!attributes.back()->isCollection()) {
+        return image.isOnePlan() ? "plan" : "image";
+    }
+    return image.getPlanKind() == image::ePlanKind::ePK_Volume3d ? "volume" : "plan";
+}
+
+/// "StatsMsr2dLvl1" is what statsMsr2d() runs.
+std::string getFunction(const ProcessorClass& level1)
+{
+    std::string name = level1.getObjectName();
+    name[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(name[0])));
+    return name.substr(0, name.rfind("Lvl1"));
+}
+
+MeasureForm makeForm(const ProcessorClass& level1, const AttributeColl& attributes)
+{
+    MeasureForm form{getFunction(level1), getPer(attributes), {}, &level1};
+    for (const attr::BaseAttribute* const attribute : attributes) {
+        if (attribute->isImage() && attribute->getRole() != attr::eAttributeRole::eAR_Output) {
+            form.inputs.push_back({attribute->getName(), attribute->isMask(),
+                                   attribute->getRole() == attr::eAttributeRole::eAR_OptionalInput});
+        }
+    }
+    return form;
+}
+
+Measure makeMeasure(const MeasureDescription& description)
+{
+    Measure measure{description.name, description.verb, description.help, description.remark, {}, {}, {}};
+    for (const ProcessorClass* const level1 : description.classes) {
+        const Ptr<BaseProcessor> processor = level1->getCreators().processor();
+        (void)processor->init(eProcessorRulePolicy::eRP_CheckRules);
+        const AttributeColl& attributes = processor->getAttributes();
+        measure.forms.push_back(makeForm(*level1, attributes));
+        if (measure.fields.empty()) {
+            if (const auto record = attributes.back()->createRecord()) {
+                measure.fields = record->getFields();
+            }
+            for (const attr::BaseAttribute* const attribute : attributes) {
+                attribute->addParameters(measure.parameters);
+            }
+        }
+    }
+    return measure;
+}
+
+} // namespace
+
+bool MeasureForm::takesMask() const
+{
+    return std::any_of(inputs.begin(), inputs.end(), [](const MeasureInput& input) { return input.isMask; });
+}
+
+bool MeasureForm::needsMask() const
+{
+    return std::any_of(inputs.begin(), inputs.end(),
+                       [](const MeasureInput& input) { return input.isMask && !input.isOptional; });
+}
+
+Ptr<BaseProcessor> MeasureForm::create() const
+{
+    Ptr<BaseProcessor> processor = processorClass->getCreators().processor();
+    (void)processor->init(eProcessorRulePolicy::eRP_CheckRules);
+    return processor;
+}
+
+MeasureList& MeasureList::getInstance()
+{
+    static MeasureList list;
+    return list;
+}
+
+std::vector<Measure> MeasureList::getMeasures() const
+{
+    const std::lock_guard lock{mutex_};
+    std::vector<Measure> measures;
+    for (const MeasureDescription* const description : descriptions_) {
+        measures.push_back(makeMeasure(*description));
+    }
+    std::sort(measures.begin(), measures.end(), [](const Measure& a, const Measure& b) { return a.verb < b.verb; });
+    return measures;
+}
+
+MeasureRegistration::MeasureRegistration(MeasureDescription description) : description_{std::move(description)}
+{
+    MeasureList& list = MeasureList::getInstance();
+    const std::lock_guard lock{list.mutex_};
+    list.descriptions_.push_back(&description_);
+}
+
+MeasureRegistration::~MeasureRegistration()
+{
+    MeasureList& list = MeasureList::getInstance();
+    const std::lock_guard lock{list.mutex_};
+    std::erase(list.descriptions_, &description_);
+}
+
+} // namespace orlix::imaproc

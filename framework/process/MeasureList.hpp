@@ -1,0 +1,85 @@
+#pragma once
+
+#include <framework/attribute/Attribute.hpp>
+#include <framework/process/BaseProcessor.hpp>
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+/// The measures that there are: what programs, bindings and documents walk instead of lists of their own.
+namespace orlix::imaproc
+{
+
+/// What the source of a measure says of it; all else follows from its classes.
+struct MeasureDescription
+{
+    const char* name;
+    const char* verb; ///< of the command line
+    const char* help;
+    const char* remark;                         ///< what to beware of
+    std::vector<const ProcessorClass*> classes; ///< of level 1, one for each form
+};
+
+/// An image that a form takes.
+struct MeasureInput
+{
+    std::string name; ///< of the attribute
+    bool isMask = false;
+    bool isOptional = false;
+};
+
+/// A form of a measure: what one result covers, and what it takes.
+struct ORLIX_API MeasureForm
+{
+    std::string function; ///< the entry function of the form, without multiSlice_
+    std::string per;      ///< "image", "plan" or "volume"
+    std::vector<MeasureInput> inputs;
+    const ProcessorClass* processorClass;
+
+    bool takesMask() const;
+    bool needsMask() const;
+    /// A level 1 processor, ready for its inputs.
+    Ptr<BaseProcessor> create() const;
+};
+
+struct Measure
+{
+    std::string name;
+    std::string verb;
+    std::string help;
+    std::string remark;
+    std::vector<MeasureForm> forms;
+    std::vector<attr::Parameter> parameters;
+    std::vector<data::FieldInfo> fields; ///< of one result; none where it is an image
+};
+
+class ORLIX_API MeasureList
+{
+public:
+    static MeasureList& getInstance();
+
+    /// By verb, ascending.
+    std::vector<Measure> getMeasures() const;
+
+private:
+    friend class MeasureRegistration;
+
+    mutable std::mutex mutex_;
+    std::vector<const MeasureDescription*> descriptions_;
+};
+
+/// Lists a measure as long as it lives.
+class ORLIX_API MeasureRegistration
+{
+public:
+    explicit MeasureRegistration(MeasureDescription description);
+    ~MeasureRegistration();
+    MeasureRegistration(const MeasureRegistration&) = delete;
+    MeasureRegistration& operator=(const MeasureRegistration&) = delete;
+
+private:
+    MeasureDescription description_;
+};
+
+} // namespace orlix::imaproc
