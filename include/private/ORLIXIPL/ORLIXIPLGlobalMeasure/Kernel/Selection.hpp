@@ -213,9 +213,10 @@ struct KeyGroup
     Keys keys[packs];
 };
 
-/// The keys of a rank among `count` groups. `bytes` has room for a pack of bytes per group.
+/// The keys of a rank among `count` groups. `bytes` has room for a pack of bytes per group. One function serves all
+/// pixel types of a size.
 template <class K, Domain::domain D, Ranking R>
-ORLIX_KERNEL KeyGroup<K, D> selectKeys(const KeyGroup<K, D>* groups, std::size_t count, std::size_t rank,
+[[gnu::noinline]] KeyGroup<K, D> selectKeys(const KeyGroup<K, D>* groups, std::size_t count, std::size_t rank,
                                        Pack<signed char, D>* bytes)
 {
     using Group = KeyGroup<K, D>;
@@ -257,9 +258,9 @@ ORLIX_KERNEL KeyGroup<K, D> selectKeys(const KeyGroup<K, D>* groups, std::size_t
 }
 
 /// The pack of a rank among `count` packs, lane by lane: the four lowest are taken out until that of the rank is one of
-/// them. Afterwards the packs are gone.
+/// them. Afterwards the packs are gone. One function serves all pixel types of a size.
 template <class Keys>
-ORLIX_KERNEL Keys selectAmongFew(Keys* keys, std::size_t count, std::size_t rank)
+[[gnu::noinline]] Keys selectAmongFew(Keys* keys, std::size_t count, std::size_t rank)
 {
     using K = typename IntegersOf<sizeof(keys[0][0])>::Signed;
     for (;;) {
