@@ -118,7 +118,7 @@ Axes fromImageJ(const PageFacts& facts)
                               {'z', imageJNumber(facts.description, "slices")},
                               {'t', imageJNumber(facts.description, "frames")}};
     if (countPages(levels) == 1) {
-        levels = {{'z', facts.pages}}; // a plain stack states its number of images alone
+        levels = {{'z', facts.pages}}; // a plain stack states only its number of images
     }
     if (countPages(levels) != facts.pages) {
         throw FileError{facts.fileName + " states " + std::to_string(countPages(levels)) + " ImageJ images, but has " +

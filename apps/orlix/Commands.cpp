@@ -565,7 +565,7 @@ void checkTogether(const Verb& verb, const Options& options)
         throw UsageError{options.gpu ? "info --gpu takes no image" : "IMAGE is required (see orlix --help)"};
     }
     if (options.gpu && !options.mask.empty()) {
-        throw UsageError{"--gpu and --mask do not go together: statistics under a mask run on the CPU alone"};
+        throw UsageError{"--gpu and --mask do not go together: statistics under a mask run on the CPU only"};
     }
     if (options.gpu && !options.isa.empty()) {
         throw UsageError{"--gpu and --isa do not go together: an instruction set is the CPU's"};

@@ -62,7 +62,7 @@ public:
 };
 
 /// The bandwidth for a sample: s is its standard deviation (divisor n - 1), IQR the distance of its quartiles (linear
-/// interpolation; s alone counts where it is 0). 0 for fewer than two values and for equal ones, but for a fixed one.
+/// interpolation; only s counts where it is 0). 0 for fewer than two values and for equal ones, but for a fixed one.
 ORLIX_API double computeBandwidth(const KDEBandwidthPolicy& policy, std::span<const double> values);
 
 /// 1000 where it is not set.

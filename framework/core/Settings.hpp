@@ -17,7 +17,7 @@ ORLIX_API void setNbThreads(unsigned threads);
 ORLIX_API unsigned getNbThreads();
 
 /// Runs every kernel in this set, but for classes that have a forced set of their own and for those that have generic
-/// kernels alone. An empty identifier releases it.
+/// kernels only. An empty identifier releases it.
 ORLIX_API void forceInstructionSets(InstructionSetsIdentifier sets);
 ORLIX_API InstructionSetsIdentifier getForcedInstructionSets();
 

@@ -171,7 +171,7 @@ private:
 /// Runs a processor in the calling thread. Throws ORLIXBaseProcessingException with the message of a failed result.
 ORLIX_API void executeSyncRun(const Ptr<BaseProcessor>& processor);
 
-/// Runs this processor alone; null for none.
+/// The run of one processor; null for none.
 ORLIX_API Ptr<ActionProvider> makeSingleActionProvider(Ptr<BaseProcessor> processor);
 
 /// A processor whose work is done by processors below it: in one stage, or in a chain of stages that begins with runs

@@ -83,8 +83,8 @@ protected:
 
     /// Which of the classes of children runs.
     virtual std::size_t chooseChild() const { return 0; }
-    /// Strips of fewer pixels, or elements, are not worth their results. This depends on the image and the parameters
-    /// alone.
+    /// Strips of fewer pixels, or elements, are not worth their results. This depends only on the image and the
+    /// parameters.
     virtual std::size_t getMinStripPixels() const { return 0; }
     virtual std::size_t getMinStripElements() const { return 1; }
     /// How many plans may be measured at once.

@@ -42,7 +42,7 @@ ORLIX_API core::ProcessingResult checkImagePlans(const attr::BaseAttribute& outp
 ORLIX_API core::ProcessingResult checkOutputSize(const attr::BaseAttribute& output, const attr::BaseAttribute& input);
 ORLIX_API core::ProcessingResult checkSize(const attr::BaseAttribute& first, const attr::BaseAttribute& second);
 
-/// A collection that the caller supplied has exactly the plans of the input image, or plan (0, 0, 0) alone, as the
+/// A collection that the caller supplied has exactly the plans of the input image, or plan (0, 0, 0) only, as the
 /// single-result entry functions make it. Both attributes outlive the rule.
 ORLIX_API Rule matchImagePlans(const attr::BaseAttribute& output, const attr::BaseAttribute& input);
 

@@ -15,9 +15,9 @@ namespace
 
 /// What a run leaves in the tables.
 template <class R, Domain::domain D>
-std::vector<std::uint32_t> countRun(const R& run, ClassCounts counts)
+std::vector<std::uint32_t> countRun(const R& run, BinCounts counts)
 {
-    std::vector<std::uint32_t> tables(8 * ClassCounts::stride + counts.size, 0);
+    std::vector<std::uint32_t> tables(8 * BinCounts::stride + counts.size, 0);
     counts.tables = tables.data();
     count<R, D>(run, counts);
     const std::size_t nbTables = counts.eight ? 8 : counts.distance != 0 ? 2 : 1;
@@ -31,7 +31,7 @@ std::vector<std::uint32_t> countRun(const R& run, ClassCounts counts)
 }
 
 template <class R>
-void expectSameCounts(const R& run, const ClassCounts& counts)
+void expectSameCounts(const R& run, const BinCounts& counts)
 {
     const auto here = countRun<R, Domain::eIS_AVX512>(run, counts);
     const auto there = countRun<R, Domain::eIS_Generic>(run, counts);
@@ -57,14 +57,14 @@ TYPED_TEST(EmulatedHistogram, IsThatOfOtherDomains)
         runs[i] = static_cast<T>(i / 19 % 120);
     }
     const auto mask = makeMask(MaskPattern::Half, noise.size());
-    ClassCounts counts{};
+    BinCounts counts{};
     counts.rule = {3, 1.7, 3, 99, 58};
     counts.approximate = true;
     counts.base = 3;
     counts.inverse = 1 / 1.7f;
-    for (const std::size_t distance : {std::size_t{0}, std::size_t{200}, ClassCounts::stride}) {
+    for (const std::size_t distance : {std::size_t{0}, std::size_t{200}, BinCounts::stride}) {
         counts.distance = distance;
-        counts.eight = distance == ClassCounts::stride;
+        counts.eight = distance == BinCounts::stride;
         if (sizeof(T) == 1 && !counts.eight) {
             continue;
         }

@@ -107,8 +107,8 @@ TYPED_TEST(ProjectionText, ReducesColumns)
                         const Columns<T> part = columns.part(x, w, y, h);
                         kernel.sum(part, sums.data() + x);
                         kernel.squares(part, sumsToo.data() + x, squares.data() + x);
-                        kernel.least(part, least.data() + x);
-                        kernel.most(part, most.data() + x);
+                        kernel.minimum(part, least.data() + x);
+                        kernel.maximum(part, most.data() + x);
                     }
                     kernel.median(columns.part(x, w, 0, count), scratch.data(), medians.data() + x);
                 }

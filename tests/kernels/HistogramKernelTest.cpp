@@ -87,7 +87,7 @@ void expectFrequencies(const std::vector<T>& values, const Classes& classes)
 
 /// The classes that every type can have.
 template <class T>
-std::vector<Classes> makeClasses()
+std::vector<Classes> makeBins()
 {
     const double low = lowest<T>;
     const double high = highest<T>;
@@ -139,7 +139,7 @@ TYPED_TEST_SUITE(HistogramKernel, PixelTypes);
 TYPED_TEST(HistogramKernel, FindsTheClassOfEveryPixel)
 {
     using T = TypeParam;
-    for (const Classes& classes : makeClasses<T>()) {
+    for (const Classes& classes : makeBins<T>()) {
         for (const std::size_t size : {1, 15, 16, 33, 1000}) {
             expectFrequencies(randomValues<T>(size, 5), classes);
         }

@@ -30,7 +30,7 @@ inline constexpr T lowestOf = isSigned<T> ? T(T(1) << (8 * sizeof(T) - 1)) : T(0
 template <class T>
 inline constexpr T highestOf = T(~lowestOf<T>);
 
-/// Exactly the pixel. (Machines without AVX-512 convert signed numbers alone.)
+/// Exactly the pixel. (Machines without AVX-512 convert only signed numbers.)
 template <class T>
 ORLIX_KERNEL double toDouble(T x)
 {
@@ -98,13 +98,13 @@ ORLIX_KERNEL P splat(T x)
 
 /// a < b ? a : b in every lane; for float exactly so, also where one is NaN.
 template <class P>
-ORLIX_KERNEL P least(P a, P b)
+ORLIX_KERNEL P minimum(P a, P b)
 {
     return a < b ? a : b;
 }
 
 template <class P>
-ORLIX_KERNEL P most(P a, P b)
+ORLIX_KERNEL P maximum(P a, P b)
 {
     return a > b ? a : b;
 }
@@ -187,7 +187,7 @@ using Unsigned = typename IntegersOf<sizeof(T)>::Unsigned;
 
 /// What a comparison of pixels of type T gives: all ones where it holds, else 0.
 template <class T, Domain::domain D>
-using Selection = Pack<typename IntegersOf<sizeof(T)>::Signed, D>;
+using LaneMask = Pack<typename IntegersOf<sizeof(T)>::Signed, D>;
 
 /// The 32-bit lanes of a selection as bits.
 template <Domain::domain D, class S>
@@ -204,9 +204,9 @@ ORLIX_KERNEL std::uint32_t laneBits(S selection)
 
 /// Which of the next pixels of type T count: those whose mask byte is not 0.
 template <class T, Domain::domain D>
-ORLIX_KERNEL Selection<T, D> loadSelection(const std::uint8_t* mask)
+ORLIX_KERNEL LaneMask<T, D> loadLaneMask(const std::uint8_t* mask)
 {
-    using S = Selection<T, D>;
+    using S = LaneMask<T, D>;
     if constexpr (sizeof(T) == 1) {
         return load<S>(mask) != 0;
     } else if constexpr (D == Domain::eIS_SSE2) {
@@ -459,16 +459,16 @@ ORLIX_KERNEL Lane combineLanes(P pack, Combine combine)
 
 /// The lowest and the highest lane, for lanes without NaN.
 template <class Lane, class P>
-ORLIX_KERNEL Lane leastLane(P pack)
+ORLIX_KERNEL Lane minimumLane(P pack)
 {
     return combineLanes<Lane>(
-        pack, [](auto a, auto b) __attribute__((always_inline)) { return least(a, b); });
+        pack, [](auto a, auto b) __attribute__((always_inline)) { return minimum(a, b); });
 }
 template <class Lane, class P>
-ORLIX_KERNEL Lane mostLane(P pack)
+ORLIX_KERNEL Lane maximumLane(P pack)
 {
     return combineLanes<Lane>(
-        pack, [](auto a, auto b) __attribute__((always_inline)) { return most(a, b); });
+        pack, [](auto a, auto b) __attribute__((always_inline)) { return maximum(a, b); });
 }
 
 /// The sum of all lanes, seen as numbers of type Lane.

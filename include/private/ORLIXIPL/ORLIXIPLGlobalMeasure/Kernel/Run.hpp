@@ -55,9 +55,9 @@ template <class T>
     return run.mask + i;
 }
 
-/// Whether pixel i counts.
+/// Whether the mask, if there is one, selects pixel i.
 template <class R>
-[[gnu::always_inline]] inline bool counts(const R& run, std::size_t i)
+[[gnu::always_inline]] inline bool isSelected(const R& run, std::size_t i)
 {
     return !R::isMasked || *maskAt(run, i) != 0;
 }

@@ -12,7 +12,7 @@ namespace orlix::imaproc::glbmsr
 namespace
 {
 
-/// The pixel in single precision. (Machines without AVX-512 convert signed numbers alone; of an unsigned one both
+/// The pixel in single precision. (Machines without AVX-512 convert only signed numbers; of an unsigned one both
 /// halves are exact, so their sum is rounded once.)
 template <class T>
 ORLIX_KERNEL float toFloat(T x)

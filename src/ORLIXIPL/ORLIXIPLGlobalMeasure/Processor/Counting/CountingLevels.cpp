@@ -21,8 +21,8 @@ namespace
 /// Whether a histogram tells all labels of a range apart.
 bool fitsHistogram(double lowest, double highest)
 {
-    constexpr double most = 1 << 24; // beyond it, single precision takes several labels for one
-    return -most <= lowest && highest <= most;
+    constexpr double limit = 1 << 24; // beyond it, single precision takes several labels for one
+    return -limit <= lowest && highest <= limit;
 }
 
 /// The classes but the first that hold a pixel.

@@ -32,7 +32,7 @@ requires(sizeof(T) == 2) struct ResponseOf<T>
 };
 
 template <class V, class T>
-ORLIX_KERNEL V widen(T pixel)
+ORLIX_KERNEL V toNumber(T pixel)
 {
     if constexpr (sizeof(V) == 8) {
         return toDouble(pixel);
@@ -42,7 +42,7 @@ ORLIX_KERNEL V widen(T pixel)
 }
 
 template <class V, Domain::domain D, class T>
-ORLIX_KERNEL Pack<V, D> loadWide(const T* pixels)
+ORLIX_KERNEL Pack<V, D> loadNumbers(const T* pixels)
 {
     if constexpr (isFloat<T>) {
         return loadAsDoubles<D>(pixels);
@@ -60,7 +60,7 @@ ORLIX_KERNEL Pack<V, D> absolute(Pack<V, D> x)
         using Bits = Pack<std::int64_t, D>;
         return (Pack<V, D>)((Bits)x & 0x7fffffffffffffff);
     } else {
-        return most(x, -x);
+        return maximum(x, -x);
     }
 }
 
@@ -141,8 +141,8 @@ void addResponses(const T* above, const T* at, const T* below, std::size_t size,
     const Prefetch prefetch{size * sizeof(T)};
     const auto down = [&](std::size_t x) __attribute__((always_inline))
     {
-        const V middle = widen<V>(at[x]);
-        return V(widen<V>(above[x]) + widen<V>(below[x]) - (middle + middle));
+        const V middle = toNumber<V>(at[x]);
+        return V(toNumber<V>(above[x]) + toNumber<V>(below[x]) - (middle + middle));
     };
     for (std::size_t begin = 0; begin < size; begin += segment) {
         const std::size_t n = size - begin < segment ? size - begin : segment;
@@ -151,8 +151,9 @@ void addResponses(const T* above, const T* at, const T* below, std::size_t size,
             constexpr std::size_t step = lanes<V, D>;
             for (; x + step <= n; x += step) {
                 prefetch.step<step * sizeof(T)>(below + begin + x); // the other two rows were read before
-                const auto middle = loadWide<V, D>(at + begin + x);
-                store(loadWide<V, D>(above + begin + x) + loadWide<V, D>(below + begin + x) - (middle + middle), v + x);
+                const auto middle = loadNumbers<V, D>(at + begin + x);
+                store(loadNumbers<V, D>(above + begin + x) + loadNumbers<V, D>(below + begin + x) - (middle + middle),
+                      v + x);
             }
         }
         for (; x < n; ++x) {

@@ -16,10 +16,10 @@ bool isWhole(double x)
     return x == std::trunc(x);
 }
 
-/// What lets vector kernels find a class without a division; see ClassCounts.
-void approximate(ClassCounts& counts, eImageBufferType type)
+/// What lets vector kernels find a class without a division; see BinCounts.
+void approximate(BinCounts& counts, eImageBufferType type)
 {
-    const ClassRule& rule = counts.rule;
+    const BinRule& rule = counts.rule;
     const double span = double{rule.maxF} - double{rule.minF};
     const bool isInteger = type != eImageBufferType::eIBT_Float32;
     // Half a step from the border, integers of a whole width are never in doubt.
@@ -40,9 +40,9 @@ void CountTables::allocate(std::size_t pixelSize, std::size_t nbPixels, std::vec
 {
     // Together the tables stay in the cache, and few pixels are not worth many tables.
     const std::size_t entries = pixelSize == 1 ? 512 : std::size_t{counts_.size} + 1;
-    counts_.eight = pixelSize == 1 || (entries <= ClassCounts::stride && nbPixels >= 8192);
+    counts_.eight = pixelSize == 1 || (entries <= BinCounts::stride && nbPixels >= 8192);
     nbTables_ = counts_.eight ? 8 : entries <= 32768 ? 2 : 1;
-    counts_.distance = counts_.eight ? ClassCounts::stride : nbTables_ == 2 ? (entries + 15) / 16 * 16 + 16 : 0;
+    counts_.distance = counts_.eight ? BinCounts::stride : nbTables_ == 2 ? (entries + 15) / 16 * 16 + 16 : 0;
     tables.resize(std::max(tables.size(), (nbTables_ - 1) * counts_.distance + entries));
     counts_.tables = tables.data();
     clear();
@@ -60,7 +60,7 @@ StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, 
                          std::vector<std::uint32_t>& tables)
     : histogram_{histogram}, type_{type}
 {
-    ClassRule& rule = counts_.rule;
+    BinRule& rule = counts_.rule;
     rule.min = histogram.Min;
     rule.binWidth = histogram.BinWidth;
     rule.minF = static_cast<float>(histogram.Min);
@@ -73,7 +73,7 @@ StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, 
     if (pixelSize == 1) {
         counts_.byValue = true;
         counts_.size = 256;
-        classIsEntry_ = false;
+        entryIsBin_ = false;
     } else if (type != eImageBufferType::eIBT_Float32) {
         const auto [lowest, highest] = image::getValueRange(type);
         const double first = std::ceil(std::max<double>(lowest, rule.minF));
@@ -91,8 +91,8 @@ StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, 
             counts_.byValue = true;
             counts_.first = static_cast<std::int64_t>(first);
             counts_.size = static_cast<std::uint32_t>(values);
-            classIsEntry_ = each;
-            firstClass_ = each ? static_cast<std::size_t>(first - rule.min) : 0;
+            entryIsBin_ = each;
+            firstBin_ = each ? static_cast<std::size_t>(first - rule.min) : 0;
         }
     }
 
@@ -111,9 +111,9 @@ void StripCounts::collect()
 {
     std::uint64_t* const frequencies = histogram_.Frequencies.data();
     for (std::size_t entry = 0; entry < counts_.size; ++entry) {
-        if (classIsEntry_) {
-            frequencies[firstClass_ + entry] += countOf(entry);
-        } else if (const std::uint32_t index = classOf(valueOf(entry), counts_.rule); index < counts_.rule.size) {
+        if (entryIsBin_) {
+            frequencies[firstBin_ + entry] += countOf(entry);
+        } else if (const std::uint32_t index = binOf(valueOf(entry), counts_.rule); index < counts_.rule.size) {
             frequencies[index] += countOf(entry);
         }
     }

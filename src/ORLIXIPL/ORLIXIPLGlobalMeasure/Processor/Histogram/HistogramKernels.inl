@@ -15,14 +15,14 @@ namespace
 
 /// The table that pixel k of a block counts into.
 template <bool Eight>
-ORLIX_KERNEL std::uint32_t* tableOf(std::size_t k, const ClassCounts& c)
+ORLIX_KERNEL std::uint32_t* tableOf(std::size_t k, const BinCounts& c)
 {
-    return Eight ? c.tables + k % 8 * ClassCounts::stride : c.tables + k % 2 * c.distance;
+    return Eight ? c.tables + k % 8 * BinCounts::stride : c.tables + k % 2 * c.distance;
 }
 
 /// The entry of a pixel that is counted by value.
 template <class T>
-ORLIX_KERNEL std::uint32_t entryOf(T pixel, const ClassCounts& counts)
+ORLIX_KERNEL std::uint32_t entryOf(T pixel, const BinCounts& counts)
 {
     const std::uint64_t entry = std::uint64_t(std::int64_t(pixel) - counts.first);
     return entry < counts.size ? std::uint32_t(entry) : counts.size;
@@ -30,16 +30,16 @@ ORLIX_KERNEL std::uint32_t entryOf(T pixel, const ClassCounts& counts)
 
 /// One pixel after the other.
 template <class R>
-ORLIX_KERNEL void countOneByOne(R run, const ClassCounts& c)
+ORLIX_KERNEL void countOneByOne(R run, const BinCounts& c)
 {
     using T = typename R::Pixel;
     for (std::size_t i = 0; i < run.size; ++i) {
-        if (counts(run, i)) {
+        if (isSelected(run, i)) {
             const T pixel = run.pixels[i];
             if constexpr (isFloat<T>) {
-                ++c.tables[classOf(pixel, c.rule)];
+                ++c.tables[binOf(pixel, c.rule)];
             } else {
-                ++c.tables[c.byValue ? entryOf(pixel, c) : classOf(float(pixel), c.rule)];
+                ++c.tables[c.byValue ? entryOf(pixel, c) : binOf(float(pixel), c.rule)];
             }
         }
     }
@@ -47,12 +47,12 @@ ORLIX_KERNEL void countOneByOne(R run, const ClassCounts& c)
 
 /// Pixels of 8 bits: eight at a time, each in a table of its own.
 template <class R>
-ORLIX_KERNEL void countBytes(R run, const ClassCounts& c)
+ORLIX_KERNEL void countBytes(R run, const BinCounts& c)
 {
     const auto* const bytes = reinterpret_cast<const std::uint8_t*>(run.pixels);
     const auto entry = [&](std::size_t i, std::uint8_t byte) __attribute__((always_inline))
     {
-        return counts(run, i) ? byte : 256u + byte;
+        return isSelected(run, i) ? byte : 256u + byte;
     };
     const Prefetch prefetch{run.size * sizeof(run.pixels[0])};
     std::size_t i = 0;
@@ -71,7 +71,7 @@ ORLIX_KERNEL void countBytes(R run, const ClassCounts& c)
 }
 
 template <std::size_t Count, bool Eight, class Entry>
-ORLIX_KERNEL void addEntriesTo(const Entry* entries, const ClassCounts& c)
+ORLIX_KERNEL void addEntriesTo(const Entry* entries, const BinCounts& c)
 {
     constexpr std::size_t perWord = 8 / sizeof(Entry);
 #pragma GCC unroll 1
@@ -90,7 +90,7 @@ ORLIX_KERNEL void addEntriesTo(const Entry* entries, const ClassCounts& c)
 
 /// Adds one to each of `Count` entries, which are 16 or 32 bits wide.
 template <std::size_t Count, class Entry>
-ORLIX_KERNEL void addEntries(const Entry* entries, const ClassCounts& c)
+ORLIX_KERNEL void addEntries(const Entry* entries, const BinCounts& c)
 {
     if (c.eight) {
         addEntriesTo<Count, true>(entries, c);
@@ -133,7 +133,7 @@ ORLIX_KERNEL std::uint32_t findChanges(const T* pixels)
 
 /// Counts 32 pixels of few runs run by run, and tells whether it did.
 template <Domain::domain D, class T>
-ORLIX_KERNEL bool countFewRuns(const T* pixels, const ClassCounts& c)
+ORLIX_KERNEL bool countFewRuns(const T* pixels, const BinCounts& c)
 {
     std::uint32_t ends = findChanges<D>(pixels) | 0x80000000u;
     std::uint32_t more = ends & (ends - 1);
@@ -155,7 +155,7 @@ ORLIX_KERNEL bool countFewRuns(const T* pixels, const ClassCounts& c)
 /// Integer pixels by value. Labels come in runs; what does not goes to the tables a block later than it was looked at,
 /// so that neither waits.
 template <Domain::domain D, class R>
-ORLIX_KERNEL void countValues(R run, const ClassCounts& c)
+ORLIX_KERNEL void countValues(R run, const BinCounts& c)
 {
     using T = typename R::Pixel;
     using Entry = Unsigned<T>;
@@ -179,9 +179,9 @@ ORLIX_KERNEL void countValues(R run, const ClassCounts& c)
         }
 #pragma GCC unroll 8
         for (std::size_t k = 0; k < block; k += lanes<T, D>) {
-            P entry = least(load<P>(run.pixels + i + k) - first, none);
+            P entry = minimum(load<P>(run.pixels + i + k) - first, none);
             if constexpr (R::isMasked) {
-                entry = loadSelection<T, D>(run.mask + i + k) ? entry : none;
+                entry = loadLaneMask<T, D>(run.mask + i + k) ? entry : none;
             }
             __builtin_memcpy(entries[turn] + k, &entry, sizeof entry);
         }
@@ -203,9 +203,9 @@ struct ApproximateClass
 {
     using Floats = Pack<float, D>;
     using Entries = Pack<std::uint32_t, D>;
-    using Selected = Selection<float, D>;
+    using Selected = LaneMask<float, D>;
 
-    ORLIX_KERNEL explicit ApproximateClass(const ClassCounts& c)
+    ORLIX_KERNEL explicit ApproximateClass(const BinCounts& c)
         : minF{splat<Floats>(c.rule.minF)}, maxF{splat<Floats>(c.rule.maxF)}, base{splat<Floats>(c.base)},
           inverse{splat<Floats>(c.inverse)}, slack{splat<Floats>(c.slack)}, last{splat<Entries>(c.rule.size - 2)},
           none{splat<Entries>(c.rule.size)}
@@ -220,7 +220,7 @@ struct ApproximateClass
         isDoubtful = magnitude(off) < quotient * error + slack;
         const Selected isLast = pixel == maxF;
         const Selected isInside = (pixel >= minF) & (pixel < maxF);
-        const Entries entry = isLast ? last : least((Entries)truncate<D>(quotient), none);
+        const Entries entry = isLast ? last : minimum((Entries)truncate<D>(quotient), none);
         return (isInside | isLast) & counts ? entry : none;
     }
 
@@ -230,7 +230,7 @@ struct ApproximateClass
 
 /// Pixels by class. The entries of a whole block are found before the tables are touched, so that neither waits.
 template <Domain::domain D, class R>
-ORLIX_KERNEL void countClasses(R run, const ClassCounts& c)
+ORLIX_KERNEL void countIntoBins(R run, const BinCounts& c)
 {
     using Class = ApproximateClass<D>;
     using Selected = typename Class::Selected;
@@ -247,7 +247,7 @@ ORLIX_KERNEL void countClasses(R run, const ClassCounts& c)
         for (std::size_t k = 0; k < block; k += lanes<float, D>) {
             Selected selected = ~Selected{};
             if constexpr (R::isMasked) {
-                selected = loadSelection<float, D>(run.mask + i + k);
+                selected = loadLaneMask<float, D>(run.mask + i + k);
             }
             Selected isDoubtful;
             const auto entry = approximateClass.find(loadAsFloats<D>(run.pixels + i + k), selected, isDoubtful);
@@ -256,8 +256,8 @@ ORLIX_KERNEL void countClasses(R run, const ClassCounts& c)
         }
         for (; doubtful != 0; doubtful &= doubtful - 1) {
             const auto k = std::size_t(__builtin_ctzll(doubtful));
-            if (counts(run, i + k)) {
-                entries[k] = classOf(float(run.pixels[i + k]), c.rule);
+            if (isSelected(run, i + k)) {
+                entries[k] = binOf(float(run.pixels[i + k]), c.rule);
             }
         }
         addEntries<block>(entries, c);
@@ -266,7 +266,7 @@ ORLIX_KERNEL void countClasses(R run, const ClassCounts& c)
 }
 
 template <class R, Domain::domain D>
-void count(R run, const ClassCounts& c)
+void count(R run, const BinCounts& c)
 {
     using T = typename R::Pixel;
     if constexpr (sizeof(T) == 1) {
@@ -280,7 +280,7 @@ void count(R run, const ClassCounts& c)
                 return;
             }
         }
-        countClasses<D>(run, c);
+        countIntoBins<D>(run, c);
     }
 }
 

@@ -3,7 +3,7 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Define.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/StripRuns.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/CountTables.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramClasses.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramBins.hpp>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -43,7 +43,7 @@ core::ProcessingResult HistogramStrip<IsMasked>::read(data::InputArchive& archiv
 template <bool IsMasked>
 Rule HistogramStrip<IsMasked>::makeRule() const
 {
-    return matchClasses(*getAttributes().back(), *getAttributes().front());
+    return matchBins(*getAttributes().back(), *getAttributes().front());
 }
 
 template <bool IsMasked>
@@ -59,7 +59,7 @@ core::ProcessingResult HistogramStrip<IsMasked>::genericProcessFunction(Processi
 {
     // Rules may be switched off; the bounds of the vector are not.
     HistogramData& histogram = output<HistogramData>();
-    if (core::ProcessingResult result = checkHasClasses(*getAttributes().back(), histogram); !result) {
+    if (core::ProcessingResult result = checkHasBins(*getAttributes().back(), histogram); !result) {
         return result;
     }
     StripCounts counts{histogram, image::imageBufferTypeOf<T>, info.size, IsMasked, tables_};
@@ -80,8 +80,8 @@ template class HistogramStrip<true>;
 Rule HistogramCount::makeRule() const
 {
     const attr::BaseAttribute& histogram = *getAttributes().back();
-    const bool bringsClasses = histogram.getRole() == attr::eAttributeRole::eAR_InputOutput;
-    return Level::makeRule() && (bringsClasses ? matchClasses(histogram, *getAttributes().front()) : none());
+    const bool bringsBins = histogram.getRole() == attr::eAttributeRole::eAR_InputOutput;
+    return Level::makeRule() && (bringsBins ? matchBins(histogram, *getAttributes().front()) : none());
 }
 
 std::size_t HistogramCount::getMinStripPixels() const
@@ -120,15 +120,15 @@ core::ProcessingResult Histogram::retrieveProvider(ePriority priority, Ptr<Actio
     HistogramData& histogram = output<HistogramData>();
     core::ProcessingResult result;
     if (!statistics_) {
-        result = makeClasses(histogram, type, params, params->Min, params->Max);
+        result = makeBins(histogram, type, params, params->Min, params->Max);
     } else {
         const auto range = statistics_->getStorage<attr::OutStatsResult>();
         statistics_.reset();
         if (range->NbPixels == 0) {
-            makeEmptyClass(histogram, type, range->Min, range->Max);
+            makeEmptyBin(histogram, type, range->Min, range->Max);
             return {};
         }
-        result = makeClasses(histogram, type, params, range->Min, range->Max);
+        result = makeBins(histogram, type, params, range->Min, range->Max);
     }
     return result ? HistogramCount::retrieveProvider(priority, provider) : result;
 }

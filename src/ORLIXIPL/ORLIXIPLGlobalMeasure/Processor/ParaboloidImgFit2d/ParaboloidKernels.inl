@@ -79,7 +79,7 @@ ORLIX_KERNEL void fill(const R& run, typename R::Pixel* filled, std::size_t size
     using T = typename R::Pixel;
     const std::size_t n = size < run.size ? size : run.size;
     for (std::size_t k = 0; k < n; ++k) {
-        filled[k] = counts(run, k) ? run.pixels[k] : T(0);
+        filled[k] = isSelected(run, k) ? run.pixels[k] : T(0);
     }
     for (std::size_t k = n; k < size; ++k) {
         filled[k] = T(0);

@@ -23,14 +23,14 @@ std::uint64_t sum(R run)
             prefetch.stepOf<sizeof(Bytes)>(run, i);
             Bytes x = load<Bytes>(run.pixels + i);
             if constexpr (R::isMasked) {
-                x = keep(loadSelection<std::uint8_t, D>(run.mask + i), x);
+                x = keep(loadLaneMask<std::uint8_t, D>(run.mask + i), x);
             }
             sums += addBytes<D>(x);
         }
         total = addLanes<std::uint64_t, std::uint64_t>(sums);
     }
     for (; i < run.size; ++i) {
-        total += counts(run, i) ? run.pixels[i] : 0;
+        total += isSelected(run, i) ? run.pixels[i] : 0;
     }
     return total;
 }
@@ -38,7 +38,7 @@ std::uint64_t sum(R run)
 template <class T, Domain::domain D>
 std::uint32_t largest(Run<T> run)
 {
-    T most = 0;
+    T label = 0;
     std::size_t i = 0;
     if constexpr (D != Domain::eIS_Generic) {
         using P = Pack<T, D>;
@@ -48,15 +48,16 @@ std::uint32_t largest(Run<T> run)
         for (; i + 4 * step <= run.size; i += 4 * step) {
             prefetch.stepOf<4 * step>(run, i);
             for (std::size_t k = 0; k < 4; ++k) {
-                packs[k] = glbmsr::most(packs[k], load<P>(run.pixels + i + k * step));
+                packs[k] = glbmsr::maximum(packs[k], load<P>(run.pixels + i + k * step));
             }
         }
-        most = mostLane<T>(glbmsr::most(glbmsr::most(packs[0], packs[1]), glbmsr::most(packs[2], packs[3])));
+        label =
+            maximumLane<T>(glbmsr::maximum(glbmsr::maximum(packs[0], packs[1]), glbmsr::maximum(packs[2], packs[3])));
     }
     for (; i < run.size; ++i) {
-        most = most < run.pixels[i] ? run.pixels[i] : most;
+        label = label < run.pixels[i] ? run.pixels[i] : label;
     }
-    return most;
+    return label;
 }
 
 /// The compiler widens and selects in vectors of the file's instruction set.
@@ -64,7 +65,7 @@ template <class T>
 void select(MaskedRun<T> run, std::uint32_t* __restrict labels)
 {
     for (std::size_t i = 0; i < run.size; ++i) {
-        labels[i] = counts(run, i) ? run.pixels[i] : 0;
+        labels[i] = isSelected(run, i) ? run.pixels[i] : 0;
     }
 }
 

@@ -37,10 +37,10 @@ std::vector<double> LabelCounts::take()
 
 core::ProcessingResult checkLabel(std::uint32_t largest, std::size_t nbStrips)
 {
-    constexpr std::uint32_t most = 0x7ffffffe; // that a table has room for
-    if (largest > most) {
+    constexpr std::uint32_t highest = 0x7ffffffe; // that a table has room for
+    if (largest > highest) {
         return core::ProcessingResult::failure(
-            core::formatMessage(eMeasureMessage::eMM_UncountableLabel, largest, most));
+            core::formatMessage(eMeasureMessage::eMM_UncountableLabel, largest, highest));
     }
     // A list per strip, that of the plan, and the counts and tables of the strip at work.
     const std::size_t bytes = (std::size_t{largest} + 1) * sizeof(double) * (nbStrips + 3);

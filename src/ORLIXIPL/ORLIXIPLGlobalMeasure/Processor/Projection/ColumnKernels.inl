@@ -4,7 +4,7 @@
 // summed in integer lanes over blocks of rows, which comes to the same: below 2^53 every sum is exact.
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Selection.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/RankSelection.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Projection/ColumnKernels.hpp>
 
 #include <algorithm>
@@ -98,14 +98,14 @@ ORLIX_KERNEL void reduceColumns(const Columns<T>& columns, T* extremes, Better b
 }
 
 template <class T, Domain::domain D>
-void columnLeast(Columns<T> columns, T* extremes)
+void columnMinimum(Columns<T> columns, T* extremes)
 {
     reduceColumns<T, D>(
         columns, extremes, [](auto x, auto m) __attribute__((always_inline)) { return x < m ? x : m; });
 }
 
 template <class T, Domain::domain D>
-void columnMost(Columns<T> columns, T* extremes)
+void columnMaximum(Columns<T> columns, T* extremes)
 {
     reduceColumns<T, D>(
         columns, extremes, [](auto x, auto m) __attribute__((always_inline)) { return x > m ? x : m; });
@@ -470,7 +470,7 @@ std::size_t scratchBytesGeneric(std::size_t, std::size_t count)
 
 template <Domain::domain D>
 constexpr ColumnKernels columnKernels = makeKernels<ColumnKernel, D>([]<class T>(std::type_identity<T>) {
-    ColumnKernel<T> kernel{&columnSum<T, D>, &columnSquares<T, D>, &columnLeast<T, D>, &columnMost<T, D>, {}, {}};
+    ColumnKernel<T> kernel{&columnSum<T, D>, &columnSquares<T, D>, &columnMinimum<T, D>, &columnMaximum<T, D>, {}, {}};
     if constexpr (D == Domain::eIS_Generic) {
         kernel.median = &columnMedianGeneric<T>;
         kernel.scratchBytes = &scratchBytesGeneric<T>;

@@ -16,12 +16,12 @@ ORLIX_KERNEL P roundAndLimit(P x)
 {
     const P zero{};
     x = x == x ? x : zero;
-    x = most(x, zero + double(lowestOf<T>));
-    x = least(x, zero + double(highestOf<T>));
+    x = maximum(x, zero + double(lowestOf<T>));
+    x = minimum(x, zero + double(highestOf<T>));
     return x + (x < zero ? zero - 0.5 : zero + 0.5);
 }
 
-/// Cuts off what is behind the point; vectors convert to signed numbers alone.
+/// Cuts off what is behind the point; vectors convert only to signed numbers.
 template <class T, Domain::domain D>
 ORLIX_KERNEL void writeBlock(const double* numbers, std::size_t size, T* __restrict pixels)
 {

@@ -78,11 +78,11 @@ core::ProcessingResult XProjectionStrip::genericProcessFunction(ProcessingInfo)
     }
     case ePST_Min:
         pixels.assign(box.x, core::NumericLimits<T>::s_max);
-        kernel.least(columns, pixels.data());
+        kernel.minimum(columns, pixels.data());
         break;
     default:
         pixels.assign(box.x, core::NumericLimits<T>::s_min);
-        kernel.most(columns, pixels.data());
+        kernel.maximum(columns, pixels.data());
         break;
     }
     values.assign(pixels.begin(), pixels.end());
@@ -219,7 +219,7 @@ void writeSelected(const Columns<T>& columns, eProjStatType statistic, const Col
     } else {
         std::memcpy(pixels, columns.pixels, columns.width * sizeof(T));
         const Columns<T> others = columns.part(0, columns.width, 1, columns.count - 1);
-        (statistic == ePST_Min ? kernel.least : kernel.most)(others, pixels);
+        (statistic == ePST_Min ? kernel.minimum : kernel.maximum)(others, pixels);
     }
     if (output.type == image::imageBufferTypeOf<T>) {
         std::memcpy(to, pixels, columns.width * sizeof(T));

@@ -1,6 +1,6 @@
 // What is made of rows of pixels: parts of the statistics kernels, and the median.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Selection.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/RankSelection.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Projection/RowKernels.hpp>
 
 #include "../Stats/StatsKernels.inl"

@@ -28,7 +28,7 @@ void addIntegers(Run<T> a, Run<T> b, SquaredDifferences& differences)
     {
         const UPack p = load<UPack>(x) ^ splat<UPack>(flip);
         const UPack q = load<UPack>(y) ^ splat<UPack>(flip);
-        return (Pack<Y, D>)((most(p, q) - least(p, q)) ^ splat<UPack>(toCanonical));
+        return (Pack<Y, D>)((maximum(p, q) - minimum(p, q)) ^ splat<UPack>(toCanonical));
     };
     const std::size_t packs = a.size / step;
     const Prefetch prefetch{a.size * sizeof(a.pixels[0])};

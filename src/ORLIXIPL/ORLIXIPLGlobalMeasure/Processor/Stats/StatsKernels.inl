@@ -32,7 +32,7 @@ inline constexpr bool hasSquares = F == Figures::All || F == Figures::Sums;
 template <Figures F>
 inline constexpr bool hasExtremes = F == Figures::All || F == Figures::Extremes;
 
-ORLIX_KERNEL void widen(Moments& m, double lo, double hi)
+ORLIX_KERNEL void extendRange(Moments& m, double lo, double hi)
 {
     m.min = m.min < lo ? m.min : lo;
     m.max = m.max > hi ? m.max : hi;
@@ -51,12 +51,12 @@ struct CountLane<T, 1>
 
 /// Counts the selected lanes; up to 2^14 packs of 16 bits, 2^32 of others.
 template <class T, Domain::domain D>
-struct SelectionCount
+struct LaneMaskCount
 {
     using Lane = typename CountLane<T>::Type;
     Pack<Lane, D> count{};
 
-    ORLIX_KERNEL void add(Selection<T, D> selection)
+    ORLIX_KERNEL void add(LaneMask<T, D> selection)
     {
         if constexpr (sizeof(T) == 1) {
             count += addBytes<D>(selection & 1);
@@ -83,8 +83,8 @@ void accumulateIntegers(R run, Moments& m)
     const std::size_t whole = run.size / step;
     const std::size_t rest = run.size % step;
 
-    // The last pixels, filled up with copies of the very last: they do no harm to the extremes, and the sums are known.
-    // Under a mask they do not count.
+    // The last pixels, filled up with copies of the very last, which change no extreme and are subtracted from
+    // the sums. Under a mask they are not selected.
     T filled[step];
     std::uint8_t filledMask[step] = {};
     if (rest != 0) {
@@ -98,11 +98,11 @@ void accumulateIntegers(R run, Moments& m)
         }
     }
 
-    // Two of everything, so that one can wait for its registers while the other works.
+    // Two accumulators each: additions to one need not wait for the latency of those to the other.
     Totals totals;
     std::uint64_t selected = 0;
     Sums sums[2];
-    SelectionCount<T, D> counts[2];
+    LaneMaskCount<T, D> selections[2];
     YPack lo[2];
     YPack hi[2];
     if constexpr (R::isMasked) {
@@ -115,15 +115,15 @@ void accumulateIntegers(R run, Moments& m)
     {
         const YPack y = loadCanonical<T, D>(pixels);
         if constexpr (R::isMasked) {
-            const auto selection = loadSelection<T, D>(mask);
-            counts[half].add(selection);
+            const auto selection = loadLaneMask<T, D>(mask);
+            selections[half].add(selection);
             sums[half].add(keep(selection, y));
-            lo[half] = least(lo[half], selection ? y : splat<YPack>(highestOf<Y>));
-            hi[half] = most(hi[half], selection ? y : splat<YPack>(lowestOf<Y>));
+            lo[half] = minimum(lo[half], selection ? y : splat<YPack>(highestOf<Y>));
+            hi[half] = maximum(hi[half], selection ? y : splat<YPack>(lowestOf<Y>));
         } else {
             sums[half].add(y);
-            lo[half] = least(lo[half], y);
-            hi[half] = most(hi[half], y);
+            lo[half] = minimum(lo[half], y);
+            hi[half] = maximum(hi[half], y);
         }
     };
     const Prefetch prefetch{run.size * sizeof(run.pixels[0])};
@@ -144,7 +144,7 @@ void accumulateIntegers(R run, Moments& m)
         for (int half = 0; half < 2; ++half) {
             sums[half].flush(totals);
             if constexpr (R::isMasked) {
-                selected += counts[half].flush();
+                selected += selections[half].flush();
             }
         }
     } while (i < whole);
@@ -153,9 +153,9 @@ void accumulateIntegers(R run, Moments& m)
         return;
     }
     if constexpr (hasExtremes<F>) {
-        const Y min = leastLane<Y>(least(lo[0], lo[1]));
-        const Y max = mostLane<Y>(most(hi[0], hi[1]));
-        widen(m, double(std::int64_t{min} + bias<T>), double(std::int64_t{max} + bias<T>));
+        const Y min = minimumLane<Y>(minimum(lo[0], lo[1]));
+        const Y max = maximumLane<Y>(maximum(hi[0], hi[1]));
+        extendRange(m, double(std::int64_t{min} + bias<T>), double(std::int64_t{max} + bias<T>));
     }
     if constexpr (!hasSum<F>) {
         return;
@@ -174,18 +174,18 @@ void accumulateIntegers(R run, Moments& m)
     }
 }
 
-/// Where extremes alone are asked for, a NaN never replaces a number.
+/// Where only extremes are asked for, a NaN never replaces a number.
 template <Figures F>
 inline constexpr bool ignoresNaN = F == Figures::Extremes;
 
 /// In the order of the pixels, so that a NaN, unless it is ignored, stays until the next number replaces it.
 template <Figures F, class R>
-ORLIX_KERNEL void widenInOrder(R run, Moments& m)
+ORLIX_KERNEL void extendRangeInOrder(R run, Moments& m)
 {
     for (std::size_t i = 0; i < run.size; ++i) {
         const double x = run.pixels[i];
-        if (counts(run, i) && !(ignoresNaN<F> && x != x)) {
-            widen(m, x, x);
+        if (isSelected(run, i) && !(ignoresNaN<F> && x != x)) {
+            extendRange(m, x, x);
         }
     }
 }
@@ -196,7 +196,7 @@ ORLIX_KERNEL void accumulateOneByOne(R run, Moments& m)
 {
     if constexpr (hasSum<F>) {
         for (std::size_t i = 0; i < run.size; ++i, ++m.position) {
-            if (counts(run, i)) {
+            if (isSelected(run, i)) {
                 const double x = run.pixels[i];
                 m.laneSums[m.position % Moments::lanes] += x;
                 if constexpr (hasSquares<F>) {
@@ -207,7 +207,7 @@ ORLIX_KERNEL void accumulateOneByOne(R run, Moments& m)
         }
     }
     if constexpr (hasExtremes<F>) {
-        widenInOrder<F>(run, m);
+        extendRangeInOrder<F>(run, m);
     }
 }
 
@@ -236,7 +236,7 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
     };
     Floats lo[floats];
     Floats hi[floats];
-    SelectionCount<float, D> count;
+    LaneMaskCount<float, D> count;
     for (std::size_t k = 0; k < floats; ++k) {
         constexpr bool fromPixels = !R::isMasked && !ignoresNaN<F>;
         lo[k] = fromPixels ? load<Floats>(run.pixels + k * lanes<float, D>) : splat<Floats>(infinity);
@@ -250,12 +250,12 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
 #pragma GCC unroll 4
             for (std::size_t k = 0; k < floats; ++k) {
                 const Floats x = load<Floats>(pixels + k * lanes<float, D>);
-                const auto selection = loadSelection<float, D>(run.mask + i + k * lanes<float, D>);
+                const auto selection = loadLaneMask<float, D>(run.mask + i + k * lanes<float, D>);
                 count.add(selection);
                 add(2 * k, toDoubles<D, false>(keep(selection, x)));
                 add(2 * k + 1, toDoubles<D, true>(keep(selection, x)));
-                lo[k] = least(lo[k], selection ? x : splat<Floats>(infinity));
-                hi[k] = most(hi[k], selection ? x : splat<Floats>(-infinity));
+                lo[k] = minimum(lo[k], selection ? x : splat<Floats>(infinity));
+                hi[k] = maximum(hi[k], selection ? x : splat<Floats>(-infinity));
             }
         } else {
 #pragma GCC unroll 8
@@ -265,8 +265,8 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
 #pragma GCC unroll 4
             for (std::size_t k = 0; k < floats; ++k) {
                 const Floats x = load<Floats>(pixels + k * lanes<float, D>);
-                lo[k] = ignoresNaN<F> ? least(x, lo[k]) : least(lo[k], x);
-                hi[k] = ignoresNaN<F> ? most(x, hi[k]) : most(hi[k], x);
+                lo[k] = ignoresNaN<F> ? minimum(x, lo[k]) : minimum(lo[k], x);
+                hi[k] = ignoresNaN<F> ? maximum(x, hi[k]) : maximum(hi[k], x);
             }
         }
     }
@@ -291,17 +291,17 @@ ORLIX_KERNEL void accumulateBlocks(R run, Moments& m)
         total += lane;
     }
     if (!ignoresNaN<F> && total != total) {
-        widenInOrder<F>(run, m); // a NaN, perhaps: lanes would lose track of what came after it
+        extendRangeInOrder<F>(run, m); // a NaN, perhaps: lanes would lose track of what came after it
         return;
     }
-    // By halves, as leastLane() goes on: so all widths come to the same zero, if there are two.
+    // By halves, as minimumLane() goes on: so all widths come to the same zero, if there are two.
     for (std::size_t width = floats / 2; width != 0; width /= 2) {
         for (std::size_t k = 0; k < width; ++k) {
-            lo[k] = least(lo[k], lo[k + width]);
-            hi[k] = most(hi[k], hi[k + width]);
+            lo[k] = minimum(lo[k], lo[k + width]);
+            hi[k] = maximum(hi[k], hi[k + width]);
         }
     }
-    widen(m, leastLane<float>(lo[0]), mostLane<float>(hi[0]));
+    extendRange(m, minimumLane<float>(lo[0]), maximumLane<float>(hi[0]));
 }
 
 template <Domain::domain D, Figures F, class R>
@@ -325,7 +325,7 @@ void accumulateGeneric(R run, Moments& m)
     std::uint64_t selected = 0;
     if constexpr (isFloat<T>) {
         for (std::size_t i = 0; i < run.size; ++i) {
-            if (counts(run, i)) {
+            if (isSelected(run, i)) {
                 const double x = run.pixels[i];
                 if constexpr (hasSum<F>) {
                     m.laneSums[0] += x;
@@ -337,7 +337,7 @@ void accumulateGeneric(R run, Moments& m)
             }
         }
         if constexpr (hasExtremes<F>) {
-            widenInOrder<F>(run, m);
+            extendRangeInOrder<F>(run, m);
         }
     } else {
         constexpr std::size_t block = std::size_t{1} << 20; // of squares below 2^32, which fit 64 bits
@@ -349,7 +349,7 @@ void accumulateGeneric(R run, Moments& m)
             std::int64_t sum = 0;
             typename SquaresOf<sizeof(T)>::Type sumSq = 0;
             for (; i < end; ++i) {
-                if (counts(run, i)) {
+                if (isSelected(run, i)) {
                     const std::int64_t x = run.pixels[i];
                     sum += x;
                     sumSq += std::uint64_t(x) * std::uint64_t(x); // right for negative pixels, too
@@ -362,7 +362,7 @@ void accumulateGeneric(R run, Moments& m)
             totals.sumSq += sumSq;
         }
         if (hasExtremes<F> && selected != 0) {
-            widen(m, min, max);
+            extendRange(m, min, max);
         }
         if constexpr (hasSum<F>) {
             m.sum += totals.sum;

@@ -54,7 +54,7 @@ protected:
         return sum;
     }
 
-    ClassCounts counts_{};
+    BinCounts counts_{};
 
 private:
     static constexpr std::size_t capacity = std::size_t{1} << 31; ///< of a table's entry, and more
@@ -81,8 +81,8 @@ private:
 
     attr::HistogramData& histogram_;
     image::eImageBufferType type_;
-    bool classIsEntry_ = true; ///< entry i counts class firstClass_ + i
-    std::size_t firstClass_ = 0;
+    bool entryIsBin_ = true; ///< entry i counts class firstBin_ + i
+    std::size_t firstBin_ = 0;
 };
 
 } // namespace orlix::imaproc::glbmsr

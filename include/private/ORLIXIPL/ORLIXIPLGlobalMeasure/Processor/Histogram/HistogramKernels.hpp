@@ -7,7 +7,7 @@ namespace orlix::imaproc::glbmsr
 {
 
 /// The classes of a histogram, as pixels see them.
-struct ClassRule
+struct BinRule
 {
     double min;
     double binWidth;
@@ -18,7 +18,7 @@ struct ClassRule
 
 /// What a histogram kernel counts into: one, two or eight tables, so that equal neighbours need not wait for each
 /// other. Each has an entry `size` for what does not count.
-struct ClassCounts
+struct BinCounts
 {
     /// Where there are eight, they lie this far apart.
     static constexpr std::size_t stride = 2048 + 32;
@@ -32,7 +32,7 @@ struct ClassCounts
     bool byValue;
     std::int64_t first;
     /// Else entry i is class i.
-    ClassRule rule;
+    BinRule rule;
     /// Vector kernels find the class of a pixel as (pixel - base) * inverse in single precision, and ask the rule where
     /// the product is closer to a class border than its error. `approximate` tells whether that is worth while.
     bool approximate;
@@ -42,9 +42,9 @@ struct ClassCounts
 };
 
 template <class T>
-using HistogramKernel = void (*)(Run<T>, const ClassCounts&);
+using HistogramKernel = void (*)(Run<T>, const BinCounts&);
 template <class T>
-using HistogramMaskKernel = void (*)(MaskedRun<T>, const ClassCounts&);
+using HistogramMaskKernel = void (*)(MaskedRun<T>, const BinCounts&);
 
 using HistogramKernels = KernelsByType<HistogramKernel>;
 using HistogramMaskKernels = KernelsByType<HistogramMaskKernel>;
@@ -57,7 +57,7 @@ namespace
 
 /// The class of a pixel; `size`, which is none, for a pixel that does not count. Rounding to single precision may lift
 /// a value just below the upper bound into the guard class.
-[[gnu::always_inline]] inline std::uint32_t classOf(float pixel, const ClassRule& rule)
+[[gnu::always_inline]] inline std::uint32_t binOf(float pixel, const BinRule& rule)
 {
     if (pixel >= rule.minF && pixel < rule.maxF) {
         const float quotient = float((double(pixel) - rule.min) / rule.binWidth);

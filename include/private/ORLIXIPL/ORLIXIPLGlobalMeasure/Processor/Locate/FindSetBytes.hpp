@@ -40,8 +40,8 @@ inline std::size_t countSetBytes(const std::uint8_t* bytes, std::size_t size)
     std::size_t zeros = 0;
     std::size_t i = 0;
     while (i + 16 <= size) {
-        constexpr std::size_t most = std::size_t{255} * 16; // that lanes of bytes can count
-        const std::size_t end = i + (size - i < most ? size - i : most) / 16 * 16;
+        constexpr std::size_t limit = std::size_t{255} * 16; // that lanes of bytes can count
+        const std::size_t end = i + (size - i < limit ? size - i : limit) / 16 * 16;
         __m128i counts = zero;
         const auto add = [&](const std::uint8_t* at) {
             const __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));

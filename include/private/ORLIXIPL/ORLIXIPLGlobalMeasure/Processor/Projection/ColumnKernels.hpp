@@ -6,15 +6,15 @@
 namespace orlix::imaproc::glbmsr
 {
 
-/// What is made of columns of pixels of type T. All take any part of the columns; sum, squares, least and most go on
-/// from what earlier parts left. All sets give the same bits.
+/// What is made of columns of pixels of type T. All take any part of the columns; sum, squares, minimum and maximum go
+/// on from what earlier parts left. All sets give the same bits.
 template <class T>
 struct ColumnKernel
 {
     void (*sum)(Columns<T>, double* sums);
     void (*squares)(Columns<T>, double* sums, double* sumsOfSquares);
-    void (*least)(Columns<T>, T* least); ///< m = x < m ? x : m, so that a NaN never replaces a number
-    void (*most)(Columns<T>, T* most);   ///< m = x > m ? x : m
+    void (*minimum)(Columns<T>, T* minima); ///< m = x < m ? x : m, so that a NaN never replaces a number
+    void (*maximum)(Columns<T>, T* maxima); ///< m = x > m ? x : m
     /// The pixels of rank count / 2, NaN coming after every number. `scratch` has scratchBytes(width, count) bytes, or
     /// those of a wider part.
     void (*median)(Columns<T>, unsigned char* scratch, T* medians);

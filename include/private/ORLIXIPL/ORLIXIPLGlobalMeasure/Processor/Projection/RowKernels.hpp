@@ -10,9 +10,9 @@ namespace orlix::imaproc::glbmsr
 template <class T>
 struct RowKernel
 {
-    StatsKernel<T> sum;      ///< fills in the sum of Moments alone
+    StatsKernel<T> sum;      ///< fills in only the sum of Moments
     StatsKernel<T> squares;  ///< fills in sum and sum of squares
-    StatsKernel<T> extremes; ///< fills in minimum and maximum alone
+    StatsKernel<T> extremes; ///< fills in only minimum and maximum
     /// The pixel of rank size / 2, NaN coming after every number. `scratch` has rowScratchBytes<T>(size) bytes.
     T (*median)(Run<T>, unsigned char* scratch);
 };

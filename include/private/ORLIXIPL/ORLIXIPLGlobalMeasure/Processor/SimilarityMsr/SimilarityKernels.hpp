@@ -13,7 +13,7 @@ struct SquaredDifferences
 
     Int128 sum;             ///< of integer pixels
     std::size_t position;   ///< float pixels so far
-    double laneSums[lanes]; ///< float pixel i is added to lane i mod 16; the generic kernel uses lane 0 alone
+    double laneSums[lanes]; ///< float pixel i is added to lane i mod 16; the generic kernel uses only lane 0
 };
 
 /// Adds the squares of the differences of two runs of one size.

@@ -58,7 +58,7 @@ ORLIX_HOST_DEVICE constexpr std::uint32_t fill(T number)
 
 /// The lower and the higher numbers of two words; lanes have 16 or 32 bits.
 template <class T>
-ORLIX_HOST_DEVICE inline std::uint32_t least(std::uint32_t a, std::uint32_t b)
+ORLIX_HOST_DEVICE inline std::uint32_t minimum(std::uint32_t a, std::uint32_t b)
 {
     if constexpr (sizeof(T) == 4) {
         return T(a) < T(b) ? a : b;
@@ -73,7 +73,7 @@ ORLIX_HOST_DEVICE inline std::uint32_t least(std::uint32_t a, std::uint32_t b)
     }
 }
 template <class T>
-ORLIX_HOST_DEVICE inline std::uint32_t most(std::uint32_t a, std::uint32_t b)
+ORLIX_HOST_DEVICE inline std::uint32_t maximum(std::uint32_t a, std::uint32_t b)
 {
     if constexpr (sizeof(T) == 4) {
         return T(a) > T(b) ? a : b;
@@ -144,15 +144,15 @@ public:
             sum_ = word::addProducts<T>(sum_, pixels, 0x01010101u);
             sumSq_ = word::addProducts<T>(sumSq_, pixels, pixels);
             const std::uint32_t bytes = pixels ^ Extreme::flip * 0x01010101u;
-            widen(bytes & 0x00ff00ffu);
-            widen(bytes >> 8 & 0x00ff00ffu);
+            extendRange(bytes & 0x00ff00ffu);
+            extendRange(bytes >> 8 & 0x00ff00ffu);
         } else if constexpr (sizeof(T) == 2) {
             const auto low = std::uint32_t(std::int32_t(word::lane<T>(pixels, 0)));
             const auto high = std::uint32_t(std::int32_t(word::lane<T>(pixels, 1)));
             sum_ += low + high;
             totalSq_ += std::uint64_t(low * low); // right for negative pixels, too
             totalSq_ += std::uint64_t(high * high);
-            widen(pixels);
+            extendRange(pixels);
         } else {
             add(T(pixels));
         }
@@ -164,7 +164,7 @@ public:
         total_ += x;
         totalSq_ += square;
         carries_ += totalSq_ < square; // beyond 2^64
-        widen(word::fill<Number>(Extreme::from(pixel)));
+        extendRange(word::fill<Number>(Extreme::from(pixel)));
     }
     ORLIX_HOST_DEVICE void flush()
     {
@@ -193,10 +193,10 @@ public:
     }
 
 private:
-    ORLIX_HOST_DEVICE void widen(std::uint32_t numbers)
+    ORLIX_HOST_DEVICE void extendRange(std::uint32_t numbers)
     {
-        min_ = word::least<Number>(min_, numbers);
-        max_ = word::most<Number>(max_, numbers);
+        min_ = word::minimum<Number>(min_, numbers);
+        max_ = word::maximum<Number>(max_, numbers);
     }
 
     std::uint32_t sum_ = 0;
@@ -234,7 +234,7 @@ public:
         max_ = pixel > max_ ? pixel : max_;
     }
     ORLIX_HOST_DEVICE void flush() {}
-    /// The measures begin with the finite ends of a range, so infinity alone is no minimum.
+    /// The measures begin with the finite ends of a range, so that infinity is no minimum.
     ORLIX_HOST_DEVICE CudaStatsRecord finish(const CudaStatsRecord& none)
     {
         CudaStatsRecord record = none;

@@ -15,9 +15,9 @@ struct Moments
     double max;
     Int128 sum; ///< of integer pixels
     Int128 sumSq;
-    std::uint64_t selected; ///< pixels that count, of masked runs alone
+    std::uint64_t selected; ///< pixels that count, of masked runs only
     std::size_t position;   ///< float pixels so far
-    double laneSums[lanes]; ///< float pixel i is added to lane i mod 16; the generic kernel uses lane 0 alone
+    double laneSums[lanes]; ///< float pixel i is added to lane i mod 16; the generic kernel uses only lane 0
     double laneSquares[lanes];
 };
 

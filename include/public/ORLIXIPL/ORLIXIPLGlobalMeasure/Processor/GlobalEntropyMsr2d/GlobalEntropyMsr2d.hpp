@@ -50,7 +50,7 @@ public:
 /// lies outside the range of given parameters does not count. The form that takes one record applies it to plan (0, 0,
 /// 0), the multi-slice form takes a record for every plan that is not to have its default. Fails where the histogram of
 /// a plan does. The synchronous forms throw ORLIXBaseProcessingException when the run fails; the single-result forms
-/// measure plan (0, 0, 0) alone.
+/// measure plan (0, 0, 0) only.
 ORLIX_API Ptr<GlobalEntropyResult> globalEntropyMsr2d(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<GlobalEntropyMsr2dLvl1> globalEntropyMsr2d_async(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<GlobalEntropyResult> globalEntropyMsr2d(const Ptr<const image::BaseImage>& image,

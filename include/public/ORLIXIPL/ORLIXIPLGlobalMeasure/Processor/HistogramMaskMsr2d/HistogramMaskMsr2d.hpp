@@ -10,7 +10,7 @@ namespace orlix::imaproc::glbmsr
 /// classes, at least 1 wide for integers (HistogramLevels.hpp has the rules). The mask is uint8, int8 or binary and has
 /// the size of the image; a plan where it is empty has one class of nothing. Needs pixels; a range that is not finite,
 /// or more classes than the memory limit allows, fails. The synchronous forms throw ORLIXBaseProcessingException when
-/// the run fails; the single-result forms measure plan (0, 0, 0) alone.
+/// the run fails; the single-result forms measure plan (0, 0, 0) only.
 ORLIX_API Ptr<HistogramData> histogramMaskMsr2d(const Ptr<const image::BaseImage>& image,
                                                 const Ptr<const image::BaseImage>& mask);
 ORLIX_API Ptr<HistogramMaskMsr2dLvl1> histogramMaskMsr2d_async(const Ptr<const image::BaseImage>& image,

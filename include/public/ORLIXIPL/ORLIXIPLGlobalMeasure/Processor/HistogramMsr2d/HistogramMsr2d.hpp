@@ -9,7 +9,7 @@ namespace orlix::imaproc::glbmsr
 /// unless the parameters give one. Without parameters the range of the image is cut into 256 classes, at least 1 wide
 /// for integers (HistogramLevels.hpp has the rules). Needs pixels; a range that is not finite, or more classes than the
 /// memory limit allows, fails. The synchronous forms throw ORLIXBaseProcessingException when the run fails; the single-
-/// result forms measure plan (0, 0, 0) alone.
+/// result forms measure plan (0, 0, 0) only.
 ORLIX_API Ptr<HistogramData> histogramMsr2d(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<HistogramMsr2dLvl1> histogramMsr2d_async(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<HistogramData> histogramMsr2d(const Ptr<const image::BaseImage>& image,

@@ -9,7 +9,7 @@ namespace orlix::imaproc::glbmsr
 /// random, with replacement, and a bandwidth for them; one record per 2d plan (z, c, t) of an image of any numeric
 /// type. Without parameters, 1000 samples and Silverman's rule. core::random::setSeed chooses the sample. The
 /// synchronous forms throw ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0,
-/// 0) alone.
+/// 0) only.
 ORLIX_API Ptr<KDEDataSet> kernelDensityEstimator2d(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<KDEDataSet> kernelDensityEstimator2d(const Ptr<const image::BaseImage>& image, std::uint32_t nbSamples,
                                                    const Ptr<const KDEBandwidthPolicy>& bandwidthPolicy);

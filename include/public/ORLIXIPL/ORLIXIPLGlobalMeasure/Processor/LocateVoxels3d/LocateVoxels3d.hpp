@@ -8,7 +8,7 @@ namespace orlix::imaproc::glbmsr
 /// The positions of the first nbFeatures set voxels of a binary image, in raster order: one list per
 /// 3d volume (c, t), in pixels from the first one. Without nbFeatures the limit is the number of plans (z, c, t) times
 /// x times y in 32 bits, which on purpose wraps for images of 2^32 pixels and more. The synchronous forms throw
-/// ORLIXBaseProcessingException when the run fails; the single-result forms measure volume (0, 0) alone.
+/// ORLIXBaseProcessingException when the run fails; the single-result forms measure volume (0, 0) only.
 ORLIX_API Ptr<Voxels3d> locateVoxels3d(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<Voxels3d> locateVoxels3d(const Ptr<const image::BaseImage>& image, unsigned nbFeatures);
 ORLIX_API Ptr<LocateVoxels3dLvl1> locateVoxels3d_async(const Ptr<const image::BaseImage>& image);

@@ -9,7 +9,7 @@ namespace orlix::imaproc::glbmsr
 /// may have different types of the seven numeric ones. `Correlation` is from -1 to 1, and NaN where an image is
 /// constant over a plan, or over a strip of it at just the mean of the plan. `SumSquaredDev1` is the sum of the squared
 /// deviations of image 2, and `SumSquaredDev2` is not filled in. The synchronous forms throw
-/// ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0, 0) alone.
+/// ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0, 0) only.
 ORLIX_API Ptr<NCCResult> normalizedCrossCorrelationMsr2d(const Ptr<const image::BaseImage>& image1,
                                                          const Ptr<const image::BaseImage>& image2);
 ORLIX_API Ptr<NormalizedCrossCorrelationMsr2dLvl1>

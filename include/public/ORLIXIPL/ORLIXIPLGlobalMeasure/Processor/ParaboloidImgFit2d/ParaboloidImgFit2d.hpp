@@ -60,7 +60,7 @@ public:
 /// int8 or binary, of the size of the image), over the pixels whose byte is not 0. On purpose, a plan or mask whose
 /// positions do not determine the surface succeeds, with coefficients that are not finite or mean nothing; where a mask
 /// selects a small part far from (0, 0), few digits are left. All instruction sets give the same bits. The synchronous
-/// forms throw ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0, 0) alone.
+/// forms throw ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0, 0) only.
 ORLIX_API Ptr<ParaboloidParams3d> paraboloidImgFit2d(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<ParaboloidParams3d> paraboloidImgFit2d(const Ptr<const image::BaseImage>& image,
                                                      const Ptr<const image::BaseImage>& mask);

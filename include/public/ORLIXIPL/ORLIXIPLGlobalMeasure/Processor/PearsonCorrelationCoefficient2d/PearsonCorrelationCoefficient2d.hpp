@@ -9,7 +9,7 @@ namespace orlix::imaproc::glbmsr
 /// types of the seven numeric ones. `PearsonCC` is the sum of the products of the deviations over the product of the
 /// standard deviations, that is the number of pixels times the coefficient r; 0 where an image is constant. The
 /// synchronous forms throw ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0,
-/// 0) alone.
+/// 0) only.
 ORLIX_API Ptr<PearsonCCResult> pearsonCorrelationCoefficient2d(const Ptr<const image::BaseImage>& image1,
                                                                const Ptr<const image::BaseImage>& image2);
 ORLIX_API Ptr<PearsonCorrelationCoefficient2dLvl1>

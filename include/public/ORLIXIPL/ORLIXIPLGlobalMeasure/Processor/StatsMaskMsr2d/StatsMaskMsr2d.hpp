@@ -7,7 +7,7 @@ namespace orlix::imaproc::glbmsr
 
 /// The statistics of statsMsr2d over the pixels whose mask byte is not 0: one result per 2d plan (z, c, t). The mask is
 /// uint8, int8 or binary and has the size of the image; where it is empty, mean and deviation are NaN. The synchronous
-/// forms throw ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0, 0) alone.
+/// forms throw ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0, 0) only.
 ORLIX_API Ptr<StatsResult> statsMaskMsr2d(const Ptr<const image::BaseImage>& image,
                                           const Ptr<const image::BaseImage>& mask);
 ORLIX_API Ptr<StatsMaskMsr2dLvl1> statsMaskMsr2d_async(const Ptr<const image::BaseImage>& image,

@@ -7,7 +7,7 @@ namespace orlix::imaproc::glbmsr
 
 /// The statistics of statsMsr3d over the pixels whose mask byte is not 0: one result per 3d volume (c, t). The mask is
 /// uint8, int8 or binary and has the size of the image; where it is empty, mean and deviation are NaN. The synchronous
-/// forms throw ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0, 0) alone.
+/// forms throw ORLIXBaseProcessingException when the run fails; the single-result forms measure plan (0, 0, 0) only.
 ORLIX_API Ptr<StatsResult> statsMaskMsr3d(const Ptr<const image::BaseImage>& image,
                                           const Ptr<const image::BaseImage>& mask);
 ORLIX_API Ptr<StatsMaskMsr3dLvl1> statsMaskMsr3d_async(const Ptr<const image::BaseImage>& image,

@@ -9,10 +9,10 @@ namespace orlix::imaproc::glbmsr
 bool hasUserRange(const HistoMsrParams* params, image::eImageBufferType type);
 
 /// Gives the histogram of a range its classes, at zero, and a guard class. Fails where there are none or too many.
-core::ProcessingResult makeClasses(HistogramData& histogram, image::eImageBufferType type, const HistoMsrParams* params,
-                                   double min, double max);
+core::ProcessingResult makeBins(HistogramData& histogram, image::eImageBufferType type, const HistoMsrParams* params,
+                                double min, double max);
 /// One class for a range in which there is no pixel, and a guard class.
-void makeEmptyClass(HistogramData& histogram, image::eImageBufferType type, double min, double max);
+void makeEmptyBin(HistogramData& histogram, image::eImageBufferType type, double min, double max);
 
 /// How many partial histograms of these classes the memory limit allows at once; at least 1.
 std::size_t getMaxPartialHistograms(const HistogramData& histogram);
@@ -22,8 +22,8 @@ std::size_t getMinStripPixels(const HistogramData& histogram, const image::BaseI
 /// A BinWidth that is used is above 0, or 0 for float pixels whose range may be one value.
 Rule matchBinWidth(const InOptHistoMsrParams& params, const attr::BaseAttribute& image);
 /// The histogram has a class and a guard class, at least, and fewer than 2^31.
-core::ProcessingResult checkHasClasses(const attr::BaseAttribute& output, const HistogramData& histogram);
+core::ProcessingResult checkHasBins(const attr::BaseAttribute& output, const HistogramData& histogram);
 /// The histogram has classes, and they fit the pixels.
-Rule matchClasses(const attr::BaseAttribute& output, const attr::BaseAttribute& pixels);
+Rule matchBins(const attr::BaseAttribute& output, const attr::BaseAttribute& pixels);
 
 } // namespace orlix::imaproc::glbmsr

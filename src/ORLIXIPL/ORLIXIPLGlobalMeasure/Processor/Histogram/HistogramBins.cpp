@@ -1,4 +1,4 @@
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramClasses.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramBins.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/MeasureMessages.hpp>
 #include <framework/core/Settings.hpp>
@@ -20,7 +20,7 @@ constexpr double epsilon = std::numeric_limits<double>::epsilon();
 constexpr double defaultShare = 0.00390625; // of the span: 1 / 256
 
 /// What one partial histogram takes: the frequencies, and the tables of the strip that counts into them.
-constexpr std::size_t bytesPerClass = sizeof(std::uint64_t) + sizeof(std::uint32_t);
+constexpr std::size_t bytesPerBin = sizeof(std::uint64_t) + sizeof(std::uint32_t);
 
 bool isFloat(eImageBufferType type)
 {
@@ -38,7 +38,7 @@ double getQuotient(double span, double binWidth)
 }
 
 /// The number of classes, however large and however narrow; 1 for a width of 0.
-double countClasses(double span, double binWidth)
+double countBins(double span, double binWidth)
 {
     const double quotient = binWidth > 0 ? span / binWidth : 1;
     const double whole = std::trunc(quotient);
@@ -53,7 +53,7 @@ double getBinWidth(eImageBufferType type, const HistoMsrParams* params, double s
                             : params->NbClasses > 0 ? span / params->NbClasses
                                                     : 0;
         // More classes than a signed 32-bit number counts are as bad a wish as none.
-        if (wish >= epsilon && countClasses(span, wish) <= std::numeric_limits<std::int32_t>::max()) {
+        if (wish >= epsilon && countBins(span, wish) <= std::numeric_limits<std::int32_t>::max()) {
             width = wish;
         }
     }
@@ -89,8 +89,8 @@ bool hasUserRange(const HistoMsrParams* params, eImageBufferType type)
            lowest <= params->Min && params->Max <= highest && params->Min <= params->Max;
 }
 
-ProcessingResult makeClasses(HistogramData& histogram, eImageBufferType type, const HistoMsrParams* params, double min,
-                             double max)
+ProcessingResult makeBins(HistogramData& histogram, eImageBufferType type, const HistoMsrParams* params, double min,
+                          double max)
 {
     const double span = getSpan(type, min, max);
     if (!std::isfinite(span)) {
@@ -103,9 +103,9 @@ ProcessingResult makeClasses(HistogramData& histogram, eImageBufferType type, co
     if (span > 0 && !std::isfinite(1 / width)) {
         return fail(eMeasureMessage::eMM_NarrowRange, min, max, width);
     }
-    const double classes = countClasses(span, width);
+    const double classes = countBins(span, width);
     constexpr double mebi = 1 << 20;
-    const double bytes = (classes + 1) * static_cast<double>(bytesPerClass);
+    const double bytes = (classes + 1) * static_cast<double>(bytesPerBin);
     if (const std::size_t limit = core::settings::getMemoryLimit(); bytes > static_cast<double>(limit)) {
         return fail(eMeasureMessage::eMM_ManyBins, static_cast<std::uint64_t>(classes), std::ceil(bytes / mebi),
                     static_cast<double>(limit) / mebi);
@@ -117,7 +117,7 @@ ProcessingResult makeClasses(HistogramData& histogram, eImageBufferType type, co
     return {};
 }
 
-void makeEmptyClass(HistogramData& histogram, eImageBufferType type, double min, double max)
+void makeEmptyBin(HistogramData& histogram, eImageBufferType type, double min, double max)
 {
     histogram.Min = min;
     histogram.Max = max;
@@ -127,7 +127,7 @@ void makeEmptyClass(HistogramData& histogram, eImageBufferType type, double min,
 
 std::size_t getMaxPartialHistograms(const HistogramData& histogram)
 {
-    const std::size_t bytes = std::max<std::size_t>(1, histogram.Frequencies.size()) * bytesPerClass;
+    const std::size_t bytes = std::max<std::size_t>(1, histogram.Frequencies.size()) * bytesPerBin;
     return std::max<std::size_t>(1, core::settings::getMemoryLimit() / bytes);
 }
 
@@ -156,18 +156,18 @@ Rule matchBinWidth(const InOptHistoMsrParams& params, const attr::BaseAttribute&
     }};
 }
 
-ProcessingResult checkHasClasses(const attr::BaseAttribute& output, const HistogramData& histogram)
+ProcessingResult checkHasBins(const attr::BaseAttribute& output, const HistogramData& histogram)
 {
-    constexpr std::size_t most = std::size_t{1} << 31;
+    constexpr std::size_t limit = std::size_t{1} << 31;
     const std::size_t size = histogram.Frequencies.size();
-    return size >= 2 && size <= most ? ProcessingResult{} : fail(eMeasureMessage::eMM_NoBins, output.getName());
+    return size >= 2 && size <= limit ? ProcessingResult{} : fail(eMeasureMessage::eMM_NoBins, output.getName());
 }
 
-Rule matchClasses(const attr::BaseAttribute& output, const attr::BaseAttribute& pixels)
+Rule matchBins(const attr::BaseAttribute& output, const attr::BaseAttribute& pixels)
 {
     return Rule{[&output, &pixels]() -> ProcessingResult {
         const auto* const histogram = static_cast<const HistogramData*>(output.getRecord());
-        ProcessingResult result = checkHasClasses(output, histogram ? *histogram : HistogramData{});
+        ProcessingResult result = checkHasBins(output, histogram ? *histogram : HistogramData{});
         if (!result) {
             return result;
         }

@@ -217,7 +217,7 @@ struct KeyGroup
 /// pixel types of a size.
 template <class K, Domain::domain D, Ranking R>
 [[gnu::noinline]] KeyGroup<K, D> selectKeys(const KeyGroup<K, D>* groups, std::size_t count, std::size_t rank,
-                                       Pack<signed char, D>* bytes)
+                                            Pack<signed char, D>* bytes)
 {
     using Group = KeyGroup<K, D>;
     using Keys = typename Group::Keys;
@@ -242,7 +242,7 @@ template <class K, Domain::domain D, Ranking R>
             for (std::size_t i = 0; i < count; ++i) {
                 Bits next[Group::packs];
                 for (std::size_t k = 0; k < Group::packs; ++k) {
-                    const Keys key = least(most(groups[i].keys[k], low.keys[k]), high.keys[k]);
+                    const Keys key = minimum(maximum(groups[i].keys[k], low.keys[k]), high.keys[k]);
                     next[k] = ((Bits)key - (Bits)low.keys[k]) >> shift;
                 }
                 bytes[i] = (Pack<signed char, D>)(narrowToBytes<D>(next) ^ splat<Bytes>(std::uint8_t{0x80}));
@@ -267,11 +267,11 @@ template <class Keys>
         Keys low[4];
         low[0] = low[1] = low[2] = low[3] = splat<Keys>(highestOf<K>);
         for (std::size_t i = 0; i < count; ++i) {
-            const Keys rest = most(low[3], keys[i]);
-            low[3] = least(low[3], keys[i]);
+            const Keys rest = maximum(low[3], keys[i]);
+            low[3] = minimum(low[3], keys[i]);
             for (int k = 3; k > 0; --k) {
-                const Keys lower = least(low[k - 1], low[k]);
-                low[k] = most(low[k - 1], low[k]);
+                const Keys lower = minimum(low[k - 1], low[k]);
+                low[k] = maximum(low[k - 1], low[k]);
                 low[k - 1] = lower;
             }
             if (i >= 4) {
