@@ -23,6 +23,30 @@ quietly() {
     fi
 }
 
+# Builds with ninja. On a terminal one line shows how far it is, and what is being compiled.
+run_ninja() {
+    local log=$1 width line status
+    shift
+    if [ ! -t 2 ]; then
+        quietly "building, which takes some minutes from clean" "$log" ninja "$@"
+        return
+    fi
+    width=$(tput cols 2>/dev/null || echo 80)
+    set +e
+    NINJA_STATUS="[%f/%t] " ninja "$@" 2>&1 </dev/null | tee "$log" | while IFS= read -r line; do
+        case $line in
+        "["*"] Building "*) printf '\r\033[K%s' "$(line=${line%.o}; printf "%s" "${line%%]*}] ${line##*/}" | cut -c "1-$((width - 1))")" >&2 ;;
+        esac
+    done
+    status=${PIPESTATUS[0]}
+    set -e
+    printf '\r\033[K' >&2
+    if [ "$status" -ne 0 ]; then
+        tail -n 30 "$log" >&2
+        die "failed: building (log: ${log#"$root"/})"
+    fi
+}
+
 # The packages of a list that are not installed.
 missing_packages() {
     local package
@@ -76,7 +100,7 @@ build_preset() {
         quietly "configuring $preset" "$dir/configure.log" cmake --preset "$preset" -S "$root"
     fi
     touch "$dir/.building"
-    quietly "building $preset, which takes some minutes from clean" "$dir/build.log" ninja -C "$dir" "$@"
+    run_ninja "$dir/build.log" -C "$dir" "$@"
     mv "$dir/.building" "$dir/.built-$1"
     unlock
 }

@@ -27,15 +27,6 @@ using image::eImageBufferType;
 namespace
 {
 
-Ptr<const BaseImage> makeRamp(const ImageGeometry& shape)
-{
-    std::vector<unsigned short> values(shape.nbPixels());
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        values[i] = static_cast<unsigned short>(i);
-    }
-    return makeImage(shape, values);
-}
-
 template <class A, class P>
 constexpr bool canSet = requires(P& processor)
 {

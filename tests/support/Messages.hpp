@@ -8,12 +8,13 @@
 namespace orlix::test
 {
 
-/// The text of the exception that a measure throws.
-inline std::string messageOf(const std::function<void()>& call)
+/// The text of the exception that a call throws; that of a measure, if no other is asked for.
+template <class Exception = imaproc::ORLIXBaseProcessingException>
+std::string messageOf(const std::function<void()>& call)
 {
     try {
         call();
-    } catch (const imaproc::ORLIXBaseProcessingException& error) {
+    } catch (const Exception& error) {
         return error.what();
     }
     return "nothing was thrown";

@@ -103,4 +103,14 @@ inline constexpr core::eInstructionSet::domain allSets[] = {
     core::eInstructionSet::eIS_Generic, core::eInstructionSet::eIS_SSE2, core::eInstructionSet::eIS_AVX,
     core::eInstructionSet::eIS_AVX2, core::eInstructionSet::eIS_AVX512};
 
+/// Pixels that count from 0.
+inline Ptr<const BaseImage> makeRamp(const ImageGeometry& shape)
+{
+    std::vector<unsigned short> values(shape.nbPixels());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        values[i] = static_cast<unsigned short>(i);
+    }
+    return makeImage(shape, values);
+}
+
 } // namespace orlix::test
