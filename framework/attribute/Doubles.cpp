@@ -7,8 +7,8 @@ namespace orlix::imaproc::attr
 
 namespace
 {
-const data::DynamicClassRegistration<Doubles> element{Doubles::typeName};
-const data::DynamicClassRegistration<PlanIndexedDoubles> collection{PlanIndexedDoubles::typeName};
+const data::DynamicClassRegistration<Doubles> doublesClass{Doubles::typeName};
+const data::DynamicClassRegistration<PlanIndexedDoubles> planIndexedDoublesClass{PlanIndexedDoubles::typeName};
 } // namespace
 
 } // namespace orlix::imaproc::attr

@@ -7,7 +7,7 @@ namespace orlix::imaproc::attr
 
 namespace
 {
-const data::DynamicClassRegistration<GaussianNoiseStats> registration{GaussianNoiseStats::typeName};
+const data::DynamicClassRegistration<GaussianNoiseStats> gaussianNoiseStatsClass{GaussianNoiseStats::typeName};
 } // namespace
 
 } // namespace orlix::imaproc::attr

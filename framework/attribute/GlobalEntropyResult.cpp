@@ -7,8 +7,8 @@ namespace orlix::imaproc::attr
 
 namespace
 {
-const data::DynamicClassRegistration<GlobalEntropyResult> element{GlobalEntropyResult::typeName};
-const data::DynamicClassRegistration<PlanIndexedGlobalEntropyResult> collection{
+const data::DynamicClassRegistration<GlobalEntropyResult> globalEntropyResultClass{GlobalEntropyResult::typeName};
+const data::DynamicClassRegistration<PlanIndexedGlobalEntropyResult> planIndexedGlobalEntropyResultClass{
     PlanIndexedGlobalEntropyResult::typeName};
 } // namespace
 

@@ -39,10 +39,12 @@ HistogramData& HistogramData::operator+=(const HistogramData& other)
 
 namespace
 {
-const data::DynamicClassRegistration<HistoMsrParams> params{HistoMsrParams::typeName};
-const data::DynamicClassRegistration<PlanIndexedHistoMsrParams> planParams{PlanIndexedHistoMsrParams::typeName};
-const data::DynamicClassRegistration<HistogramData> histogram{HistogramData::typeName};
-const data::DynamicClassRegistration<PlanIndexedHistogramData> planHistograms{PlanIndexedHistogramData::typeName};
+const data::DynamicClassRegistration<HistoMsrParams> histoMsrParamsClass{HistoMsrParams::typeName};
+const data::DynamicClassRegistration<PlanIndexedHistoMsrParams> planIndexedHistoMsrParamsClass{
+    PlanIndexedHistoMsrParams::typeName};
+const data::DynamicClassRegistration<HistogramData> histogramDataClass{HistogramData::typeName};
+const data::DynamicClassRegistration<PlanIndexedHistogramData> planIndexedHistogramDataClass{
+    PlanIndexedHistogramData::typeName};
 } // namespace
 
 } // namespace orlix::imaproc::attr

@@ -7,8 +7,9 @@ namespace orlix::imaproc::attr
 
 namespace
 {
-const data::DynamicClassRegistration<IndexableUInt64> element{IndexableUInt64::typeName};
-const data::DynamicClassRegistration<PlanIndexedIndexableUInt64> collection{PlanIndexedIndexableUInt64::typeName};
+const data::DynamicClassRegistration<IndexableUInt64> indexableUInt64Class{IndexableUInt64::typeName};
+const data::DynamicClassRegistration<PlanIndexedIndexableUInt64> planIndexedIndexableUInt64Class{
+    PlanIndexedIndexableUInt64::typeName};
 } // namespace
 
 } // namespace orlix::imaproc::attr

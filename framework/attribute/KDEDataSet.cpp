@@ -11,9 +11,9 @@ namespace orlix::imaproc::attr
 namespace
 {
 
-const data::DynamicClassRegistration<KDEDataSet> element{KDEDataSet::typeName};
-const data::DynamicClassRegistration<PlanIndexedKDEDataSet> collection{PlanIndexedKDEDataSet::typeName};
-const data::DynamicClassRegistration<KDEBandwidthPolicy> bandwidthPolicy{KDEBandwidthPolicy::typeName};
+const data::DynamicClassRegistration<KDEDataSet> kDEDataSetClass{KDEDataSet::typeName};
+const data::DynamicClassRegistration<PlanIndexedKDEDataSet> planIndexedKDEDataSetClass{PlanIndexedKDEDataSet::typeName};
+const data::DynamicClassRegistration<KDEBandwidthPolicy> kDEBandwidthPolicyClass{KDEBandwidthPolicy::typeName};
 
 double standardDeviation(std::span<const double> values)
 {

@@ -7,8 +7,8 @@ namespace orlix::imaproc::attr
 
 namespace
 {
-const data::DynamicClassRegistration<NCCResult> element{NCCResult::typeName};
-const data::DynamicClassRegistration<PlanIndexedNCCResult> collection{PlanIndexedNCCResult::typeName};
+const data::DynamicClassRegistration<NCCResult> nCCResultClass{NCCResult::typeName};
+const data::DynamicClassRegistration<PlanIndexedNCCResult> planIndexedNCCResultClass{PlanIndexedNCCResult::typeName};
 } // namespace
 
 } // namespace orlix::imaproc::attr

@@ -7,8 +7,9 @@ namespace orlix::imaproc::attr
 
 namespace
 {
-const data::DynamicClassRegistration<ParaboloidParams3d> element{ParaboloidParams3d::typeName};
-const data::DynamicClassRegistration<PlanIndexedParaboloidParams3d> collection{PlanIndexedParaboloidParams3d::typeName};
+const data::DynamicClassRegistration<ParaboloidParams3d> paraboloidParams3dClass{ParaboloidParams3d::typeName};
+const data::DynamicClassRegistration<PlanIndexedParaboloidParams3d> planIndexedParaboloidParams3dClass{
+    PlanIndexedParaboloidParams3d::typeName};
 } // namespace
 
 } // namespace orlix::imaproc::attr

@@ -7,8 +7,9 @@ namespace orlix::imaproc::attr
 
 namespace
 {
-const data::DynamicClassRegistration<PearsonCCResult> element{PearsonCCResult::typeName};
-const data::DynamicClassRegistration<PlanIndexedPearsonCCResult> collection{PlanIndexedPearsonCCResult::typeName};
+const data::DynamicClassRegistration<PearsonCCResult> pearsonCCResultClass{PearsonCCResult::typeName};
+const data::DynamicClassRegistration<PlanIndexedPearsonCCResult> planIndexedPearsonCCResultClass{
+    PlanIndexedPearsonCCResult::typeName};
 } // namespace
 
 } // namespace orlix::imaproc::attr

@@ -8,10 +8,10 @@ namespace orlix::imaproc::attr
 
 namespace
 {
-const data::DynamicClassRegistration<Pixels2d> pixels{Pixels2d::typeName};
-const data::DynamicClassRegistration<PlanIndexedPixels2d> pixelsOfPlans{PlanIndexedPixels2d::typeName};
-const data::DynamicClassRegistration<Voxels3d> voxels{Voxels3d::typeName};
-const data::DynamicClassRegistration<PlanIndexedVoxels3d> voxelsOfVolumes{PlanIndexedVoxels3d::typeName};
+const data::DynamicClassRegistration<Pixels2d> pixels2dClass{Pixels2d::typeName};
+const data::DynamicClassRegistration<PlanIndexedPixels2d> planIndexedPixels2dClass{PlanIndexedPixels2d::typeName};
+const data::DynamicClassRegistration<Voxels3d> voxels3dClass{Voxels3d::typeName};
+const data::DynamicClassRegistration<PlanIndexedVoxels3d> planIndexedVoxels3dClass{PlanIndexedVoxels3d::typeName};
 } // namespace
 
 core::ProcessingResult failUnevenList(const char* key, std::size_t numbers, std::size_t axes)

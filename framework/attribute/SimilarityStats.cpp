@@ -7,7 +7,7 @@ namespace orlix::imaproc::attr
 
 namespace
 {
-const data::DynamicClassRegistration<SimilarityStats> element{SimilarityStats::typeName};
+const data::DynamicClassRegistration<SimilarityStats> similarityStatsClass{SimilarityStats::typeName};
 } // namespace
 
 } // namespace orlix::imaproc::attr

@@ -7,8 +7,9 @@ namespace orlix::imaproc::attr
 
 namespace
 {
-const data::DynamicClassRegistration<StatsResult> statsResult{StatsResult::typeName};
-const data::DynamicClassRegistration<PlanIndexedStatsResult> planIndexedStatsResult{PlanIndexedStatsResult::typeName};
+const data::DynamicClassRegistration<StatsResult> statsResultClass{StatsResult::typeName};
+const data::DynamicClassRegistration<PlanIndexedStatsResult> planIndexedStatsResultClass{
+    PlanIndexedStatsResult::typeName};
 } // namespace
 
 } // namespace orlix::imaproc::attr

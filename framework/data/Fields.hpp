@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -62,8 +63,8 @@ class ORLIX_API FieldSetter final : public FieldVisitor
 {
 public:
     /// `owner` is the class of the field, for messages.
-    FieldSetter(std::string_view name, const Value& value, const std::string& owner)
-        : name_{name}, value_{value}, owner_{owner}
+    FieldSetter(std::string_view name, const Value& value, std::string owner)
+        : name_{name}, value_{value}, owner_{std::move(owner)}
     {}
 
     bool isDone() const { return isDone_; }
@@ -83,7 +84,7 @@ private:
 
     std::string_view name_;
     const Value& value_;
-    const std::string& owner_;
+    std::string owner_;
     bool isDone_ = false;
 };
 

@@ -240,7 +240,7 @@ ProcessingResult BaseImage::read(data::InputArchive& archive)
 
 namespace
 {
-const data::DynamicClassRegistration<BaseImage> registration{BaseImage::typeName};
+const data::DynamicClassRegistration<BaseImage> baseImageClass{BaseImage::typeName};
 }
 
 } // namespace orlix::image

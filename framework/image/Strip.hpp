@@ -24,7 +24,7 @@ struct PixelBox
 };
 
 /// What a strip is a band of.
-enum class eStripElement
+enum class ORLIX_API eStripElement
 {
     eSE_Column,      ///< of a 2d plan
     eSE_Row,         ///< of a 2d plan

@@ -10,7 +10,8 @@ namespace orlix::imaproc
 namespace
 {
 
-const data::DynamicClassRegistration<ImageValueExtractionMethod> registration{ImageValueExtractionMethod::typeName};
+const data::DynamicClassRegistration<ImageValueExtractionMethod> imageValueExtractionMethodClass{
+    ImageValueExtractionMethod::typeName};
 
 Origin getOrigin()
 {

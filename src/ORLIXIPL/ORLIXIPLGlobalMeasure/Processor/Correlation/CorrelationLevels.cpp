@@ -195,13 +195,13 @@ AlgorithmClass PearsonCorrelationCoefficient3dLvl3::processorClass =
 namespace
 {
 
-const MeasureRegistration ncc{
+const MeasureRegistration nccMeasure{
     {"Normalized cross correlation",
      "ncc",
      "normalized cross correlation of two images",
      "NaN where an image is constant over a plan, or over a part of some 512 KiB of it.",
      {&NormalizedCrossCorrelationMsr2dLvl1::processorClass, &NormalizedCrossCorrelationMsr3dLvl1::processorClass}}};
-const MeasureRegistration pearson{
+const MeasureRegistration pearsonMeasure{
     {"Pearson correlation",
      "pearson",
      "Pearson correlation of two images: times the number of pixels, and the coefficient r",

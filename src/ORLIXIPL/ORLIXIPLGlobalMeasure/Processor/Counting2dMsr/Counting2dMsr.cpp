@@ -5,36 +5,34 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<Counting2dMsrLvl1>;
-
 Ptr<IndexableUInt64> counting2dMsr(const Ptr<const image::BaseImage>& labelImage)
 {
-    return Forms::single<InLabelImg>(labelImage);
+    return CallingForms<Counting2dMsrLvl1>::single<InLabelImg>(labelImage);
 }
 
 Ptr<Counting2dMsrLvl1> counting2dMsr_async(const Ptr<const image::BaseImage>& labelImage)
 {
-    return Forms::singleAsync<InLabelImg>(labelImage);
+    return CallingForms<Counting2dMsrLvl1>::singleAsync<InLabelImg>(labelImage);
 }
 
 Ptr<PlanIndexedIndexableUInt64> multiSlice_counting2dMsr(const Ptr<const image::BaseImage>& labelImage)
 {
-    return Forms::everyPlan<InLabelImg>(labelImage);
+    return CallingForms<Counting2dMsrLvl1>::everyPlan<InLabelImg>(labelImage);
 }
 
 Ptr<Counting2dMsrLvl1> multiSlice_counting2dMsr_async(const Ptr<const image::BaseImage>& labelImage)
 {
-    return Forms::everyPlanAsync<InLabelImg>(labelImage);
+    return CallingForms<Counting2dMsrLvl1>::everyPlanAsync<InLabelImg>(labelImage);
 }
 
 Ptr<IndexableUInt64> getAsyncProcessorOutput(const Ptr<Counting2dMsrLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<Counting2dMsrLvl1>::output(processor);
 }
 
 Ptr<PlanIndexedIndexableUInt64> getAsyncProcessorMultiSliceOutput(const Ptr<Counting2dMsrLvl1>& processor)
 {
-    return Forms::multiSliceOutput(processor);
+    return CallingForms<Counting2dMsrLvl1>::multiSliceOutput(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

@@ -5,36 +5,34 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<Counting3dMsrLvl1>;
-
 Ptr<IndexableUInt64> counting3dMsr(const Ptr<const image::BaseImage>& labelImage)
 {
-    return Forms::single<InLabelImg3d>(labelImage);
+    return CallingForms<Counting3dMsrLvl1>::single<InLabelImg3d>(labelImage);
 }
 
 Ptr<Counting3dMsrLvl1> counting3dMsr_async(const Ptr<const image::BaseImage>& labelImage)
 {
-    return Forms::singleAsync<InLabelImg3d>(labelImage);
+    return CallingForms<Counting3dMsrLvl1>::singleAsync<InLabelImg3d>(labelImage);
 }
 
 Ptr<PlanIndexedIndexableUInt64> multiSlice_counting3dMsr(const Ptr<const image::BaseImage>& labelImage)
 {
-    return Forms::everyPlan<InLabelImg3d>(labelImage);
+    return CallingForms<Counting3dMsrLvl1>::everyPlan<InLabelImg3d>(labelImage);
 }
 
 Ptr<Counting3dMsrLvl1> multiSlice_counting3dMsr_async(const Ptr<const image::BaseImage>& labelImage)
 {
-    return Forms::everyPlanAsync<InLabelImg3d>(labelImage);
+    return CallingForms<Counting3dMsrLvl1>::everyPlanAsync<InLabelImg3d>(labelImage);
 }
 
 Ptr<IndexableUInt64> getAsyncProcessorOutput(const Ptr<Counting3dMsrLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<Counting3dMsrLvl1>::output(processor);
 }
 
 Ptr<PlanIndexedIndexableUInt64> getAsyncProcessorMultiSliceOutput(const Ptr<Counting3dMsrLvl1>& processor)
 {
-    return Forms::multiSliceOutput(processor);
+    return CallingForms<Counting3dMsrLvl1>::multiSliceOutput(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

@@ -68,26 +68,24 @@ AlgorithmClass GaussianNoiseMsrLvl3::processorClass = defineAlgorithm<GaussianNo
 namespace
 {
 
-const MeasureRegistration registration{
+const MeasureRegistration noiseMeasure{
     {"Gaussian noise", "noise", "standard deviation of Gaussian noise", "", {&GaussianNoiseMsrLvl1::processorClass}}};
 
 } // namespace
 
-using Forms = CallingForms<GaussianNoiseMsrLvl1>;
-
 Ptr<GaussianNoiseStats> gaussianNoiseMsr(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::single<InImg>(image);
+    return CallingForms<GaussianNoiseMsrLvl1>::single<InImg>(image);
 }
 
 Ptr<GaussianNoiseMsrLvl1> gaussianNoiseMsr_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::singleAsync<InImg>(image);
+    return CallingForms<GaussianNoiseMsrLvl1>::singleAsync<InImg>(image);
 }
 
 Ptr<GaussianNoiseStats> getAsyncProcessorOutput(const Ptr<GaussianNoiseMsrLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<GaussianNoiseMsrLvl1>::output(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

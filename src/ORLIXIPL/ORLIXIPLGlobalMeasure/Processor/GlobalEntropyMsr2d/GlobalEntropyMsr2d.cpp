@@ -89,8 +89,6 @@ const MeasureRegistration registration{{"Entropy",
 
 } // namespace
 
-using Forms = CallingForms<GlobalEntropyMsr2dLvl1>;
-
 namespace
 {
 
@@ -108,56 +106,56 @@ Ptr<const PlanIndexedHistoMsrParams> forFirstPlan(const Ptr<const HistoMsrParams
 
 Ptr<GlobalEntropyResult> globalEntropyMsr2d(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::single<InImg>(image);
+    return CallingForms<GlobalEntropyMsr2dLvl1>::single<InImg>(image);
 }
 
 Ptr<GlobalEntropyMsr2dLvl1> globalEntropyMsr2d_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::singleAsync<InImg>(image);
+    return CallingForms<GlobalEntropyMsr2dLvl1>::singleAsync<InImg>(image);
 }
 
 Ptr<GlobalEntropyResult> globalEntropyMsr2d(const Ptr<const image::BaseImage>& image,
                                             const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::single<InImg, InOptPIHistoMsrParams>(image, forFirstPlan(params));
+    return CallingForms<GlobalEntropyMsr2dLvl1>::single<InImg, InOptPIHistoMsrParams>(image, forFirstPlan(params));
 }
 
 Ptr<GlobalEntropyMsr2dLvl1> globalEntropyMsr2d_async(const Ptr<const image::BaseImage>& image,
                                                      const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::singleAsync<InImg, InOptPIHistoMsrParams>(image, forFirstPlan(params));
+    return CallingForms<GlobalEntropyMsr2dLvl1>::singleAsync<InImg, InOptPIHistoMsrParams>(image, forFirstPlan(params));
 }
 
 Ptr<PlanIndexedGlobalEntropyResult> multiSlice_globalEntropyMsr2d(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::everyPlan<InImg>(image);
+    return CallingForms<GlobalEntropyMsr2dLvl1>::everyPlan<InImg>(image);
 }
 
 Ptr<GlobalEntropyMsr2dLvl1> multiSlice_globalEntropyMsr2d_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::everyPlanAsync<InImg>(image);
+    return CallingForms<GlobalEntropyMsr2dLvl1>::everyPlanAsync<InImg>(image);
 }
 
 Ptr<PlanIndexedGlobalEntropyResult> multiSlice_globalEntropyMsr2d(const Ptr<const image::BaseImage>& image,
                                                                   const Ptr<const PlanIndexedHistoMsrParams>& params)
 {
-    return Forms::everyPlan<InImg, InOptPIHistoMsrParams>(image, params);
+    return CallingForms<GlobalEntropyMsr2dLvl1>::everyPlan<InImg, InOptPIHistoMsrParams>(image, params);
 }
 
 Ptr<GlobalEntropyMsr2dLvl1> multiSlice_globalEntropyMsr2d_async(const Ptr<const image::BaseImage>& image,
                                                                 const Ptr<const PlanIndexedHistoMsrParams>& params)
 {
-    return Forms::everyPlanAsync<InImg, InOptPIHistoMsrParams>(image, params);
+    return CallingForms<GlobalEntropyMsr2dLvl1>::everyPlanAsync<InImg, InOptPIHistoMsrParams>(image, params);
 }
 
 Ptr<GlobalEntropyResult> getAsyncProcessorOutput(const Ptr<GlobalEntropyMsr2dLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<GlobalEntropyMsr2dLvl1>::output(processor);
 }
 
 Ptr<PlanIndexedGlobalEntropyResult> getAsyncProcessorMultiSliceOutput(const Ptr<GlobalEntropyMsr2dLvl1>& processor)
 {
-    return Forms::multiSliceOutput(processor);
+    return CallingForms<GlobalEntropyMsr2dLvl1>::multiSliceOutput(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

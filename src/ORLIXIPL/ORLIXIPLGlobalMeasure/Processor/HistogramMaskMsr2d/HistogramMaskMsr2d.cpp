@@ -5,66 +5,66 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<HistogramMaskMsr2dLvl1>;
-
 Ptr<HistogramData> histogramMaskMsr2d(const Ptr<const image::BaseImage>& image, const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::single<InImg, InMaskImg>(image, mask);
+    return CallingForms<HistogramMaskMsr2dLvl1>::single<InImg, InMaskImg>(image, mask);
 }
 
 Ptr<HistogramMaskMsr2dLvl1> histogramMaskMsr2d_async(const Ptr<const image::BaseImage>& image,
                                                      const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::singleAsync<InImg, InMaskImg>(image, mask);
+    return CallingForms<HistogramMaskMsr2dLvl1>::singleAsync<InImg, InMaskImg>(image, mask);
 }
 
 Ptr<HistogramData> histogramMaskMsr2d(const Ptr<const image::BaseImage>& image, const Ptr<const image::BaseImage>& mask,
                                       const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::single<InImg, InMaskImg, InOptHistoMsrParams>(image, mask, params);
+    return CallingForms<HistogramMaskMsr2dLvl1>::single<InImg, InMaskImg, InOptHistoMsrParams>(image, mask, params);
 }
 
 Ptr<HistogramMaskMsr2dLvl1> histogramMaskMsr2d_async(const Ptr<const image::BaseImage>& image,
                                                      const Ptr<const image::BaseImage>& mask,
                                                      const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::singleAsync<InImg, InMaskImg, InOptHistoMsrParams>(image, mask, params);
+    return CallingForms<HistogramMaskMsr2dLvl1>::singleAsync<InImg, InMaskImg, InOptHistoMsrParams>(image, mask,
+                                                                                                    params);
 }
 
 Ptr<PlanIndexedHistogramData> multiSlice_histogramMaskMsr2d(const Ptr<const image::BaseImage>& image,
                                                             const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::everyPlan<InImg, InMaskImg>(image, mask);
+    return CallingForms<HistogramMaskMsr2dLvl1>::everyPlan<InImg, InMaskImg>(image, mask);
 }
 
 Ptr<HistogramMaskMsr2dLvl1> multiSlice_histogramMaskMsr2d_async(const Ptr<const image::BaseImage>& image,
                                                                 const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::everyPlanAsync<InImg, InMaskImg>(image, mask);
+    return CallingForms<HistogramMaskMsr2dLvl1>::everyPlanAsync<InImg, InMaskImg>(image, mask);
 }
 
 Ptr<PlanIndexedHistogramData> multiSlice_histogramMaskMsr2d(const Ptr<const image::BaseImage>& image,
                                                             const Ptr<const image::BaseImage>& mask,
                                                             const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::everyPlan<InImg, InMaskImg, InOptHistoMsrParams>(image, mask, params);
+    return CallingForms<HistogramMaskMsr2dLvl1>::everyPlan<InImg, InMaskImg, InOptHistoMsrParams>(image, mask, params);
 }
 
 Ptr<HistogramMaskMsr2dLvl1> multiSlice_histogramMaskMsr2d_async(const Ptr<const image::BaseImage>& image,
                                                                 const Ptr<const image::BaseImage>& mask,
                                                                 const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::everyPlanAsync<InImg, InMaskImg, InOptHistoMsrParams>(image, mask, params);
+    return CallingForms<HistogramMaskMsr2dLvl1>::everyPlanAsync<InImg, InMaskImg, InOptHistoMsrParams>(image, mask,
+                                                                                                       params);
 }
 
 Ptr<HistogramData> getAsyncProcessorOutput(const Ptr<HistogramMaskMsr2dLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<HistogramMaskMsr2dLvl1>::output(processor);
 }
 
 Ptr<PlanIndexedHistogramData> getAsyncProcessorMultiSliceOutput(const Ptr<HistogramMaskMsr2dLvl1>& processor)
 {
-    return Forms::multiSliceOutput(processor);
+    return CallingForms<HistogramMaskMsr2dLvl1>::multiSliceOutput(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

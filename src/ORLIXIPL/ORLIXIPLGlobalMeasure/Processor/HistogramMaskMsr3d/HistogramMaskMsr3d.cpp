@@ -5,66 +5,67 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<HistogramMaskMsr3dLvl1>;
-
 Ptr<HistogramData> histogramMaskMsr3d(const Ptr<const image::BaseImage>& image, const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::single<InImg3d, InMaskImg>(image, mask);
+    return CallingForms<HistogramMaskMsr3dLvl1>::single<InImg3d, InMaskImg>(image, mask);
 }
 
 Ptr<HistogramMaskMsr3dLvl1> histogramMaskMsr3d_async(const Ptr<const image::BaseImage>& image,
                                                      const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::singleAsync<InImg3d, InMaskImg>(image, mask);
+    return CallingForms<HistogramMaskMsr3dLvl1>::singleAsync<InImg3d, InMaskImg>(image, mask);
 }
 
 Ptr<HistogramData> histogramMaskMsr3d(const Ptr<const image::BaseImage>& image, const Ptr<const image::BaseImage>& mask,
                                       const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::single<InImg3d, InMaskImg, InOptHistoMsrParams>(image, mask, params);
+    return CallingForms<HistogramMaskMsr3dLvl1>::single<InImg3d, InMaskImg, InOptHistoMsrParams>(image, mask, params);
 }
 
 Ptr<HistogramMaskMsr3dLvl1> histogramMaskMsr3d_async(const Ptr<const image::BaseImage>& image,
                                                      const Ptr<const image::BaseImage>& mask,
                                                      const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::singleAsync<InImg3d, InMaskImg, InOptHistoMsrParams>(image, mask, params);
+    return CallingForms<HistogramMaskMsr3dLvl1>::singleAsync<InImg3d, InMaskImg, InOptHistoMsrParams>(image, mask,
+                                                                                                      params);
 }
 
 Ptr<PlanIndexedHistogramData> multiSlice_histogramMaskMsr3d(const Ptr<const image::BaseImage>& image,
                                                             const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::everyPlan<InImg3d, InMaskImg>(image, mask);
+    return CallingForms<HistogramMaskMsr3dLvl1>::everyPlan<InImg3d, InMaskImg>(image, mask);
 }
 
 Ptr<HistogramMaskMsr3dLvl1> multiSlice_histogramMaskMsr3d_async(const Ptr<const image::BaseImage>& image,
                                                                 const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::everyPlanAsync<InImg3d, InMaskImg>(image, mask);
+    return CallingForms<HistogramMaskMsr3dLvl1>::everyPlanAsync<InImg3d, InMaskImg>(image, mask);
 }
 
 Ptr<PlanIndexedHistogramData> multiSlice_histogramMaskMsr3d(const Ptr<const image::BaseImage>& image,
                                                             const Ptr<const image::BaseImage>& mask,
                                                             const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::everyPlan<InImg3d, InMaskImg, InOptHistoMsrParams>(image, mask, params);
+    return CallingForms<HistogramMaskMsr3dLvl1>::everyPlan<InImg3d, InMaskImg, InOptHistoMsrParams>(image, mask,
+                                                                                                    params);
 }
 
 Ptr<HistogramMaskMsr3dLvl1> multiSlice_histogramMaskMsr3d_async(const Ptr<const image::BaseImage>& image,
                                                                 const Ptr<const image::BaseImage>& mask,
                                                                 const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::everyPlanAsync<InImg3d, InMaskImg, InOptHistoMsrParams>(image, mask, params);
+    return CallingForms<HistogramMaskMsr3dLvl1>::everyPlanAsync<InImg3d, InMaskImg, InOptHistoMsrParams>(image, mask,
+                                                                                                         params);
 }
 
 Ptr<HistogramData> getAsyncProcessorOutput(const Ptr<HistogramMaskMsr3dLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<HistogramMaskMsr3dLvl1>::output(processor);
 }
 
 Ptr<PlanIndexedHistogramData> getAsyncProcessorMultiSliceOutput(const Ptr<HistogramMaskMsr3dLvl1>& processor)
 {
-    return Forms::multiSliceOutput(processor);
+    return CallingForms<HistogramMaskMsr3dLvl1>::multiSliceOutput(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

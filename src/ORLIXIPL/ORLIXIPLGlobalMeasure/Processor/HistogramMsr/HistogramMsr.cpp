@@ -5,32 +5,30 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<HistogramMsrLvl1>;
-
 Ptr<HistogramData> histogramMsr(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::single<InImg>(image);
+    return CallingForms<HistogramMsrLvl1>::single<InImg>(image);
 }
 
 Ptr<HistogramMsrLvl1> histogramMsr_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::singleAsync<InImg>(image);
+    return CallingForms<HistogramMsrLvl1>::singleAsync<InImg>(image);
 }
 
 Ptr<HistogramData> histogramMsr(const Ptr<const image::BaseImage>& image, const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::single<InImg, InOptHistoMsrParams>(image, params);
+    return CallingForms<HistogramMsrLvl1>::single<InImg, InOptHistoMsrParams>(image, params);
 }
 
 Ptr<HistogramMsrLvl1> histogramMsr_async(const Ptr<const image::BaseImage>& image,
                                          const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::singleAsync<InImg, InOptHistoMsrParams>(image, params);
+    return CallingForms<HistogramMsrLvl1>::singleAsync<InImg, InOptHistoMsrParams>(image, params);
 }
 
 Ptr<HistogramData> getAsyncProcessorOutput(const Ptr<HistogramMsrLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<HistogramMsrLvl1>::output(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

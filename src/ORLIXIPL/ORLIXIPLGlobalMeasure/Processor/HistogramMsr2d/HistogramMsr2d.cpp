@@ -5,59 +5,57 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<HistogramMsr2dLvl1>;
-
 Ptr<HistogramData> histogramMsr2d(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::single<InImg>(image);
+    return CallingForms<HistogramMsr2dLvl1>::single<InImg>(image);
 }
 
 Ptr<HistogramMsr2dLvl1> histogramMsr2d_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::singleAsync<InImg>(image);
+    return CallingForms<HistogramMsr2dLvl1>::singleAsync<InImg>(image);
 }
 
 Ptr<HistogramData> histogramMsr2d(const Ptr<const image::BaseImage>& image, const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::single<InImg, InOptHistoMsrParams>(image, params);
+    return CallingForms<HistogramMsr2dLvl1>::single<InImg, InOptHistoMsrParams>(image, params);
 }
 
 Ptr<HistogramMsr2dLvl1> histogramMsr2d_async(const Ptr<const image::BaseImage>& image,
                                              const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::singleAsync<InImg, InOptHistoMsrParams>(image, params);
+    return CallingForms<HistogramMsr2dLvl1>::singleAsync<InImg, InOptHistoMsrParams>(image, params);
 }
 
 Ptr<PlanIndexedHistogramData> multiSlice_histogramMsr2d(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::everyPlan<InImg>(image);
+    return CallingForms<HistogramMsr2dLvl1>::everyPlan<InImg>(image);
 }
 
 Ptr<HistogramMsr2dLvl1> multiSlice_histogramMsr2d_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::everyPlanAsync<InImg>(image);
+    return CallingForms<HistogramMsr2dLvl1>::everyPlanAsync<InImg>(image);
 }
 
 Ptr<PlanIndexedHistogramData> multiSlice_histogramMsr2d(const Ptr<const image::BaseImage>& image,
                                                         const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::everyPlan<InImg, InOptHistoMsrParams>(image, params);
+    return CallingForms<HistogramMsr2dLvl1>::everyPlan<InImg, InOptHistoMsrParams>(image, params);
 }
 
 Ptr<HistogramMsr2dLvl1> multiSlice_histogramMsr2d_async(const Ptr<const image::BaseImage>& image,
                                                         const Ptr<const HistoMsrParams>& params)
 {
-    return Forms::everyPlanAsync<InImg, InOptHistoMsrParams>(image, params);
+    return CallingForms<HistogramMsr2dLvl1>::everyPlanAsync<InImg, InOptHistoMsrParams>(image, params);
 }
 
 Ptr<HistogramData> getAsyncProcessorOutput(const Ptr<HistogramMsr2dLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<HistogramMsr2dLvl1>::output(processor);
 }
 
 Ptr<PlanIndexedHistogramData> getAsyncProcessorMultiSliceOutput(const Ptr<HistogramMsr2dLvl1>& processor)
 {
-    return Forms::multiSliceOutput(processor);
+    return CallingForms<HistogramMsr2dLvl1>::multiSliceOutput(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

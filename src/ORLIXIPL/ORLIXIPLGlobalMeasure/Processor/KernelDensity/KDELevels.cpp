@@ -97,6 +97,15 @@ core::ProcessingResult DensitySample<InPositions>::postProcess()
     return {};
 }
 
+const ProcessorClass& KernelDensityEstimator2dLvl2::getExtractionClass() const
+{
+    return ImageValueExtraction2d::processorClass;
+}
+const ProcessorClass& KernelDensityEstimator3dLvl2::getExtractionClass() const
+{
+    return ImageValueExtraction3d::processorClass;
+}
+
 template class DensitySample<attr::InPixels2d>;
 template class DensitySample<attr::InVoxels3d>;
 

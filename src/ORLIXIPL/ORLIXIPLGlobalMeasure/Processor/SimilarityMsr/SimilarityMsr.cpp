@@ -74,22 +74,20 @@ const MeasureRegistration registration{
 
 } // namespace
 
-using Forms = CallingForms<SimilarityMsrLvl1>;
-
 Ptr<SimilarityStats> similarityMsr(const Ptr<const image::BaseImage>& image1, const Ptr<const image::BaseImage>& image2)
 {
-    return Forms::single<InImg1, InImg2>(image1, image2);
+    return CallingForms<SimilarityMsrLvl1>::single<InImg1, InImg2>(image1, image2);
 }
 
 Ptr<SimilarityMsrLvl1> similarityMsr_async(const Ptr<const image::BaseImage>& image1,
                                            const Ptr<const image::BaseImage>& image2)
 {
-    return Forms::singleAsync<InImg1, InImg2>(image1, image2);
+    return CallingForms<SimilarityMsrLvl1>::singleAsync<InImg1, InImg2>(image1, image2);
 }
 
 Ptr<SimilarityStats> getAsyncProcessorOutput(const Ptr<SimilarityMsrLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<SimilarityMsrLvl1>::output(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

@@ -5,22 +5,20 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<StatsMaskMsrLvl1>;
-
 Ptr<StatsResult> statsMaskMsr(const Ptr<const image::BaseImage>& image, const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::single<InImg, InMaskImg>(image, mask);
+    return CallingForms<StatsMaskMsrLvl1>::single<InImg, InMaskImg>(image, mask);
 }
 
 Ptr<StatsMaskMsrLvl1> statsMaskMsr_async(const Ptr<const image::BaseImage>& image,
                                          const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::singleAsync<InImg, InMaskImg>(image, mask);
+    return CallingForms<StatsMaskMsrLvl1>::singleAsync<InImg, InMaskImg>(image, mask);
 }
 
 Ptr<StatsResult> getAsyncProcessorOutput(const Ptr<StatsMaskMsrLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<StatsMaskMsrLvl1>::output(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

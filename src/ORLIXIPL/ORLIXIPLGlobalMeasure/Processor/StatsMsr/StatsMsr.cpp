@@ -5,21 +5,19 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<StatsMsrLvl1>;
-
 Ptr<StatsResult> statsMsr(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::single<InImg>(image);
+    return CallingForms<StatsMsrLvl1>::single<InImg>(image);
 }
 
 Ptr<StatsMsrLvl1> statsMsr_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::singleAsync<InImg>(image);
+    return CallingForms<StatsMsrLvl1>::singleAsync<InImg>(image);
 }
 
 Ptr<StatsResult> getAsyncProcessorOutput(const Ptr<StatsMsrLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<StatsMsrLvl1>::output(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

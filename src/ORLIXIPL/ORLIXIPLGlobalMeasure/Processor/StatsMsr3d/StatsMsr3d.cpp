@@ -5,36 +5,34 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<StatsMsr3dLvl1>;
-
 Ptr<StatsResult> statsMsr3d(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::single<InImg3d>(image);
+    return CallingForms<StatsMsr3dLvl1>::single<InImg3d>(image);
 }
 
 Ptr<StatsMsr3dLvl1> statsMsr3d_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::singleAsync<InImg3d>(image);
+    return CallingForms<StatsMsr3dLvl1>::singleAsync<InImg3d>(image);
 }
 
 Ptr<PlanIndexedStatsResult> multiSlice_statsMsr3d(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::everyPlan<InImg3d>(image);
+    return CallingForms<StatsMsr3dLvl1>::everyPlan<InImg3d>(image);
 }
 
 Ptr<StatsMsr3dLvl1> multiSlice_statsMsr3d_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::everyPlanAsync<InImg3d>(image);
+    return CallingForms<StatsMsr3dLvl1>::everyPlanAsync<InImg3d>(image);
 }
 
 Ptr<StatsResult> getAsyncProcessorOutput(const Ptr<StatsMsr3dLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<StatsMsr3dLvl1>::output(processor);
 }
 
 Ptr<PlanIndexedStatsResult> getAsyncProcessorMultiSliceOutput(const Ptr<StatsMsr3dLvl1>& processor)
 {
-    return Forms::multiSliceOutput(processor);
+    return CallingForms<StatsMsr3dLvl1>::multiSliceOutput(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

@@ -5,59 +5,57 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<VolumePercent3dMsrLvl1>;
-
 Ptr<Doubles> volumePercent3dMsr(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::single<InBinLabImg3d>(image);
+    return CallingForms<VolumePercent3dMsrLvl1>::single<InBinLabImg3d>(image);
 }
 
 Ptr<Doubles> volumePercent3dMsr(const Ptr<const image::BaseImage>& image, const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::single<InBinLabImg3d, InOptMaskImg>(image, mask);
+    return CallingForms<VolumePercent3dMsrLvl1>::single<InBinLabImg3d, InOptMaskImg>(image, mask);
 }
 
 Ptr<VolumePercent3dMsrLvl1> volumePercent3dMsr_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::singleAsync<InBinLabImg3d>(image);
+    return CallingForms<VolumePercent3dMsrLvl1>::singleAsync<InBinLabImg3d>(image);
 }
 
 Ptr<VolumePercent3dMsrLvl1> volumePercent3dMsr_async(const Ptr<const image::BaseImage>& image,
                                                      const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::singleAsync<InBinLabImg3d, InOptMaskImg>(image, mask);
+    return CallingForms<VolumePercent3dMsrLvl1>::singleAsync<InBinLabImg3d, InOptMaskImg>(image, mask);
 }
 
 Ptr<PlanIndexedDoubles> multiSlice_volumePercent3dMsr(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::everyPlan<InBinLabImg3d>(image);
+    return CallingForms<VolumePercent3dMsrLvl1>::everyPlan<InBinLabImg3d>(image);
 }
 
 Ptr<PlanIndexedDoubles> multiSlice_volumePercent3dMsr(const Ptr<const image::BaseImage>& image,
                                                       const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::everyPlan<InBinLabImg3d, InOptMaskImg>(image, mask);
+    return CallingForms<VolumePercent3dMsrLvl1>::everyPlan<InBinLabImg3d, InOptMaskImg>(image, mask);
 }
 
 Ptr<VolumePercent3dMsrLvl1> multiSlice_volumePercent3dMsr_async(const Ptr<const image::BaseImage>& image)
 {
-    return Forms::everyPlanAsync<InBinLabImg3d>(image);
+    return CallingForms<VolumePercent3dMsrLvl1>::everyPlanAsync<InBinLabImg3d>(image);
 }
 
 Ptr<VolumePercent3dMsrLvl1> multiSlice_volumePercent3dMsr_async(const Ptr<const image::BaseImage>& image,
                                                                 const Ptr<const image::BaseImage>& mask)
 {
-    return Forms::everyPlanAsync<InBinLabImg3d, InOptMaskImg>(image, mask);
+    return CallingForms<VolumePercent3dMsrLvl1>::everyPlanAsync<InBinLabImg3d, InOptMaskImg>(image, mask);
 }
 
 Ptr<Doubles> getAsyncProcessorOutput(const Ptr<VolumePercent3dMsrLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<VolumePercent3dMsrLvl1>::output(processor);
 }
 
 Ptr<PlanIndexedDoubles> getAsyncProcessorMultiSliceOutput(const Ptr<VolumePercent3dMsrLvl1>& processor)
 {
-    return Forms::multiSliceOutput(processor);
+    return CallingForms<VolumePercent3dMsrLvl1>::multiSliceOutput(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

@@ -5,21 +5,19 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<XProjection2dLvl1>;
-
 Ptr<Doubles> xProjection2d(const Ptr<const image::BaseImage>& image, const eProjStatType& statistic)
 {
-    return Forms::single<InSubImg2d, InProjStatType>(image, statistic);
+    return CallingForms<XProjection2dLvl1>::single<InSubImg2d, InProjStatType>(image, statistic);
 }
 
 Ptr<XProjection2dLvl1> xProjection2d_async(const Ptr<const image::BaseImage>& image, const eProjStatType& statistic)
 {
-    return Forms::singleAsync<InSubImg2d, InProjStatType>(image, statistic);
+    return CallingForms<XProjection2dLvl1>::singleAsync<InSubImg2d, InProjStatType>(image, statistic);
 }
 
 Ptr<Doubles> getAsyncProcessorOutput(const Ptr<XProjection2dLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<XProjection2dLvl1>::output(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

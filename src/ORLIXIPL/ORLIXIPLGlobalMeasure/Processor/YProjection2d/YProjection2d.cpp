@@ -5,21 +5,19 @@
 namespace orlix::imaproc::glbmsr
 {
 
-using Forms = CallingForms<YProjection2dLvl1>;
-
 Ptr<Doubles> yProjection2d(const Ptr<const image::BaseImage>& image, const eProjStatType& statistic)
 {
-    return Forms::single<InSubImg2d, InProjStatType>(image, statistic);
+    return CallingForms<YProjection2dLvl1>::single<InSubImg2d, InProjStatType>(image, statistic);
 }
 
 Ptr<YProjection2dLvl1> yProjection2d_async(const Ptr<const image::BaseImage>& image, const eProjStatType& statistic)
 {
-    return Forms::singleAsync<InSubImg2d, InProjStatType>(image, statistic);
+    return CallingForms<YProjection2dLvl1>::singleAsync<InSubImg2d, InProjStatType>(image, statistic);
 }
 
 Ptr<Doubles> getAsyncProcessorOutput(const Ptr<YProjection2dLvl1>& processor)
 {
-    return Forms::output(processor);
+    return CallingForms<YProjection2dLvl1>::output(processor);
 }
 
 } // namespace orlix::imaproc::glbmsr

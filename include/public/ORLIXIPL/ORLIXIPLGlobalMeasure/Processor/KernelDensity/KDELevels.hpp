@@ -55,7 +55,7 @@ public:
     static ProcessorClass processorClass;
 
 protected:
-    const ProcessorClass& getExtractionClass() const override { return ImageValueExtraction2d::processorClass; }
+    const ProcessorClass& getExtractionClass() const override;
 };
 
 /// The samples of every 2d plan of an image.
@@ -76,7 +76,7 @@ public:
     static ProcessorClass processorClass;
 
 protected:
-    const ProcessorClass& getExtractionClass() const override { return ImageValueExtraction3d::processorClass; }
+    const ProcessorClass& getExtractionClass() const override;
 };
 
 /// The samples of every volume of an image.
