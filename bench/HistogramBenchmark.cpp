@@ -29,7 +29,7 @@ Ptr<const image::BaseImage> makeIntensities(std::size_t bytes)
 }
 
 #ifdef ORLIX_BENCH_OPENCV
-/// The range, and a histogram of 256 classes of it.
+/// The range, and a histogram of 256 bins of it.
 void runPeer(const image::BaseImage& image)
 {
     const cv::Mat mat = asMat(image);
@@ -68,7 +68,7 @@ void compareWithPeer(benchmark::State& state, const Ptr<const image::BaseImage>&
     core::settings::setNbThreads(0);
 }
 
-/// 256 classes of the image's own range, which is found first.
+/// 256 bins of the image's own range, which is found first.
 template <class T>
 void histogram(benchmark::State& state)
 {
@@ -76,7 +76,7 @@ void histogram(benchmark::State& state)
                     [](const auto& image) { return histogramMsr(image); });
 }
 
-/// Up to 65536 classes; the peer has 256 and takes no logarithm.
+/// Up to 65536 bins; the peer has 256 and takes no logarithm.
 template <class T>
 void entropy(benchmark::State& state)
 {

@@ -327,7 +327,7 @@ void projectStack(const MeasureForm& form, const Options& options, const Ptr<con
     (options.axis == "z" ? size.z : size.t) = 1;
     const auto type = image::findImageBufferType(options.outType).value_or(image->getType());
     const auto project = [&](eImageBufferType outType) {
-        const auto output = BaseImage::create(outType, size);
+        auto output = BaseImage::create(outType, size);
         const auto processor = form.create();
         processor->getAttributes().front()->setImage(image);
         processor->getAttributes().back()->setOutputImage(output);

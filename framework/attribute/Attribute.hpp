@@ -84,7 +84,7 @@ public:
     virtual data::BaseDataItem* getRecord() const { return nullptr; }
     virtual Ptr<data::BaseDataItem> shareRecord() const { return nullptr; }
     /// Takes a record of the attribute's own class.
-    virtual void setRecord(Ptr<data::BaseDataItem>) {}
+    virtual void setRecord(const Ptr<data::BaseDataItem>& /*record*/) {}
     /// An empty record; of a collection, one for a plan.
     virtual Ptr<data::BaseDataItem> createRecord() const { return nullptr; }
     /// Whether the value is a collection of records, one per plan; and that one, or null.
@@ -177,9 +177,9 @@ public:
 
     data::BaseDataItem* getRecord() const final { return const_cast<Value*>(this->value_.get()); }
     Ptr<data::BaseDataItem> shareRecord() const final { return boost::const_pointer_cast<Value>(this->value_); }
-    void setRecord(Ptr<data::BaseDataItem> record) final
+    void setRecord(const Ptr<data::BaseDataItem>& record) final
     {
-        this->init(boost::static_pointer_cast<Value>(std::move(record)));
+        this->init(boost::static_pointer_cast<Value>(record));
     }
     Ptr<data::BaseDataItem> createRecord() const final
     {

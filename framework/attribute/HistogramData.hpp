@@ -23,7 +23,7 @@ inline std::span<const char* const> namesOf(eMinMaxDefinition)
     return names;
 }
 
-/// How a histogram is to be cut into classes.
+/// How a histogram is to be cut into bins.
 class ORLIX_API HistoMsrParams final : public data::DataItem<HistoMsrParams>
 {
 public:
@@ -61,8 +61,8 @@ public:
     static constexpr const char* typeName = "orlix::imaproc::attr::PlanIndexedHistoMsrParams";
 };
 
-/// The number of pixels in classes of equal width: class i covers [Min + i BinWidth, Min + (i + 1) BinWidth), and Max
-/// itself is in the last class. While it is built, Frequencies has a guard class at its end.
+/// The number of pixels in bins of equal width: bin i covers [Min + i BinWidth, Min + (i + 1) BinWidth), and Max
+/// itself is in the last bin. While it is built, Frequencies has a guard bin at its end.
 class ORLIX_API HistogramData final : public data::DataItem<HistogramData>
 {
 public:
@@ -77,7 +77,7 @@ public:
 
     /// Sets all frequencies to 0.
     void clear();
-    /// Adds the frequencies of a histogram of the same classes.
+    /// Adds the frequencies of a histogram of the same bins.
     HistogramData& operator+=(const HistogramData& other);
 
     void visitFields(data::FieldVisitor& field) override
@@ -108,7 +108,7 @@ public:
     static constexpr const char* name = "InOptPIHistoMsrParams";
 };
 
-/// A histogram that comes with its classes, guard class included, and leaves with their frequencies.
+/// A histogram that comes with its bins, guard bin included, and leaves with their frequencies.
 class ORLIX_API InOutHistogram final : public ObjectInputOutput<InOutHistogram, HistogramData>
 {
 public:

@@ -1,12 +1,16 @@
 #pragma once
 
+#include <framework/core/Api.hpp>
+#include <framework/core/Ptr.hpp>
+
 #include <string>
 #include <utility>
 
 namespace orlix::core
 {
 
-/// How a processing step ended: a flag, and the message of a failure. The default is success.
+/// How a processing step ended: well, by default, or with the message of a failure. A success is a null pointer, as
+/// every step of every run returns one.
 class [[nodiscard]] ProcessingResult
 {
 public:
@@ -14,18 +18,19 @@ public:
 
     static ProcessingResult failure(std::string message)
     {
-        ProcessingResult result;
-        result.succeeded_ = false;
-        result.message_ = std::move(message);
-        return result;
+        return ProcessingResult{makePtr<const std::string>(std::move(message))};
     }
+    /// Needs none.
+    ORLIX_API static ProcessingResult outOfMemory();
 
-    explicit operator bool() const { return succeeded_; }
-    const std::string& getMessage() const { return message_; }
+    explicit operator bool() const { return message_ == nullptr; }
+    /// Empty for a success.
+    ORLIX_API const std::string& getMessage() const;
 
 private:
-    bool succeeded_ = true;
-    std::string message_;
+    explicit ProcessingResult(Ptr<const std::string> message) : message_{std::move(message)} {}
+
+    Ptr<const std::string> message_;
 };
 
 } // namespace orlix::core

@@ -21,7 +21,7 @@ ORLIX_API unsigned getNbThreads();
 ORLIX_API void forceInstructionSets(InstructionSetsIdentifier sets);
 ORLIX_API InstructionSetsIdentifier getForcedInstructionSets();
 
-/// The bytes that the partial results of one result, such as those of a histogram of many classes, may take together; 0
+/// The bytes that the partial results of one result, such as those of a histogram of many bins, may take together; 0
 /// stands for the default of 2 GiB. What needs more fails before it allocates.
 ORLIX_API void setMemoryLimit(std::size_t bytes);
 ORLIX_API std::size_t getMemoryLimit();

@@ -68,7 +68,7 @@ ProcessingResult BaseProcessor::execute(const RunContext& context)
         globalCleanDerived();
         return result;
     } catch (...) {
-        return ProcessingResult::failure("Out of memory"); // short enough to need none
+        return ProcessingResult::outOfMemory();
     }
 }
 

@@ -123,7 +123,7 @@ ProcessingResult Level::retrieveProvider(ePriority priority, Ptr<ActionProvider>
     }
     const std::size_t children = cut();
     std::size_t grain = 1;
-    if (child_->cut == nullptr) {
+    if (child_->cut == nullptr && children > 1) {
         // Plans are taken together until they are worth another thread; and ranges of half a grain occur, too.
         const image::BaseImage& image = *getAttributes().front()->getImage();
         const auto kind = getAttributes().front()->getPlanKind();
@@ -166,7 +166,7 @@ void Level::giveResults(BaseProcessor& child, std::size_t index)
                     result.setRecord(boost::static_pointer_cast<data::BaseDataItem>(
                         getAttributes().back()->getRecord()->duplicateShared()));
                 } else {
-                    result.setRecord(std::move(parts_.back()));
+                    result.setRecord(parts_.back());
                     parts_.pop_back();
                 }
             }

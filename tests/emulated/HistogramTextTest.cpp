@@ -46,7 +46,7 @@ class EmulatedHistogram : public testing::Test
 };
 TYPED_TEST_SUITE(EmulatedHistogram, PixelTypes);
 
-// By class and by value, into one table, two and eight; noise and runs.
+// By bin and by value, into one table, two and eight; noise and runs.
 TYPED_TEST(EmulatedHistogram, IsThatOfOtherDomains)
 {
     using T = TypeParam;

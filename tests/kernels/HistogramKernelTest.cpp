@@ -25,7 +25,7 @@ struct Classes
     double min;
     double max;
     double width;
-    std::size_t size; ///< with the guard class
+    std::size_t size; ///< with the guard bin
 };
 
 template <class T>
@@ -85,7 +85,7 @@ void expectFrequencies(const std::vector<T>& values, const Classes& classes)
     }
 }
 
-/// The classes that every type can have.
+/// The bins that every type can have.
 template <class T>
 std::vector<Classes> makeBins()
 {
@@ -135,7 +135,7 @@ class HistogramKernel : public testing::Test
 };
 TYPED_TEST_SUITE(HistogramKernel, PixelTypes);
 
-// Over the whole type, over the classes and their borders, at lengths around the blocks.
+// Over the whole type, over the bins and their borders, at lengths around the blocks.
 TYPED_TEST(HistogramKernel, FindsTheClassOfEveryPixel)
 {
     using T = TypeParam;
@@ -187,7 +187,7 @@ TYPED_TEST(HistogramKernel, BoundsFinerThanPixels)
     }
 }
 
-// The highest classes that memory allows by default: the index of a class and their number differ by less than single
+// The highest bins that memory allows by default: the index of a bin and their number differ by less than single
 // precision tells.
 TEST(HistogramKernelFloat, ClassesBeyondSinglePrecision)
 {
@@ -201,7 +201,7 @@ TEST(HistogramKernelFloat, ClassesBeyondSinglePrecision)
     EXPECT_EQ(frequencies[0], 1u);
 }
 
-// Every value of 16 bits, in every kind of classes; enough pixels to be counted by value where that is worth while.
+// Every value of 16 bits, in every kind of bins; enough pixels to be counted by value where that is worth while.
 TEST(HistogramKernelInteger, EveryValueOf16Bits)
 {
     std::vector<unsigned short> values(65536);
@@ -265,7 +265,7 @@ TEST(HistogramStrip, RefusesClassesThatDoNotFit)
     strip->set<OutHistogram>(makeHistogram({0, 1, 0.5, 3}));
     EXPECT_TRUE(strip->run(eSynchroType::eST_Synchronous));
 
-    // Without rules, nothing is written where there are no classes.
+    // Without rules, nothing is written where there are no bins.
     const auto unruled = makePtr<HistogramMsr2dLvl3>();
     ASSERT_TRUE(unruled->init(eProcessorRulePolicy::eRP_NoRules));
     unruled->set<InYStrip2d>({floats, 0, 1});

@@ -81,7 +81,7 @@ std::uint64_t sumOf(const std::vector<std::uint64_t>& frequencies)
 
 } // namespace
 
-// Range, width and number of classes, as the parameters, the pixel type and the pixels make them.
+// Range, width and number of bins, as the parameters, the pixel type and the pixels make them.
 TEST(HistogramMeasure, FixesTheClasses)
 {
     const auto bytes = makeRow(ramp<unsigned char>(0, 256));
@@ -120,7 +120,7 @@ TEST(HistogramMeasure, FixesTheClasses)
         {"bounds of NaN", bytes, params(nan, nan, 10), 0, 255, 10, 26, {{0, 10}}, 256},
         {"infinite bounds", unit, params(-inf, inf, 0.5), 0, 1, 0.5, 2, {{0, 128}, {1, 129}}, 257},
         {"a definition that is none", bytes, undefined, 0, 255, 10, 26, {{0, 10}}, 256},
-        // A wish that makes no sense, or too many classes, is silently span / 256.
+        // A wish that makes no sense, or too many bins, is silently span / 256.
         {"width of nothing", unit, params(0, 1, 1e-17), 0, 1, 1. / 256, 256, {{255, 2}}, 257},
         {"2^31 classes", unit, params(0, 1, 0x1p-31), 0, 1, 1. / 256, 256, {{255, 2}}, 257},
         {"more than 2^32 classes", unit, params(0, 1, 0x1p-33), 0, 1, 1. / 256, 256, {{255, 2}}, 257},
@@ -149,7 +149,7 @@ TEST(HistogramMeasure, FixesTheClasses)
     }
 }
 
-// What a vector of classes cannot hold is a clear error, before anything is allocated.
+// What a vector of bins cannot hold is a clear error, before anything is allocated.
 TEST(HistogramMeasure, RefusesWhatHasNoClasses)
 {
     const auto unit = makeRow<float>({0, 1});
@@ -207,7 +207,7 @@ TEST(HistogramMeasure, TellsTheNumberOfClasses)
     EXPECT_EQ(processor->getHistoNbClasses(50, 100, 10), 6u);
 }
 
-// One histogram over all plans, one per plan, one per volume: the classes of the unmasked pixels and of the masked
+// One histogram over all plans, one per plan, one per volume: the bins of the unmasked pixels and of the masked
 // ones.
 TEST(HistogramMeasure, CoversImagePlansAndVolumes)
 {
@@ -264,7 +264,7 @@ TEST(HistogramMeasure, CoversImagePlansAndVolumes)
               sumOf(referenceFrequencies(select(values, mask), -100, 100, 10, 22)));
 }
 
-// A histogram of many classes, in many strips and plans, is the same for any number of threads.
+// A histogram of many bins, in many strips and plans, is the same for any number of threads.
 TEST(HistogramMeasure, DoesNotDependOnThreads)
 {
     const ImageGeometry shape{1021, 997, 3, 2};

@@ -11,7 +11,7 @@
 namespace orlix::test
 {
 
-/// The frequencies of these classes, guard class included, by the straight road: a division in double, rounded to
+/// The frequencies of these bins, guard bin included, by the straight road: a division in double, rounded to
 /// single. What falls outside the vector does not count.
 template <class T>
 std::vector<std::uint64_t> referenceFrequencies(const std::vector<T>& values, double min, double max, double binWidth,

@@ -39,7 +39,7 @@ Ptr<const HistoMsrParams> GlobalEntropyMsr2dLvl2::chooseParams() const
     const attr::StatsResult& range = *statistics_->getStorage<attr::OutStatsResult>();
     const double span = range.Max - range.Min;
     if (!std::isfinite(span)) {
-        return nullptr; // no range for any classes, as the histogram will say
+        return nullptr; // no range for any bins, as the histogram will say
     }
     double width = std::max(1.0, span * 1.52587890625e-5);
     if (value<InSubImg2d>().getType() == image::eImageBufferType::eIBT_Float32) {

@@ -16,7 +16,7 @@ bool isWhole(double x)
     return x == std::trunc(x);
 }
 
-/// What lets vector kernels find a class without a division; see BinCounts.
+/// What lets vector kernels find a bin without a division; see BinCounts.
 void approximate(BinCounts& counts, eImageBufferType type)
 {
     const BinRule& rule = counts.rule;
@@ -78,10 +78,10 @@ StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, 
         const auto [lowest, highest] = image::getValueRange(type);
         const double first = std::ceil(std::max<double>(lowest, rule.minF));
         const double values = std::floor(std::min<double>(highest, rule.maxF)) - first + 1;
-        // Below 2^24 a pixel and its single precision are the same. Few values, or a class each, are worth it.
+        // Below 2^24 a pixel and its single precision are the same. Few values, or a bin each, are worth it.
         const bool exact = -0x1p24 < rule.minF && rule.maxF < 0x1p24;
         const bool few = values <= 8192 && values * 16 <= static_cast<double>(nbPixels);
-        // The upper bound itself is in the last class, wherever it lies.
+        // The upper bound itself is in the last bin, wherever it lies.
         const double end = first - rule.min + values;
         const bool each = rule.binWidth == 1 && isWhole(rule.min) && first >= rule.min &&
                           (isWhole(rule.maxF) ? end == rule.size - 1.0 : end <= rule.size - 1.0);

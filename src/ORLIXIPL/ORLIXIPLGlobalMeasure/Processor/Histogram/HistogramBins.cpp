@@ -37,7 +37,7 @@ double getQuotient(double span, double binWidth)
     return span / (binWidth < epsilon ? 1.0 : binWidth);
 }
 
-/// The number of classes, however large and however narrow; 1 for a width of 0.
+/// The number of bins, however large and however narrow; 1 for a width of 0.
 double countBins(double span, double binWidth)
 {
     const double quotient = binWidth > 0 ? span / binWidth : 1;
@@ -52,7 +52,7 @@ double getBinWidth(eImageBufferType type, const HistoMsrParams* params, double s
         const double wish = params->UseBinWidth     ? params->BinWidth
                             : params->NbClasses > 0 ? span / params->NbClasses
                                                     : 0;
-        // More classes than a signed 32-bit number counts are as bad a wish as none.
+        // More bins than a signed 32-bit number counts are as bad a wish as none.
         if (wish >= epsilon && countBins(span, wish) <= std::numeric_limits<std::int32_t>::max()) {
             width = wish;
         }
@@ -77,7 +77,7 @@ std::uint32_t Histogram::getHistoNbClasses(double min, double max, double binWid
                                                   image.getName());
     }
     const double quotient = getQuotient(getSpan(image.getImage()->getType(), min, max), binWidth);
-    const bool fits = std::fabs(quotient) < 0x1p63; // else, and for NaN, no number of classes has a meaning
+    const bool fits = std::fabs(quotient) < 0x1p63; // else, and for NaN, no number of bins has a meaning
     const auto whole = fits ? static_cast<std::uint32_t>(static_cast<std::int64_t>(quotient)) : 0;
     return std::max(1u, quotient - whole > epsilon ? whole + 1 : whole);
 }

@@ -1,7 +1,7 @@
 // The histogram kernels, once for every pixel type and instruction set, and for runs with a mask and without.
 //
-// Every set finds the same class for every pixel. Integers of few values are counted by value. Elsewhere the vector
-// kernels multiply by the reciprocal of the width in single precision, and where the product is so close to a class
+// Every set finds the same bin for every pixel. Integers of few values are counted by value. Elsewhere the vector
+// kernels multiply by the reciprocal of the width in single precision, and where the product is so close to a bin
 // border that rounding might decide, ask the rule, which divides in double.
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
@@ -228,7 +228,7 @@ struct ApproximateClass
     Entries last, none;
 };
 
-/// Pixels by class. The entries of a whole block are found before the tables are touched, so that neither waits.
+/// Pixels by bin. The entries of a whole block are found before the tables are touched, so that neither waits.
 template <Domain::domain D, class R>
 ORLIX_KERNEL void countIntoBins(R run, const BinCounts& c)
 {

@@ -158,7 +158,7 @@ public:
     static AlgorithmClass processorClass;
 };
 
-/// The histogram of one 2d plan, in the classes that it is given.
+/// The histogram of one 2d plan, in the bins that it is given.
 class HistogramMsrLvl2 final : public Processor<HistogramMsrLvl2, HistogramCount, InSubImg2d, InOutHistogram>
 {
 public:
@@ -173,7 +173,7 @@ public:
     static AlgorithmClass processorClass;
 };
 
-/// The histogram of one 2d plan under a mask, in the classes that it is given.
+/// The histogram of one 2d plan under a mask, in the bins that it is given.
 class HistogramMaskMsrLvl2 final
     : public Processor<HistogramMaskMsrLvl2, HistogramCount, InSubImg2d, InSubMaskImg2d, InOutHistogram>
 {

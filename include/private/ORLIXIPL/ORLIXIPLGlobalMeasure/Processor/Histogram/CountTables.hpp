@@ -11,9 +11,6 @@
 namespace orlix::imaproc::glbmsr
 {
 
-const KernelTables<HistogramKernels>& getHistogramKernels();
-const KernelTables<HistogramMaskKernels>& getHistogramMaskKernels();
-
 /// The tables of one strip.
 class CountTables
 {
@@ -66,7 +63,7 @@ private:
     std::size_t room_ = capacity;
 };
 
-/// The counts of one strip, from the histogram's classes to its frequencies.
+/// The counts of one strip, from the histogram's bins to its frequencies.
 class StripCounts final : public CountTables
 {
 public:
@@ -81,7 +78,7 @@ private:
 
     attr::HistogramData& histogram_;
     image::eImageBufferType type_;
-    bool entryIsBin_ = true; ///< entry i counts class firstBin_ + i
+    bool entryIsBin_ = true; ///< entry i counts bin firstBin_ + i
     std::size_t firstBin_ = 0;
 };
 

@@ -6,14 +6,14 @@
 namespace orlix::imaproc::glbmsr
 {
 
-/// The classes of a histogram, as pixels see them.
+/// The bins of a histogram, as pixels see them.
 struct BinRule
 {
     double min;
     double binWidth;
     float minF; ///< the bounds as pixels are compared with them, in single precision
     float maxF;
-    std::uint32_t size; ///< classes and the guard class
+    std::uint32_t size; ///< bins and the guard bin
 };
 
 /// What a histogram kernel counts into: one, two or eight tables, so that equal neighbours need not wait for each
@@ -27,18 +27,18 @@ struct BinCounts
     bool eight;
     std::size_t distance; ///< between two tables; 0 where there is one
     std::uint32_t size;
-    /// Integer pixels: entry i counts the pixels of value first + i, and classes come later. Pixels of 8 bits are
+    /// Integer pixels: entry i counts the pixels of value first + i, and bins come later. Pixels of 8 bits are
     /// always counted so, in eight tables, by their byte, with 256 entries more for what a mask excludes.
     bool byValue;
     std::int64_t first;
-    /// Else entry i is class i.
+    /// Else entry i is bin i.
     BinRule rule;
-    /// Vector kernels find the class of a pixel as (pixel - base) * inverse in single precision, and ask the rule where
-    /// the product is closer to a class border than its error. `approximate` tells whether that is worth while.
+    /// Vector kernels find the bin of a pixel as (pixel - base) * inverse in single precision, and ask the rule where
+    /// the product is closer to a bin border than its error. `approximate` tells whether that is worth while.
     bool approximate;
     float base;
     float inverse;
-    float slack; ///< the part of the error that does not grow with the class
+    float slack; ///< the part of the error that does not grow with the bin
 };
 
 template <class T>
@@ -55,8 +55,8 @@ const KernelTables<HistogramMaskKernels>& getHistogramMaskKernels();
 namespace
 {
 
-/// The class of a pixel; `size`, which is none, for a pixel that does not count. Rounding to single precision may lift
-/// a value just below the upper bound into the guard class.
+/// The bin of a pixel; `size`, which is none, for a pixel that does not count. Rounding to single precision may lift
+/// a value just below the upper bound into the guard bin.
 [[gnu::always_inline]] inline std::uint32_t binOf(float pixel, const BinRule& rule)
 {
     if (pixel >= rule.minF && pixel < rule.maxF) {

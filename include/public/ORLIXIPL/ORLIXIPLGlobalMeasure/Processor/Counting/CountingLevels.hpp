@@ -4,8 +4,8 @@
 
 #include <framework/attribute/IndexableUInt64.hpp>
 
-/// What the counts of objects share: a label image has an object for every class of width 1 of its histogram that is
-/// not empty, but for the first class, which is the background, whatever it holds. A histogram cannot tell all labels
+/// What the counts of objects share: a label image has an object for every bin of width 1 of its histogram that is
+/// not empty, but for the first bin, which is the background, whatever it holds. A histogram cannot tell all labels
 /// beyond 2^24 apart: where there are such, the labels are told apart by a bit for each from the lowest to the highest,
 /// up to 512 MiB.
 namespace orlix::imaproc::glbmsr

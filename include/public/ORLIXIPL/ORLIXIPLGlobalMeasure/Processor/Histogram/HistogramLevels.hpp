@@ -9,17 +9,17 @@
 #include <cstdint>
 #include <vector>
 
-/// What the histogram measures share, with a mask and without: which classes a histogram has, and how pixels are
+/// What the histogram measures share, with a mask and without: which bins a histogram has, and how pixels are
 /// counted into them. The measures differ in how much of the image one result covers.
 ///
 /// Range: Min and Max of the parameters where they are user-defined, in order and within the pixel type; else minimum
 /// and maximum of what is measured. Integer images span Max - Min + 1, float images Max - Min. Width: the parameters'
 /// BinWidth, or span / NbClasses, or without either span / 256; at least 1 for integer images, and span / 256 where
-/// the wish is too small. A float range of one value makes one class of width 0; a plan whose mask is empty makes one
-/// class of nothing. NaN is never counted, and where one stays the minimum or maximum of the statistics it narrows
+/// the wish is too small. A float range of one value makes one bin of width 0; a plan whose mask is empty makes one
+/// bin of nothing. NaN is never counted, and where one stays the minimum or maximum of the statistics it narrows
 /// the range, so that pixels outside are not counted, either: give bounds. Pixels are compared with the bounds in
-/// single precision, and a class is found in double precision and rounded to single, so that a value just below Max may
-/// be lost above the last class, and values beyond 2^24 share classes. That is the same for every number of threads and
+/// single precision, and a bin is found in double precision and rounded to single, so that a value just below Max may
+/// be lost above the last bin, and values beyond 2^24 share bins. That is the same for every number of threads and
 /// instruction set.
 namespace orlix::imaproc::glbmsr
 {
@@ -45,7 +45,7 @@ using attr::OutHistogram;
 using attr::OutPIHistogram;
 using attr::PlanIndexedHistogramData;
 
-/// One strip: counts into the classes of its output.
+/// One strip: counts into the bins of its output.
 template <bool IsMasked>
 class ORLIX_API HistogramStrip : public BaseProcessingAlgorithm
 {
@@ -56,7 +56,7 @@ public:
     template <class T>
     core::ProcessingResult genericProcessFunction(ProcessingInfo info);
 
-    /// The histogram brings its classes along: it is the caller's, whatever it was written by.
+    /// The histogram brings its bins along: it is the caller's, whatever it was written by.
     core::ProcessingResult read(data::InputArchive& archive) override;
 
 protected:
@@ -67,22 +67,22 @@ private:
     std::vector<std::uint32_t> tables_; ///< what the kernels count into, kept from strip to strip
 };
 
-/// Strips, or plans, into one histogram whose classes are known.
+/// Strips, or plans, into one histogram whose bins are known.
 class ORLIX_API HistogramCount : public Level
 {
 protected:
     Rule makeRule() const override;
-    /// Strips are large enough for their classes.
+    /// Strips are large enough for their bins.
     std::size_t getMinStripPixels() const override;
     std::size_t getMaxParallelPlans() const override;
 };
 
-/// A level that fixes the classes before it counts. Its first stage runs the statistics of the same image and mask,
-/// unless the user gave the range; at the end it drops the guard class.
+/// A level that fixes the bins before it counts. Its first stage runs the statistics of the same image and mask,
+/// unless the user gave the range; at the end it drops the guard bin.
 class ORLIX_API Histogram : public HistogramCount
 {
 public:
-    /// The number of classes of a range and a width (1.0 stands for a width of 0), modulo 2^32. Throws
+    /// The number of bins of a range and a width (1.0 stands for a width of 0), modulo 2^32. Throws
     /// ORLIXBaseProcessingException if the processor's image is not set.
     std::uint32_t getHistoNbClasses(double min, double max, double binWidth) const;
 

@@ -5,11 +5,11 @@
 namespace orlix::imaproc::glbmsr
 {
 
-/// The number of pixels whose mask byte is not 0 in classes of equal width: one histogram per 3d volume (c, t), each
+/// The number of pixels whose mask byte is not 0 in bins of equal width: one histogram per 3d volume (c, t), each
 /// with a range of its own unless the parameters give one. Without parameters the range of those pixels is cut into 256
-/// classes, at least 1 wide for integers (HistogramLevels.hpp has the rules). The mask is uint8, int8 or binary and has
-/// the size of the image; a plan where it is empty has one class of nothing. Needs pixels; a range that is not finite,
-/// or more classes than the memory limit allows, fails. The synchronous forms throw ORLIXBaseProcessingException when
+/// bins, at least 1 wide for integers (HistogramLevels.hpp has the rules). The mask is uint8, int8 or binary and has
+/// the size of the image; a plan where it is empty has one bin of nothing. Needs pixels; a range that is not finite,
+/// or more bins than the memory limit allows, fails. The synchronous forms throw ORLIXBaseProcessingException when
 /// the run fails; the single-result forms measure plan (0, 0, 0) only.
 ORLIX_API Ptr<HistogramData> histogramMaskMsr3d(const Ptr<const image::BaseImage>& image,
                                                 const Ptr<const image::BaseImage>& mask);

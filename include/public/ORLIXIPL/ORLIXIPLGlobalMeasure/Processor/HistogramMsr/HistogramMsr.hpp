@@ -5,9 +5,9 @@
 namespace orlix::imaproc::glbmsr
 {
 
-/// The number of pixels in classes of equal width: one histogram over every plan, channel and time of the image.
-/// Without parameters the range of the image is cut into 256 classes, at least 1 wide for integers (HistogramLevels.hpp
-/// has the rules). Needs pixels; a range that is not finite, or more classes than the memory limit allows, fails. The
+/// The number of pixels in bins of equal width: one histogram over every plan, channel and time of the image.
+/// Without parameters the range of the image is cut into 256 bins, at least 1 wide for integers (HistogramLevels.hpp
+/// has the rules). Needs pixels; a range that is not finite, or more bins than the memory limit allows, fails. The
 /// synchronous forms throw ORLIXBaseProcessingException when the run fails.
 ORLIX_API Ptr<HistogramData> histogramMsr(const Ptr<const image::BaseImage>& image);
 ORLIX_API Ptr<HistogramMsrLvl1> histogramMsr_async(const Ptr<const image::BaseImage>& image);

@@ -5,9 +5,9 @@
 namespace orlix::imaproc::glbmsr
 {
 
-/// The number of pixels in classes of equal width: one histogram per 2d plan (z, c, t), each with a range of its own
-/// unless the parameters give one. Without parameters the range of the image is cut into 256 classes, at least 1 wide
-/// for integers (HistogramLevels.hpp has the rules). Needs pixels; a range that is not finite, or more classes than the
+/// The number of pixels in bins of equal width: one histogram per 2d plan (z, c, t), each with a range of its own
+/// unless the parameters give one. Without parameters the range of the image is cut into 256 bins, at least 1 wide
+/// for integers (HistogramLevels.hpp has the rules). Needs pixels; a range that is not finite, or more bins than the
 /// memory limit allows, fails. The synchronous forms throw ORLIXBaseProcessingException when the run fails; the single-
 /// result forms measure plan (0, 0, 0) only.
 ORLIX_API Ptr<HistogramData> histogramMsr2d(const Ptr<const image::BaseImage>& image);
