@@ -213,11 +213,10 @@ struct KeyGroup
     Keys keys[packs];
 };
 
-/// The keys of a rank among `count` groups. `bytes` has room for a pack of bytes per group. One function serves all
-/// pixel types of a size.
+/// The keys of a rank among `count` groups. `bytes` has room for a pack of bytes per group.
 template <class K, Domain::domain D, Ranking R>
-[[gnu::noinline]] KeyGroup<K, D> selectKeys(const KeyGroup<K, D>* groups, std::size_t count, std::size_t rank,
-                                            Pack<signed char, D>* bytes)
+ORLIX_KERNEL KeyGroup<K, D> selectKeys(const KeyGroup<K, D>* groups, std::size_t count, std::size_t rank,
+                                       Pack<signed char, D>* bytes)
 {
     using Group = KeyGroup<K, D>;
     using Keys = typename Group::Keys;
