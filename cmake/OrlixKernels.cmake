@@ -42,7 +42,8 @@ function(orlix_add_kernels target folder name)
         if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
             list(APPEND flags -Wno-uninitialized -Wno-maybe-uninitialized -Wno-ignored-attributes) # GCC's own intrinsics
         endif()
-        set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${flags}" SKIP_UNITY_BUILD_INCLUSION ON)
+        set_source_files_properties(${source} PROPERTIES COMPILE_OPTIONS "${flags}" SKIP_UNITY_BUILD_INCLUSION ON
+            SKIP_PRECOMPILE_HEADERS ON)
         list(APPEND sources ${source})
     endforeach()
 

@@ -85,14 +85,14 @@ std::string printCell(const Json& value)
     if (value.is_array()) {
         std::string list;
         for (const Json& each : value) {
-            list += (list.empty() ? "" : ", ") + printCell(each);
+            list.append(list.empty() ? "" : ", ").append(printCell(each));
         }
         return list;
     }
     if (value.is_object()) {
         std::string list;
         for (const auto& [key, each] : value.items()) {
-            list += (list.empty() ? "" : " ") + printCell(each);
+            list.append(list.empty() ? "" : " ").append(printCell(each));
         }
         return list;
     }

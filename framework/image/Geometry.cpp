@@ -8,7 +8,7 @@ std::string toString(const ImageGeometry& geometry)
     std::string text = std::to_string(geometry.x) + " x " + std::to_string(geometry.y);
     const auto add = [&](std::size_t size, const char* elements) {
         if (size != 1) {
-            text += ", " + std::to_string(size) + " " + elements;
+            text.append(", ").append(std::to_string(size)).append(" ").append(elements);
         }
     };
     add(geometry.z, "planes");
@@ -19,7 +19,11 @@ std::string toString(const ImageGeometry& geometry)
 
 std::string toString(const PlanIndex& plan)
 {
-    return "(" + std::to_string(plan.z) + ", " + std::to_string(plan.c) + ", " + std::to_string(plan.t) + ")";
+    std::string text{"("};
+    for (const std::size_t index : {plan.z, plan.c, plan.t}) {
+        text.append(text.size() == 1 ? "" : ", ").append(std::to_string(index));
+    }
+    return text + ")";
 }
 
 } // namespace orlix::image
