@@ -45,12 +45,12 @@ void BaseAttribute::setParameter(std::string_view name, const data::Value&, cons
     failToTake(*this, name);
 }
 
-void BaseAttribute::setImage(Ptr<const BaseImage>)
+void BaseAttribute::setImage(const Ptr<const BaseImage>&)
 {
     failToTake(*this, "an image to read");
 }
 
-void BaseAttribute::setOutputImage(Ptr<BaseImage>)
+void BaseAttribute::setOutputImage(const Ptr<BaseImage>&)
 {
     failToTake(*this, "an image to write");
 }
@@ -157,22 +157,22 @@ void BaseImageAttribute<Image>::take(const Share& share, const BaseAttribute& of
 }
 
 template <class Image>
-void BaseImageAttribute<Image>::setImage(Ptr<const BaseImage> image)
+void BaseImageAttribute<Image>::setImage(const Ptr<const BaseImage>& image)
 {
     if constexpr (std::is_const_v<Image>) {
-        this->init(std::move(image));
+        this->init(image);
     } else {
-        BaseAttribute::setImage(std::move(image));
+        BaseAttribute::setImage(image);
     }
 }
 
 template <class Image>
-void BaseImageAttribute<Image>::setOutputImage(Ptr<BaseImage> image)
+void BaseImageAttribute<Image>::setOutputImage(const Ptr<BaseImage>& image)
 {
     if constexpr (std::is_const_v<Image>) {
-        BaseAttribute::setOutputImage(std::move(image));
+        BaseAttribute::setOutputImage(image);
     } else {
-        this->init(std::move(image));
+        this->init(image);
     }
 }
 

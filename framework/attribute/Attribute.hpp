@@ -98,8 +98,8 @@ public:
     /// Sets one of them; a collection's for every plan of the input. Throws BaseException if the value does not fit.
     virtual void setParameter(std::string_view name, const data::Value& value, const BaseAttribute& input);
     /// Takes an image by name. Throws BaseException if the attribute is none for an image.
-    virtual void setImage(Ptr<const image::BaseImage> image);
-    virtual void setOutputImage(Ptr<image::BaseImage> image);
+    virtual void setImage(const Ptr<const image::BaseImage>& image);
+    virtual void setOutputImage(const Ptr<image::BaseImage>& image);
 
     /// `other` stores the same kind of value. Values are copied, images are shared.
     virtual void copy(const BaseAttribute& other) = 0;
@@ -440,8 +440,8 @@ public:
     core::ProcessingResult write(data::OutputArchive& archive) const final;
     core::ProcessingResult read(data::InputArchive& archive) final;
     void take(const Share& share, const BaseAttribute& of) final;
-    void setImage(Ptr<const image::BaseImage> image) final;
-    void setOutputImage(Ptr<image::BaseImage> image) final;
+    void setImage(const Ptr<const image::BaseImage>& image) final;
+    void setOutputImage(const Ptr<image::BaseImage>& image) final;
     bool isMask() const final { return types_ == image::maskTypes; }
     bool isImage() const final { return true; }
     bool isOnePlan() const final { return extent_ == eExtent::eE_OnePlan; }

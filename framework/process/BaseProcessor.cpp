@@ -220,7 +220,7 @@ private:
 Ptr<BaseProcessor> BaseAsync1Processor::makeStageProcessor(const ProcessorClass& stageClass,
                                                            std::initializer_list<const BaseAttribute*> inputs) const
 {
-    const Ptr<BaseProcessor> stage = stageClass.getCreators().processor();
+    Ptr<BaseProcessor> stage = stageClass.getCreators().processor();
     (void)stage->init(eProcessorRulePolicy::eRP_CheckRules);
     stage->setDispatchPolicy(getDispatchPolicy());
     std::size_t i = 0;
