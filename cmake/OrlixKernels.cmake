@@ -37,8 +37,8 @@ function(orlix_add_kernels target folder name)
         endforeach()
         set(source ${CMAKE_CURRENT_BINARY_DIR}/kernels/${name}Kernels_${set}.cpp)
         configure_file(${orlix_cmake_folder}/KernelSet.cpp.in ${source} @ONLY)
-        # Functions begin with a cache line: the speed of a kernel is then not its neighbours' matter.
-        set(flags ${orlix_flags_${set}} -Wno-psabi -Wno-pedantic -fno-math-errno -falign-functions=64)
+        # Aligned, so that the speed of a kernel is not its neighbours' matter.
+        set(flags ${orlix_flags_${set}} -Wno-psabi -Wno-pedantic -fno-math-errno -falign-functions=64 -falign-loops=32)
         if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
             list(APPEND flags -Wno-uninitialized -Wno-maybe-uninitialized -Wno-ignored-attributes) # GCC's own intrinsics
         endif()
