@@ -9,8 +9,8 @@
 namespace orlix::core
 {
 
-/// How a processing step ended: well, by default, or with the message of a failure. A success is a null pointer, as
-/// every step of every run returns one.
+/// How a processing step ended: with success, by default, or with the message of a failure. A success costs no more
+/// than a null pointer, since every step of every run returns one.
 class [[nodiscard]] ProcessingResult
 {
 public:
@@ -20,7 +20,7 @@ public:
     {
         return ProcessingResult{makePtr<const std::string>(std::move(message))};
     }
-    /// Needs none.
+    /// A failure that needs no memory.
     ORLIX_API static ProcessingResult outOfMemory();
 
     explicit operator bool() const { return message_ == nullptr; }

@@ -20,10 +20,8 @@ std::string toString(const ImageGeometry& geometry)
 std::string toString(const PlanIndex& plan)
 {
     std::string text{"("};
-    for (const std::size_t index : {plan.z, plan.c, plan.t}) {
-        text.append(text.size() == 1 ? "" : ", ").append(std::to_string(index));
-    }
-    return text + ")";
+    text.append(std::to_string(plan.z)).append(", ").append(std::to_string(plan.c)).append(", ");
+    return text.append(std::to_string(plan.t)).append(")");
 }
 
 } // namespace orlix::image
