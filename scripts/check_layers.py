@@ -7,7 +7,7 @@ import sys
 
 # A folder may include itself and what stands before it.
 LAYERS = ["framework/core", "framework/maths", "framework/data", "framework/image", "framework/attribute",
-          "framework/process", "framework/gpu", "ORLIXIPL", "orlix"]
+          "framework/process", "framework/gpu", "files", "ORLIXIPL", "orlix"]
 FOLDERS = {"include": "ORLIXIPL", "src": "ORLIXIPL", "apps": "orlix"}
 
 
@@ -19,7 +19,7 @@ def main():
     root = pathlib.Path(sys.argv[1])
     faults = []
     files = 0
-    for folder in ("framework", *FOLDERS):
+    for folder in ("framework", "files", *FOLDERS):
         for path in sorted((root / folder).rglob("*.[hci]*")):
             if path.suffix not in (".hpp", ".cpp", ".inl", ".cu", ".cuh"):
                 continue

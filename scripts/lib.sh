@@ -86,7 +86,7 @@ need_packages() {
 # Whether nothing that goes into a preset has changed since it was last built with these targets.
 is_fresh() {
     local stamp=$build/$1/.built-$2
-    [ -e "$stamp" ] && [ -z "$(cd "$root" && find framework include src apps tests cmake CMakeLists.txt CMakePresets.json \
+    [ -e "$stamp" ] && [ -z "$(cd "$root" && find framework include src files apps tests cmake CMakeLists.txt CMakePresets.json \
         -newer "$stamp" -print -quit)" ]
 }
 

@@ -2,7 +2,12 @@
 
 #include <orlix/Errors.hpp>
 #include <orlix/GpuSupport.hpp>
+#include <orlix/Inputs.hpp>
+#include <orlix/Manual.hpp>
 #include <orlix/Measures.hpp>
+#include <orlix/Tables.hpp>
+
+#include <files/OutputFile.hpp>
 
 #include <framework/core/Settings.hpp>
 #include <framework/process/BaseProcessingAlgorithm.hpp>
@@ -15,12 +20,14 @@
 #include <cmath>
 #include <filesystem>
 #include <limits>
-#include <map>
+#include <set>
+#include <sstream>
 
 namespace orlix::app
 {
 
 using namespace imaproc;
+namespace fs = std::filesystem;
 
 namespace
 {
@@ -60,23 +67,6 @@ Report runProcessors(const Options&)
     return report;
 }
 
-/// A table of processors is for people: the kernels of a class by instruction set, not one by one.
-void summariseKernels(Report& report)
-{
-    for (Json& row : report.results) {
-        std::map<std::string, std::size_t> counts;
-        for (const Json& kernel : row["Kernels"]) {
-            ++counts[kernel["isa"].get<std::string>()];
-        }
-        std::string summary;
-        for (const auto& [isa, count] : counts) {
-            summary += (summary.empty() ? "" : ", ") + isa + " " + std::to_string(count);
-        }
-        row["Kernels"] = summary;
-        row.erase("TypeName");
-    }
-}
-
 void applySettings(const Options& options)
 {
     core::settings::setNbThreads(options.threads);
@@ -88,133 +78,6 @@ void applySettings(const Options& options)
         throw FileError{"--isa " + options.isa + ": this processor does not have it"};
     }
     core::settings::forceInstructionSets(set);
-}
-
-/// A table of histograms is for people: a row for every class.
-void spreadClasses(Report& report)
-{
-    std::vector<Json> rows;
-    for (const Json& histogram : report.results) {
-        Json row = histogram;
-        for (const char* const field : {"Min", "Max", "BinWidth", "Frequencies"}) {
-            row.erase(field);
-        }
-        const Json& frequencies = histogram["Frequencies"];
-        for (std::size_t i = 0; i < frequencies.size(); ++i) {
-            row["Class"] = i;
-            row["From"] = histogram["Min"];
-            if (histogram["Min"].is_number() && histogram["BinWidth"].is_number()) {
-                row["From"] =
-                    histogram["Min"].get<double>() + static_cast<double>(i) * histogram["BinWidth"].get<double>();
-            }
-            row["Pixels"] = frequencies[i];
-            rows.push_back(row);
-        }
-    }
-    report.results = std::move(rows);
-}
-
-/// A table of profiles is for people: a row for every number.
-void spreadValues(Report& report)
-{
-    if (report.results.empty() || !report.results.front().contains("Values")) {
-        return;
-    }
-    const std::string axis = report.measure.substr(0, 1);
-    std::vector<Json> rows;
-    for (const Json& profile : report.results) {
-        Json row = profile;
-        row.erase("Values");
-        for (std::size_t i = 0; i < profile["Values"].size(); ++i) {
-            row[axis] = i;
-            row["Value"] = profile["Values"][i];
-            rows.push_back(row);
-        }
-    }
-    report.results = std::move(rows);
-}
-
-/// A table of percentages is for people: a row for every value that occurs.
-void spreadPercentages(Report& report)
-{
-    std::vector<Json> rows;
-    for (const Json& plan : report.results) {
-        Json row = plan;
-        row.erase("Values");
-        for (std::size_t i = 0; i < plan["Values"].size(); ++i) {
-            if (plan["Values"][i] != 0.0) {
-                row["Value"] = i;
-                row["Percent"] = plan["Values"][i];
-                rows.push_back(row);
-            }
-        }
-    }
-    report.results = std::move(rows);
-}
-
-/// The plan of a row, named apart from coordinates and coefficients.
-Json namePlan(const Json& row)
-{
-    Json plan = Json::object();
-    for (const char* const axis : {"z", "c", "t"}) {
-        if (row.contains(axis)) {
-            plan[std::string{"plan "} + axis] = row[axis];
-        }
-    }
-    return plan;
-}
-
-/// A table of positions is for people: a row for every one.
-void spreadCoordinates(Report& report)
-{
-    std::vector<Json> rows;
-    for (const Json& plan : report.results) {
-        for (const Json& at : plan["Coordinates"]) {
-            Json row = namePlan(plan);
-            for (std::size_t i = 0; i < at.size(); ++i) {
-                row[std::string{"xyz"[i]}] = at[i];
-            }
-            rows.push_back(row);
-        }
-    }
-    report.results = std::move(rows);
-}
-
-/// A table of fits is for people: a column for every coefficient.
-void spreadCoefficients(Report& report)
-{
-    for (Json& row : report.results) {
-        Json spread = namePlan(row);
-        spread.update(row["Coefficients"]);
-        row = std::move(spread);
-    }
-}
-
-/// A table of samples is for people: their number.
-void countSamples(Report& report)
-{
-    for (Json& row : report.results) {
-        row["Samples"] = row["Samples"].size();
-    }
-}
-
-/// A table of correlations is for people: what the record keeps besides means nothing to them.
-void keepCorrelation(Report& report)
-{
-    for (Json& row : report.results) {
-        row.erase("SumSquaredDev1");
-        row.erase("SumSquaredDev2");
-    }
-}
-
-/// A table of similarities is for people: the ratio of equal images is infinite.
-void showInfinity(Report& report)
-{
-    for (Json& row : report.results) {
-        if (row["MSE"] == 0.0) {
-            row["PSNR"] = "Infinity";
-        }
-    }
 }
 
 Report runMeasures(const Options&)
@@ -262,23 +125,6 @@ Report runMeasures(const Options&)
     return report;
 }
 
-/// A table of measures is for people: the names of things.
-void listNames(Report& report)
-{
-    for (Json& row : report.results) {
-        for (const auto& [list, key] :
-             {std::pair{"Forms", "function"}, {"Inputs", "name"}, {"Parameters", "name"}, {"Fields", "name"}}) {
-            std::string names;
-            for (const Json& each : row[list]) {
-                names += (names.empty() ? "" : ", ") + each[key].get<std::string>();
-            }
-            row[list] = names;
-        }
-        row.erase("Name");
-        row.erase("Inputs");
-    }
-}
-
 /// A verb that measures nothing.
 struct OwnVerb
 {
@@ -288,7 +134,7 @@ struct OwnVerb
 };
 
 constexpr OwnVerb ownVerbs[] = {
-    {"info", "type and sizes of an image", &runInfo},
+    {"info", "what a file is: type, sizes, axes, size of pixels, compression, images in it", &runInfo},
     {"measures", "the measures, their forms, parameters and fields", &runMeasures},
     {"processors", "the processor classes and their kernels", &runProcessors},
 };
@@ -297,33 +143,47 @@ constexpr OwnVerb ownVerbs[] = {
 struct Difference
 {
     const char* verb;
-    const char* maskHelp = "count only where this image is not 0";
+    const char* example; ///< what stands behind "orlix"
+    const char* maskHelp = "count only where this image is not 0: one image, or one for each";
     const char* gpuHelp = nullptr;        ///< of --gpu, where the verb takes it
     bool takesBinary = false;             ///< --binary
     void (*forPeople)(Report&) = nullptr; ///< makes a table of a report that is one for machines
 };
 
 constexpr Difference differences[] = {
-    {.verb = "info", .gpuHelp = "what GPU there is, instead of an image"},
-    {.verb = "measures", .forPeople = &listNames},
-    {.verb = "processors", .forPeople = &summariseKernels},
-    {.verb = "stats", .gpuHelp = "measure on the GPU"},
-    {.verb = "histogram", .forPeople = &spreadClasses},
-    {.verb = "kde", .forPeople = &countSamples},
+    {.verb = "info",
+     .example = "info samples/stack.ome.tif",
+     .gpuHelp = "what GPU there is, instead of an image",
+     .forPeople = &listFacts},
+    {.verb = "measures", .example = "measures", .forPeople = &listNames},
+    {.verb = "processors", .example = "processors", .forPeople = &summariseKernels},
+    {.verb = "stats", .example = "stats samples/cells.tif --mask samples/labels.tif", .gpuHelp = "measure on the GPU"},
+    {.verb = "noise", .example = "noise samples/stack.ome.tif --per volume"},
+    {.verb = "histogram", .example = "histogram samples/cells.tif --classes 16", .forPeople = &spreadClasses},
+    {.verb = "entropy", .example = "entropy samples/colour.png"},
+    {.verb = "kde", .example = "kde samples/surface.tif --samples 500 --csv", .forPeople = &countSamples},
+    {.verb = "count", .example = "count samples/labels.tif"},
     {.verb = "percent",
+     .example = "percent samples/labels.tif --binary",
      .maskHelp = "where this image is 0 pixels have the value 0, and still count",
      .takesBinary = true,
      .forPeople = &spreadPercentages},
-    {.verb = "locate", .takesBinary = true, .forPeople = &spreadCoordinates},
-    {.verb = "paraboloid", .forPeople = &spreadCoefficients},
-    {.verb = "ncc", .forPeople = &keepCorrelation},
-    {.verb = "similarity", .forPeople = &showInfinity},
-    {.verb = "project", .forPeople = &spreadValues},
+    {.verb = "locate",
+     .example = "locate samples/labels.tif --binary --limit 5",
+     .takesBinary = true,
+     .forPeople = &spreadCoordinates},
+    {.verb = "paraboloid", .example = "paraboloid samples/cells.tif", .forPeople = &spreadCoefficients},
+    {.verb = "ncc", .example = "ncc samples/cells.tif samples/labels.tif", .forPeople = &keepCorrelation},
+    {.verb = "pearson", .example = "pearson samples/cells.tif samples/labels.tif"},
+    {.verb = "similarity", .example = "similarity samples/cells.tif samples/labels.tif", .forPeople = &showInfinity},
+    {.verb = "project",
+     .example = "project samples/stack.ome.tif --axis z --stat max -o projection.tif",
+     .forPeople = &spreadValues},
 };
 
 const Difference& findDifference(const std::string& verb)
 {
-    static constexpr Difference none{""};
+    static constexpr Difference none{"", ""};
     const auto* const found = std::find_if(std::begin(differences), std::end(differences),
                                            [&](const Difference& difference) { return difference.verb == verb; });
     return found == std::end(differences) ? none : *found;
@@ -338,6 +198,13 @@ struct Verb
     Measure measure{};
 
     bool isProjection() const { return name == "project"; }
+    bool takesImages() const { return name == "info" || !measure.forms.empty(); }
+    bool takesTwo() const
+    {
+        const auto isImage = [](const MeasureInput& input) { return !input.isMask; };
+        return !measure.forms.empty() &&
+               std::count_if(measure.forms[0].inputs.begin(), measure.forms[0].inputs.end(), isImage) > 1;
+    }
     Report run(const Options& options) const
     {
         return own != nullptr ? own->run(options) : (isProjection() ? runProject : runMeasure)(measure, options);
@@ -396,34 +263,56 @@ CLI::Validator wholeIn(std::uint32_t lowest, std::uint32_t highest)
     return CLI::Validator{check, ""};
 }
 
+constexpr auto pixelTypes = {"uint8", "int8", "uint16", "int16", "uint32", "int32", "float32"};
+
+/// An option that takes one of several words, whatever their case.
+CLI::Option* addChoice(CLI::App& command, const std::string& name, std::string& target,
+                       const std::vector<std::string>& choices, const std::string& help)
+{
+    std::string list;
+    for (const std::string& choice : choices) {
+        list += (list.empty() ? "" : "|") + choice;
+    }
+    return command.add_option(name, target, help)
+        ->transform(CLI::IsMember(choices, CLI::ignore_case).description(""))
+        ->type_name(list);
+}
+
 /// An option for a parameter of a measure.
 void addParameter(CLI::App& command, const attr::Parameter& parameter, Options& options)
 {
     const std::string name = parameter.info.option;
+    const std::string option = "--" + name;
     std::string help = parameter.info.help;
     if (parameter.defaultValue && parameter.info.enumerators.empty()) {
         help += " (default: " + toJson(*parameter.defaultValue).dump() + ")";
     }
-    CLI::Option* const option = command.add_option("--" + name, options.parameters[name], help);
+    std::string& target = options.parameters[name];
+    const auto& enumerators = parameter.info.enumerators;
     if (name == "bandwidth") {
-        option->description("silverman (the default), scott or a number")->transform(bandwidth())->type_name("");
-    } else if (!parameter.info.enumerators.empty()) {
-        option
-            ->transform(CLI::IsMember(
-                std::vector<std::string>(parameter.info.enumerators.begin(), parameter.info.enumerators.end()),
-                CLI::ignore_case))
-            ->type_name("");
+        command.add_option(option, target, "rule (default: silverman) or number")
+            ->transform(bandwidth())
+            ->type_name("silverman|scott|X");
+    } else if (!enumerators.empty()) {
+        addChoice(command, option, target, {enumerators.begin(), enumerators.end()}, help);
     } else if (parameter.isWhole) {
         const bool countsBins = name == "classes";
-        option->check(wholeIn(countsBins ? 1 : 0, countsBins ? 0x7fffffff : 0xffffffff))->type_name("N");
+        command.add_option(option, target, help)
+            ->check(wholeIn(countsBins ? 1 : 0, countsBins ? 0x7fffffff : 0xffffffff))
+            ->type_name("N");
     } else {
-        option->check(finiteAbove(name == "bin-width" ? 0 : -std::numeric_limits<double>::infinity()))->type_name("X");
+        command.add_option(option, target, help)
+            ->check(finiteAbove(name == "bin-width" ? 0 : -std::numeric_limits<double>::infinity()))
+            ->type_name("X");
     }
 }
 
 /// What one result may cover, the default first.
 std::vector<std::string> listPers(const Measure& measure)
 {
+    if (isOfWholeImages(measure)) {
+        return {"image", "plan", "volume"};
+    }
     std::vector<std::string> pers;
     for (const MeasureForm& form : measure.forms) {
         if (std::find(pers.begin(), pers.end(), form.per) == pers.end()) {
@@ -433,52 +322,74 @@ std::vector<std::string> listPers(const Measure& measure)
     return pers;
 }
 
+/// How files are read, and which part of them.
+void addFileOptions(CLI::App& command, const Verb& verb, Options& options)
+{
+    const std::string group = "Files";
+    files::OpenOptions& open = options.open;
+    std::vector<CLI::Option*> added;
+    added.push_back(command.add_option("--plane", options.plane, "planes, channels and times, as z=3,c=1 or z=10:20")
+                        ->type_name("PLANES"));
+    added.push_back(command.add_option("--region", options.region, "a part of every plane, as 0:512,100:200 (x, y)")
+                        ->type_name("X0:X1,Y0:Y1"));
+    added.push_back(command.add_option("--pages", open.pages, "how the pages nest, fastest first, such as z=4,c=2,t=3")
+                        ->type_name("ORDER"));
+    added.push_back(
+        command.add_option("--axes", open.axes, "the axes of an array, slowest first, such as TCZYX (S: samples)")
+            ->type_name("LETTERS"));
+    added.push_back(command.add_option("--series", open.series, "which image of a file that holds several, from 0")
+                        ->type_name("N"));
+    if (verb.name != "info") {
+        std::vector<std::string> types{pixelTypes.begin(), pixelTypes.end()};
+        types.emplace_back("binary");
+        added.push_back(addChoice(command, "--as", options.as, types, "convert pixels while reading"));
+        added.push_back(command.add_flag("--scaled", open.scaled, "measure the numbers that a header's scale gives"));
+    }
+    added.push_back(addChoice(command, "--stack", options.stack, {"z", "c", "t"},
+                              "all files, in natural order, are one image along this axis"));
+    added.push_back(command.add_option("--max-pixels", open.maxPixels, "refuse images that are larger (default: 2^40)")
+                        ->type_name("N"));
+    for (CLI::Option* const option : added) {
+        option->group(group);
+    }
+}
+
 void addOptions(CLI::App& command, const Verb& verb, Options& options)
 {
     const Difference& difference = findDifference(verb.name);
     const std::vector<MeasureForm>& forms = verb.measure.forms;
     const bool isInfo = verb.name == "info";
-    if (isInfo || !forms.empty()) {
-        command.add_option("IMAGE", options.image, "a TIFF file")->required(!isInfo);
-        command.add_option("--pages", options.pages, "how the pages nest, fastest first, such as z=4,c=2,t=3")
-            ->type_name("ORDER");
+    if (verb.takesTwo()) {
+        command
+            .add_option_function<std::string>(
+                "IMAGE", [&options](const std::string& word) { options.images = {word}; },
+                "a file, a folder, a pattern, or - (standard input)")
+            ->required();
+        command.add_option("IMAGE2", options.others, "another one of the same size, or one for each")->required();
+    } else if (verb.takesImages()) {
+        command.add_option("IMAGE", options.images, "files, folders, patterns, or - (standard input)")
+            ->required(!isInfo);
     }
     if (!forms.empty()) {
-        const auto& inputs = forms.front().inputs;
-        if (std::count_if(inputs.begin(), inputs.end(), [](const MeasureInput& input) { return !input.isMask; }) > 1) {
-            command.add_option("IMAGE2", options.image2, "another one, of the same size")->required();
-        }
         const std::vector<std::string> pers = listPers(verb.measure);
         if (pers.size() > 1 && !verb.isProjection()) {
-            std::string help = "what one result covers: ";
-            for (std::size_t i = 0; i < pers.size(); ++i) {
-                help += (i == 0 ? "" : i + 1 == pers.size() ? " or " : ", ") + pers[i];
-            }
-            command.add_option("--per", options.per, help + " (default: " + pers.front() + ")")
-                ->transform(CLI::IsMember(pers, CLI::ignore_case))
-                ->type_name("");
+            addChoice(command, "--per", options.per, pers, "what one result covers (default: " + pers.front() + ")");
         }
         if (std::any_of(forms.begin(), forms.end(), [](const MeasureForm& form) { return form.takesMask(); })) {
-            command.add_option("--mask", options.mask, difference.maskHelp)->type_name("FILE");
+            command.add_option("--mask", options.masks, difference.maskHelp)->type_name("FILE");
         }
         for (const attr::Parameter& parameter : verb.measure.parameters) {
             addParameter(command, parameter, options);
         }
     }
     if (verb.isProjection()) {
-        command
-            .add_option("--axis", options.axis,
-                        "x: a number per column, y: a number per row, z: an image over all planes, t: an image "
-                        "over all times")
-            ->transform(CLI::IsMember({"x", "y", "z", "t"}, CLI::ignore_case))
-            ->type_name("")
+        addChoice(
+            command, "--axis", options.axis, {"x", "y", "z", "t"},
+            "x: a number per column, y: a number per row, z: an image over all planes, t: an image over all times")
             ->required();
         command.get_option("--stat")->required();
-        command.add_option("-o", options.output, "with --axis z or t: the TIFF file to write")->type_name("FILE");
-        command.add_option("--out-type", options.outType, "pixel type of that file (default: the image's)")
-            ->transform(
-                CLI::IsMember({"uint8", "int8", "uint16", "int16", "uint32", "int32", "float32"}, CLI::ignore_case))
-            ->type_name("TYPE");
+        addChoice(command, "--out-type", options.outType, {pixelTypes.begin(), pixelTypes.end()},
+                  "pixel type of the image that is written (default: the image's)");
     }
     if (verb.name == "kde") {
         command
@@ -497,14 +408,29 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
     if (difference.gpuHelp != nullptr) {
         command.add_flag("--gpu", options.gpu, difference.gpuHelp);
     }
-    command.add_option("--isa", options.isa, "force an instruction set: generic, sse2, avx, avx2 or avx512")
-        ->check(CLI::IsMember({"generic", "sse2", "avx", "avx2", "avx512"}))
-        ->type_name("");
+    if (verb.takesImages()) {
+        addFileOptions(command, verb, options);
+    }
+    command.add_flag("--json", options.json, "a JSON object on a line for each image")->group("Output");
+    command.add_flag("--csv", options.csv, "a table for programs: one header line, a row for each result")
+        ->group("Output");
+    command
+        .add_option("-o", options.output,
+                    verb.isProjection() ? "with --axis z or t the TIFF file to write (of several images, a folder); "
+                                          "else a file for the table"
+                                        : "write to this file: .json, .csv, or what --json or --csv says")
+        ->type_name("FILE")
+        ->group("Output");
+    command.add_flag("--quiet", options.quiet, "no notes on standard error")->group("Output");
+    addChoice(command, "--isa", options.isa, {"generic", "sse2", "avx", "avx2", "avx512"}, "force an instruction set")
+        ->group("Machine");
     command.add_option("--threads", options.threads, "worker threads (default: all processors)")
-        ->check(CLI::Range(1u, 4096u))
-        ->type_name("N");
-    command.add_flag("--json", options.json, "one JSON object on one line");
-    command.add_flag("--quiet", options.quiet, "no notes on standard error");
+        ->check(CLI::Range(1u, 4096u).description(""))
+        ->type_name("N")
+        ->group("Machine");
+    std::string description = verb.help;
+    description.append("\n\nExample:\n  orlix ").append(difference.example).append("\n");
+    command.description(description);
     command.footer(verb.measure.remark);
 }
 
@@ -515,7 +441,7 @@ void refuseUnknown(const std::vector<Verb>& verbs, int argc, const char* const* 
         return std::any_of(verbs.begin(), verbs.end(), [&](const Verb& verb) { return verb.name == word; });
     };
     const std::string first = argc > 1 ? argv[1] : "";
-    if (first == "help") {
+    if (first == "help" || first == "completion" || first == "manual") {
         return;
     }
     if (std::find(std::begin(laterVerbs), std::end(laterVerbs), first) != std::end(laterVerbs)) {
@@ -523,28 +449,6 @@ void refuseUnknown(const std::vector<Verb>& verbs, int argc, const char* const* 
     }
     if (first.empty() || (first[0] != '-' && !isVerb(first))) {
         throw UsageError{(first.empty() ? "a verb is needed" : "there is no verb " + first) + " (see orlix --help)"};
-    }
-    for (int i = 2; i < argc; ++i) {
-        const std::string word = argv[i];
-        const std::string option = word.substr(0, word.find('='));
-        if (option == "--csv") {
-            throw UsageError{option + " is not available yet"};
-        }
-    }
-}
-
-/// Runs a verb; whatever goes wrong in a measure names the file, and the instruction set where one is forced.
-Report runNamed(const Verb& verb, const Options& options)
-{
-    try {
-        return verb.run(options);
-    } catch (const FileError&) {
-        throw;
-    } catch (const UsageError&) {
-        throw;
-    } catch (...) {
-        const std::string forced = options.isa.empty() ? "" : " (--isa " + options.isa + ")";
-        throw FileError{options.image + ": " + core::describeCurrentException() + forced};
     }
 }
 
@@ -554,17 +458,17 @@ std::string findOtherExtension(const std::string& path)
     constexpr std::string_view others[] = {".png",  ".jpg", ".jpeg", ".jp2", ".webp", ".gif",  ".bmp", ".nrrd",
                                            ".nhdr", ".mha", ".mhd",  ".nii", ".gz",   ".mrc",  ".npy", ".h5",
                                            ".hdf5", ".pdf", ".csv",  ".txt", ".json", ".html", ".zarr"};
-    const std::string extension = CLI::detail::to_lower(std::filesystem::path{path}.extension().string());
+    const std::string extension = CLI::detail::to_lower(fs::path{path}.extension().string());
     return std::find(std::begin(others), std::end(others), extension) != std::end(others) ? extension : "";
 }
 
-/// What one option cannot tell by itself.
-void checkTogether(const Verb& verb, const Options& options)
+/// What one option cannot tell by itself; sets what several say together.
+void settle(const Verb& verb, Options& options)
 {
-    if (verb.name == "info" && options.image.empty() != options.gpu) {
+    if (verb.name == "info" && options.images.empty() != options.gpu) {
         throw UsageError{options.gpu ? "info --gpu takes no image" : "IMAGE is required (see orlix --help)"};
     }
-    if (options.gpu && !options.mask.empty()) {
+    if (options.gpu && !options.masks.empty()) {
         throw UsageError{"--gpu and --mask do not go together: statistics under a mask run on the CPU only"};
     }
     if (options.gpu && !options.isa.empty()) {
@@ -576,25 +480,43 @@ void checkTogether(const Verb& verb, const Options& options)
     if (options.has("min") && *options.number("min") > *options.number("max")) {
         throw UsageError{"--min is above --max"};
     }
-    if (options.output == "-") {
-        throw UsageError{"-o -: an image does not go to standard output: name a TIFF file"};
-    }
-    if (const std::string other = findOtherExtension(options.output); !other.empty()) {
-        throw UsageError{"-o " + options.output + ": no " + other +
-                         " files are written, but TIFF: end its name in .tif"};
-    }
-    if (!options.axis.empty()) {
-        const bool isProfile = options.axis == "x" || options.axis == "y";
-        if (isProfile && !(options.output.empty() && options.outType.empty())) {
-            throw UsageError{"-o and --out-type go with --axis z or t: a projection along " + options.axis +
-                             " writes no image"};
-        }
-        if (!isProfile && options.output.empty()) {
-            throw UsageError{"--axis " + options.axis + " makes an image: name its file with -o"};
-        }
-    }
     if (options.has("bin-width") && options.has("classes")) {
         throw UsageError{"--bin-width and --classes say the same thing: give one of them"};
+    }
+    if (options.json && options.csv) {
+        throw UsageError{"--json and --csv do not go together: give one of them"};
+    }
+    if (!options.open.pages.empty() && !options.open.axes.empty()) {
+        throw UsageError{"--pages and --axes do not go together: give one of them"};
+    }
+    if (!options.as.empty()) {
+        options.open.as = image::findImageBufferType(options.as);
+    }
+    options.part = parsePart(options.plane, options.region);
+    const bool makesImage = options.axis == "z" || options.axis == "t";
+    if (makesImage) {
+        if (options.output.empty()) {
+            throw UsageError{"--axis " + options.axis + " makes an image: name its file with -o"};
+        }
+        if (options.output == "-") {
+            throw UsageError{"-o -: an image does not go to standard output: name a TIFF file"};
+        }
+        if (const std::string other = findOtherExtension(options.output); !other.empty()) {
+            throw UsageError{"-o " + options.output + ": no " + other +
+                             " files are written, but TIFF: end its name in .tif"};
+        }
+        return;
+    }
+    if (!options.axis.empty() && !options.outType.empty()) {
+        throw UsageError{"--out-type goes with --axis z or t: a projection along " + options.axis + " writes no image"};
+    }
+    if (!options.output.empty() && !options.json && !options.csv) {
+        const std::string extension = CLI::detail::to_lower(fs::path{options.output}.extension().string());
+        options.json = extension == ".json";
+        options.csv = extension == ".csv";
+        if (!options.json && !options.csv) {
+            throw UsageError{"-o " + options.output + ": end its name in .json or .csv, or say --json or --csv"};
+        }
     }
 }
 
@@ -603,7 +525,7 @@ void checkTogether(const Verb& verb, const Options& options)
 {
     // An option that there is not may be the name of a file.
     for (int i = 2; i < argc && std::string{argv[i]} != "--"; ++i) {
-        if (argv[i][0] == '-' && std::filesystem::exists(argv[i])) {
+        if (argv[i][0] == '-' && fs::exists(argv[i])) {
             throw UsageError{std::string{argv[i]} +
                              " looks like an option: write -- before files that begin with a dash"};
         }
@@ -611,11 +533,201 @@ void checkTogether(const Verb& verb, const Options& options)
     throw UsageError{std::string{error.what()} + " (see orlix " + (chosen.empty() ? "" : chosen + " ") + "--help)"};
 }
 
-std::string run(int argc, const char* const* argv, std::vector<std::string>& notes)
+/// Lists verbs with the first line of what they say of themselves.
+class HelpFormatter final : public CLI::Formatter
+{
+public:
+    std::string make_subcommand(const CLI::App* verb) const override
+    {
+        const std::string text = verb->get_description();
+        std::ostringstream line;
+        CLI::detail::format_help(line, verb->get_name(), text.substr(0, text.find('\n')), get_column_width());
+        return line.str();
+    }
+};
+
+/// Writes errors and notes, a line each.
+class Complaints
+{
+public:
+    explicit Complaints(std::ostream& stream) : stream_{stream} {}
+
+    void operator()(std::string text) const
+    {
+        std::replace_if(
+            text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+        stream_ << "orlix: " << text << "\n" << std::flush;
+    }
+
+private:
+    std::ostream& stream_;
+};
+
+/// The images of a command, one after the other: with each of them its second image and its mask.
+class ImageLoop
+{
+public:
+    ImageLoop(const Verb& verb, const Options& options) : verb_{verb}, options_{options}
+    {
+        images_ = list(options.images);
+        others_ = options.others.empty() ? std::vector<ImageArgument>{} : list({options.others});
+        masks_ = options.masks.empty() ? std::vector<ImageArgument>{} : listImages({options.masks});
+        checkNumber(others_, "IMAGE2", options.others);
+        checkNumber(masks_, "--mask", options.masks);
+        // What is in a folder may grow; what was asked for is one image.
+        writesToFolder_ = verb.isProjection() && (options.axis == "z" || options.axis == "t") &&
+                          (isForSeveral() || fs::is_directory(options.output));
+        if (writesToFolder_ && !fs::is_directory(options.output)) {
+            throw UsageError{"-o " + options.output +
+                             ": of several images each makes a file: name a folder that is there"};
+        }
+    }
+
+    bool isForSeveral() const { return images_.size() > 1 || (images_.size() == 1 && !images_[0].folder.empty()); }
+
+    /// Runs the verb on every image. Returns whether all went well.
+    template <class Print>
+    bool run(Print print, const Complaints& complain)
+    {
+        bool isFine = true;
+        for (std::size_t i = 0; i < images_.size(); ++i) {
+            Options options = options_;
+            options.image = images_[i];
+            // Files of one set, found in a folder, are one image.
+            if (!options.image.folder.empty() && members_.contains(identify(options.image.name))) {
+                continue;
+            }
+            options.image2 = others_.empty() ? ImageArgument{} : others_[others_.size() > 1 ? i : 0];
+            options.mask = masks_.empty() ? ImageArgument{} : masks_[masks_.size() > 1 ? i : 0];
+            try {
+                if (writesToFolder_) {
+                    options.output = nameOutput(options.image.name);
+                }
+                Report report = measure(options);
+                for (const std::string& member : report.members) {
+                    members_.insert(identify(member));
+                }
+                for (const std::string& note : report.notes) {
+                    if (!options.quiet) {
+                        complain("note: " + note);
+                    }
+                }
+                print(std::move(report));
+            } catch (const std::exception& error) {
+                if (!isForSeveral()) {
+                    throw;
+                }
+                complain(error.what());
+                isFine = false;
+            }
+        }
+        return isFine;
+    }
+
+private:
+    std::vector<ImageArgument> list(const std::vector<std::string>& words) const
+    {
+        std::vector<ImageArgument> images = listImages(words);
+        return options_.stack.empty() || images.empty() ? images : std::vector{stackImages(images, words)};
+    }
+
+    void checkNumber(const std::vector<ImageArgument>& others, const char* what, const std::string& word) const
+    {
+        if (others.size() > 1 && others.size() != images_.size()) {
+            throw UsageError{std::string{what} + " " + word + " makes " + std::to_string(others.size()) +
+                             " images, where there are " + std::to_string(images_.size()) +
+                             ": one is needed, or one for each"};
+        }
+    }
+
+    static std::string identify(const std::string& path)
+    {
+        std::error_code none;
+        return fs::weakly_canonical(path, none).string();
+    }
+
+    std::string nameOutput(const std::string& image)
+    {
+        const std::string path = (fs::path{options_.output} / (fs::path{image}.stem().string() + ".tif")).string();
+        if (!outputs_.insert(path).second) {
+            throw FileError{image + ": " + path + " was written for another image: give them names of their own"};
+        }
+        return path;
+    }
+
+    /// Whatever goes wrong in a measure names the file, and the instruction set where one is forced.
+    Report measure(const Options& options) const
+    {
+        try {
+            return verb_.run(options);
+        } catch (const FileError&) {
+            throw;
+        } catch (const UsageError&) {
+            throw;
+        } catch (...) {
+            const std::string forced = options.isa.empty() ? "" : " (--isa " + options.isa + ")";
+            throw FileError{options.image.name + ": " + core::describeCurrentException() + forced};
+        }
+    }
+
+    const Verb& verb_;
+    const Options& options_;
+    std::vector<ImageArgument> images_;
+    std::vector<ImageArgument> others_;
+    std::vector<ImageArgument> masks_;
+    bool writesToFolder_ = false;
+    std::set<std::string> members_; // files that belong to images that were read
+    std::set<std::string> outputs_;
+};
+
+/// Runs a verb and prints what it has to say. Returns the exit status.
+int runVerb(const Verb& verb, const Options& options, std::ostream& output, const Complaints& complain)
+{
+    const bool makesImage = options.axis == "z" || options.axis == "t";
+    const bool goesToFile = !options.output.empty() && !makesImage;
+    const auto form = options.json  ? ReportPrinter::Form::JsonLines
+                      : options.csv ? ReportPrinter::Form::Csv
+                                    : ReportPrinter::Form::Table;
+    const Difference& difference = findDifference(verb.name);
+    std::ostringstream collected;
+    bool isFine = true;
+    const auto run = [&](std::ostream& stream) {
+        if (!verb.takesImages() || options.images.empty()) {
+            ReportPrinter printer{stream, form, verb.name == "info" ? nullptr : difference.forPeople, false};
+            printer.print(verb.run(options));
+            printer.finish();
+            return;
+        }
+        ImageLoop loop{verb, options};
+        const bool isForSeveral = loop.isForSeveral();
+        ReportPrinter printer{stream, form, isForSeveral && verb.name == "info" ? nullptr : difference.forPeople,
+                              isForSeveral};
+        isFine = loop.run([&](Report report) { printer.print(std::move(report)); }, complain);
+        printer.finish();
+    };
+    if (!goesToFile) {
+        run(output);
+        return isFine ? 0 : 1;
+    }
+    for (const std::string& image : options.images) {
+        files::checkOutputPath(options.output, image);
+    }
+    run(collected);
+    files::writeText(options.output, collected.str());
+    return isFine ? 0 : 1;
+}
+
+int run(int argc, const char* const* argv, std::ostream& output, const Complaints& complain)
 {
     const std::vector<Verb> verbs = listVerbs();
     refuseUnknown(verbs, argc, argv);
-    CLI::App app{"Global measures of 2d and 3d images.", "orlix"};
+    CLI::App app{"Global measures of 2d and 3d images.\n\n"
+                 "Examples:\n"
+                 "  orlix stats samples/cells.tif\n"
+                 "  orlix histogram 'scans/*.nii.gz' --classes 64 --csv -o histograms.csv\n"
+                 "  orlix project stack.ome.tif --axis z --stat median -o flat.tif\n",
+                 "orlix"};
+    app.formatter(std::make_shared<HelpFormatter>());
     app.set_version_flag("--version", "orlix 4.1.0.2");
     app.require_subcommand(1);
     Options options;
@@ -624,6 +736,11 @@ std::string run(int argc, const char* const* argv, std::vector<std::string>& not
     }
     std::string helpOf;
     app.add_subcommand("help", "help on a verb")->add_option("VERB", helpOf);
+    std::string shell;
+    addChoice(*app.add_subcommand("completion", "completions for a shell, such as: orlix completion bash > orlix.bash"),
+              "SHELL", shell, {"bash", "zsh", "fish"}, "")
+        ->required();
+    app.add_subcommand("manual", "the manual page: orlix manual | man -l -");
     const auto chosen = [&] {
         const auto subcommands = app.get_subcommands();
         return subcommands.empty() ? std::string{} : subcommands.front()->get_name();
@@ -634,56 +751,42 @@ std::string run(int argc, const char* const* argv, std::vector<std::string>& not
     try {
         app.parse(argc, argv);
         if (chosen() == "help") {
-            return help(helpOf);
+            output << help(helpOf);
+            return 0;
         }
     } catch (const CLI::CallForHelp&) {
-        return help(chosen());
+        output << help(chosen());
+        return 0;
     } catch (const CLI::CallForVersion& version) {
-        return std::string{version.what()} + "\n";
+        output << version.what() << "\n";
+        return 0;
     } catch (const CLI::OptionNotFound&) {
         throw UsageError{"there is no verb " + helpOf + " (see orlix --help)"};
     } catch (const CLI::ParseError& error) {
         failUsage(error, chosen(), argc, argv);
     }
+    if (chosen() == "completion" || chosen() == "manual") {
+        output << (chosen() == "manual" ? writeManual(app) : writeCompletion(app, shell));
+        return 0;
+    }
     const Verb& verb = *std::find_if(verbs.begin(), verbs.end(), [&](const Verb& v) { return v.name == chosen(); });
-    checkTogether(verb, options);
+    settle(verb, options);
     applySettings(options);
-    Report report = runNamed(verb, options);
-    if (!options.quiet) {
-        notes = report.notes;
-    }
-    if (options.json) {
-        return printJson(report);
-    }
-    if (const auto forPeople = findDifference(verb.name).forPeople) {
-        forPeople(report);
-    }
-    return printTable(report);
-}
-
-/// An error of any kind on one line.
-std::string onOneLine(std::string text)
-{
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    return "orlix: " + text + "\n";
+    return runVerb(verb, options, output, complain);
 }
 
 } // namespace
 
-int runCommand(int argc, const char* const* argv, std::string& output, std::string& error)
+int runCommand(int argc, const char* const* argv, std::ostream& output, std::ostream& error)
 {
+    const Complaints complain{error};
     try {
-        std::vector<std::string> notes;
-        output = run(argc, argv, notes);
-        for (const std::string& note : notes) {
-            error += onOneLine("note: " + note);
-        }
-        return 0;
+        return run(argc, argv, output, complain);
     } catch (const UsageError& usage) {
-        error = onOneLine(usage.what());
+        complain(usage.what());
         return 2;
     } catch (...) {
-        error = onOneLine(core::describeCurrentException());
+        complain(core::describeCurrentException());
         return 1;
     }
 }

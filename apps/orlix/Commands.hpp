@@ -1,12 +1,12 @@
 #pragma once
 
-#include <string>
+#include <ostream>
 
 namespace orlix::app
 {
 
-/// Runs the program and returns its exit status. What it has to say on success is in `output`, which stays empty on
-/// failure; `error` is then one line, and on success a line for each note.
-int runCommand(int argc, const char* const* argv, std::string& output, std::string& error);
+/// Runs the program and returns its exit status. What it has to say of an image goes to `output` as soon as the image
+/// is measured, and nothing of an image that fails; `error` gets a line for each failure and each note.
+int runCommand(int argc, const char* const* argv, std::ostream& output, std::ostream& error);
 
 } // namespace orlix::app

@@ -1,9 +1,11 @@
 #include <orlix/Measures.hpp>
 
+#include <files/ImageFile.hpp>
+#include <files/OutputFile.hpp>
+#include <files/tiff/TiffWriter.hpp>
 #include <orlix/Errors.hpp>
 #include <orlix/GpuSupport.hpp>
-#include <orlix/TiffFile.hpp>
-#include <orlix/TiffWriter.hpp>
+#include <orlix/Inputs.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsr.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2d.hpp>
@@ -23,6 +25,7 @@ namespace orlix::app
 
 using namespace imaproc;
 using namespace imaproc::glbmsr;
+using files::ImageFacts;
 using image::BaseImage;
 using image::eImageBufferType;
 using image::ePlanKind;
@@ -30,110 +33,27 @@ using image::ePlanKind;
 namespace
 {
 
-/// A binary image as the numbers 0 and 1; any other as it is.
-Ptr<const BaseImage> asNumbers(const Ptr<const BaseImage>& image)
+/// A result with the place of its plan or volume in the whole image before it.
+Json placeResult(const image::PlanIndex& plan, ePlanKind kind, const files::Position& origin,
+                 const data::BaseDataItem& result)
 {
-    if (image->getType() != eImageBufferType::eIBT_Binary || image->getGeometry().empty()) {
-        return image;
+    Json row = Json::object();
+    if (kind == ePlanKind::ePK_Plan2d) {
+        row["z"] = plan.z + origin.z;
     }
-    return BaseImage::wrap(image->getRow(0), eImageBufferType::eIBT_UInt8, image->getGeometry(), image->getStrides(),
-                           image);
+    row["c"] = plan.c + origin.c;
+    row["t"] = plan.t + origin.t;
+    row["result"] = toJson(result);
+    return row;
 }
-
-/// A gapless image as 0 and 1: which of its pixels are not 0.
-Ptr<const BaseImage> findNonZero(const BaseImage& image, eImageBufferType type)
-{
-    const image::ImageGeometry& size = image.getGeometry();
-    auto set = BaseImage::create(type, size);
-    if (size.empty()) {
-        return set;
-    }
-    if (image.getType() == eImageBufferType::eIBT_Binary) {
-        std::copy_n(image.getRow(0), size.nbPixels(), set->getRow(0));
-    }
-    image::forEachPixelType([&]<class T>(std::type_identity<T>) {
-        if (image.getType() == image::imageBufferTypeOf<T>) {
-            const T* const pixels = reinterpret_cast<const T*>(image.getRow(0));
-            std::transform(pixels, pixels + size.nbPixels(), set->getRow(0),
-                           [](T pixel) { return static_cast<std::byte>(pixel != 0); });
-        }
-    });
-    return set;
-}
-
-/// A gapless image of any integer type as a mask of 0 and 1.
-Ptr<const BaseImage> asMask(const std::string& path, const BaseImage& image)
-{
-    if (image.getType() == eImageBufferType::eIBT_Float32) {
-        throw FileError{path + ": a float32 image is no mask: convert it to an integer type"};
-    }
-    return findNonZero(image, eImageBufferType::eIBT_UInt8);
-}
-
-/// The image of a command and its mask, if it has one, with what a report says of them.
-struct Inputs
-{
-    /// A binary image stays one where the measure knows them.
-    explicit Inputs(const Options& options, bool takesBinary = false)
-    {
-        const TiffFile file{options.image, options.pages};
-        image = readPixels(file, options.image);
-        image = takesBinary ? image : asNumbers(image);
-        if (options.binary) {
-            image = findNonZero(*image, eImageBufferType::eIBT_Binary);
-        }
-        report.images.emplace_back("image", describeImage(options.image, file.getType(), file.getGeometry()));
-        if (!options.image2.empty()) {
-            image2 = asNumbers(readOther(options, options.image2, "image2"));
-        }
-        if (!options.mask.empty()) {
-            mask = asMask(options.mask, *readOther(options, options.mask, "mask"));
-        }
-    }
-
-    Ptr<const BaseImage> readPixels(const TiffFile& file, const std::string& path)
-    {
-        auto pixels = file.read();
-        if (!file.getDamage().empty()) {
-            report.notes.push_back(path + ": its pixels may be damaged (" + file.getDamage() + ")");
-        }
-        return pixels;
-    }
-
-    /// Another image, which has the size of the first.
-    Ptr<const BaseImage> readOther(const Options& options, const std::string& path, const std::string& role)
-    {
-        const TiffFile file{path, options.pages};
-        const image::ImageGeometry& size = image->getGeometry();
-        if (!(file.getGeometry() == size)) {
-            throw FileError{path + ": the " + (role == "mask" ? "mask" : "second image") + " has " +
-                            toString(file.getGeometry()) + ", but " + options.image + " has " + toString(size) +
-                            ": both need the same size"};
-        }
-        report.images.emplace_back(role, describeImage(path, file.getType(), size));
-        return readPixels(file, path);
-    }
-
-    Ptr<const BaseImage> image;
-    Ptr<const BaseImage> image2; ///< null: none
-    Ptr<const BaseImage> mask;   ///< null: none
-    Report report;
-};
 
 /// One row per element of a collection, with the coordinates of its plan or volume before its fields.
-std::vector<Json> listResults(const attr::BasePlanIndexedColl& collection, ePlanKind kind)
+std::vector<Json> listResults(const attr::BasePlanIndexedColl& collection, ePlanKind kind,
+                              const files::Position& origin)
 {
     std::vector<Json> rows;
     for (std::size_t i = 0; i < collection.size(); ++i) {
-        const image::PlanIndex& plan = collection.getPlan(i);
-        Json row = Json::object();
-        if (kind == ePlanKind::ePK_Plan2d) {
-            row["z"] = plan.z;
-        }
-        row["c"] = plan.c;
-        row["t"] = plan.t;
-        row["result"] = toJson(*collection.getElement(i));
-        rows.push_back(std::move(row));
+        rows.push_back(placeResult(collection.getPlan(i), kind, origin, *collection.getElement(i)));
     }
     return rows;
 }
@@ -148,12 +68,13 @@ void spreadResults(Report& report)
     }
 }
 
-/// The form of a measure that the options ask for.
+/// The form of a measure that the options ask for; that of the whole image where each plan or volume is one.
 const MeasureForm& chooseForm(const Measure& measure, const Options& options)
 {
-    const bool isMasked = !options.mask.empty();
+    const bool isMasked = !options.masks.empty();
     for (const MeasureForm& form : measure.forms) {
-        if ((options.per.empty() || form.per == options.per) && (isMasked ? form.takesMask() : !form.needsMask())) {
+        const bool covers = options.per.empty() || form.per == options.per || isOfWholeImages(measure);
+        if (covers && (isMasked ? form.takesMask() : !form.needsMask())) {
             return form;
         }
     }
@@ -272,21 +193,35 @@ const MeasureForm& findProjection(const Measure& measure, const Options& options
                          [&](const MeasureForm& form) { return form.function.starts_with(name); });
 }
 
-/// A profile of each plan of the image.
-void projectPlans(const MeasureForm& form, const Options& options, const Ptr<const BaseImage>& image, Report& report)
+/// Hands the images to a processor: all of them, or what lies in a plan or volume.
+void setImages(BaseProcessor& processor, const MeasureForm& form, const Options& options, const Inputs& inputs,
+               const std::optional<std::pair<image::PlanIndex, ePlanKind>>& part = {})
 {
-    const image::PlanRange plans{image->getGeometry(), ePlanKind::ePK_Plan2d};
-    const auto processor = form.create();
-    for (std::size_t i = 0; i < plans.size(); ++i) {
-        processor->getAttributes().front()->setImage(image->getSubImage(plans[i], ePlanKind::ePK_Plan2d));
-        processor->setParameter("stat", options.text("stat"));
-        executeSyncRun(processor);
-        report.results.push_back({{"z", plans[i].z},
-                                  {"c", plans[i].c},
-                                  {"t", plans[i].t},
-                                  {"result", toJson(*processor->getAttributes().back()->getRecord())}});
+    bool isFirst = true;
+    for (const MeasureInput& input : form.inputs) {
+        auto image = input.isMask ? inputs.mask : isFirst ? inputs.image : inputs.image2;
+        isFirst = false;
+        if (image && part) {
+            image = image->getSubImage(part->first, part->second);
+        }
+        processor.getAttribute(input.name).setImage(options.gpu ? placeOnGpu(image) : image);
     }
-    spreadResults(report);
+}
+
+/// A result for each plan or volume, of a form that knows single images only.
+template <class Prepare>
+void measureParts(const MeasureForm& form, const Options& options, const Inputs& inputs, ePlanKind kind,
+                  Prepare prepare, Report& report)
+{
+    const image::PlanRange parts{inputs.image->getGeometry(), kind};
+    const auto processor = form.create();
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        setImages(*processor, form, options, inputs, std::pair{parts[i], kind});
+        prepare(*processor);
+        executeSyncRun(processor);
+        report.results.push_back(
+            placeResult(parts[i], kind, inputs.origin, *processor->getAttributes().back()->getRecord()));
+    }
 }
 
 /// The pixels of a projection that its type could not hold. `inFloat` makes the projection again; only where pixels are
@@ -320,9 +255,21 @@ std::size_t countLimited(const BaseImage& output, eImageBufferType inputType, co
     return limited;
 }
 
-/// The image's projection along z or the time, written to a file.
-void projectStack(const MeasureForm& form, const Options& options, const Ptr<const BaseImage>& image, Report& report)
+/// What a projection keeps of what the file said: not the scale of numbers that are no values of pixels.
+ImageFacts describeProjection(const Options& options, const ImageFacts& facts)
 {
+    ImageFacts kept = facts;
+    const std::string statistic = options.text("stat");
+    if (statistic == "stddev" || statistic == "var" || statistic == "sum") {
+        kept.scale = {};
+    }
+    return kept;
+}
+
+/// The image's projection along z or the time, written to a file.
+void projectStack(const MeasureForm& form, const Options& options, const Inputs& inputs, Report& report)
+{
+    const Ptr<const BaseImage>& image = inputs.image;
     image::ImageGeometry size = image->getGeometry();
     (options.axis == "z" ? size.z : size.t) = 1;
     const auto type = image::findImageBufferType(options.outType).value_or(image->getType());
@@ -343,9 +290,9 @@ void projectStack(const MeasureForm& form, const Options& options, const Ptr<con
                                std::to_string(size.nbPixels()) + " pixels were limited to the range of " +
                                image::getName(type) + ": pass --out-type float32 to keep them");
     }
-    writeTiff(options.output, *output);
+    files::writeTiff(options.output, *output, describeProjection(options, inputs.facts));
     Json row{{"output", options.output}};
-    row.update(describeImage(options.output, type, size));
+    row.update(describeImage(options.output, image::getName(type), size));
     row.erase("path");
     report.results = {row};
 }
@@ -365,7 +312,7 @@ Ptr<const attr::HistoMsrParams> makeParams(const Options& options, const BaseIma
         params->Min = *options.number("min");
         params->Max = *options.number("max");
         if (params->Min < lowest || params->Max > highest) {
-            throw UsageError{options.image + ": --min and --max of " + image::getName(image.getType()) +
+            throw UsageError{options.image.name + ": --min and --max of " + image::getName(image.getType()) +
                              " pixels lie from " + toJson(lowest).dump() + " to " + toJson(highest).dump()};
         }
         params->MinMaxDefinition = attr::eMinMaxDefinition::eMMD_UserDefinedMinMax;
@@ -377,14 +324,7 @@ Ptr<const attr::HistoMsrParams> makeParams(const Options& options, const BaseIma
 
 Report runInfo(const Options& options)
 {
-    if (options.gpu) {
-        return {"info", {}, {describeGpu()}};
-    }
-    const TiffFile file{options.image, options.pages};
-    Json row = describeImage(options.image, file.getType(), file.getGeometry());
-    row.erase("path");
-    row["bytes"] = file.getGeometry().nbPixels() * image::getPixelSize(file.getType());
-    return {"info", {{"image", describeImage(options.image, file.getType(), file.getGeometry())}}, {row}};
+    return options.gpu ? Report{"info", {}, {describeGpu()}} : describeFile(options);
 }
 
 namespace
@@ -427,8 +367,8 @@ void setSample(BaseProcessor& processor, const Options& options, const Inputs&)
 void checkTypes(BaseProcessor&, const Options& options, const Inputs& inputs)
 {
     if (inputs.image->getType() != inputs.image2->getType()) {
-        throw FileError{options.image2 + ": it is " + image::getName(inputs.image2->getType()) + ", but " +
-                        options.image + " is " + image::getName(inputs.image->getType()) +
+        throw FileError{options.image2.name + ": it is " + image::getName(inputs.image2->getType()) + ", but " +
+                        options.image.name + " is " + image::getName(inputs.image->getType()) +
                         ": both need the same pixel type"};
     }
 }
@@ -437,7 +377,7 @@ void checkLabels(BaseProcessor&, const Options& options, const Inputs& inputs)
 {
     if (!image::binaryOrLabelTypes.contains(inputs.image->getType())) {
         throw FileError{
-            options.image + ": it is " + image::getName(inputs.image->getType()) +
+            options.image.name + ": it is " + image::getName(inputs.image->getType()) +
             ", and percent takes uint8, uint16 or uint32 labels, or a binary image: pass --binary to read any "
             "pixel that is not 0 as set"};
     }
@@ -446,7 +386,7 @@ void checkLabels(BaseProcessor&, const Options& options, const Inputs& inputs)
 void setLimit(BaseProcessor& processor, const Options& options, const Inputs& inputs)
 {
     if (inputs.image->getType() != eImageBufferType::eIBT_Binary) {
-        throw FileError{options.image + ": it is " + image::getName(inputs.image->getType()) +
+        throw FileError{options.image.name + ": it is " + image::getName(inputs.image->getType()) +
                         ", and locate takes a binary image: pass --binary to read any pixel that is not 0 as set"};
     }
     // The library's own may wrap.
@@ -497,6 +437,37 @@ void finishSimilarity(const Options& options, const Inputs&, Report& report)
     }
 }
 
+/// Positions are those of the whole image.
+void finishLocate(const Options&, const Inputs& inputs, Report& report)
+{
+    const std::size_t origin[] = {inputs.origin.x, inputs.origin.y, inputs.origin.z};
+    for (Json& row : report.results) {
+        for (Json& at : row["Coordinates"]) {
+            for (std::size_t axis = 0; axis < at.size(); ++axis) {
+                at[axis] = at[axis].get<double>() + static_cast<double>(origin[axis]);
+            }
+        }
+    }
+}
+
+/// The surface of the positions in the whole image: a (x - x0)^2 + ... with all brackets opened.
+void finishFit(const Options&, const Inputs& inputs, Report& report)
+{
+    const auto x0 = static_cast<double>(inputs.origin.x);
+    const auto y0 = static_cast<double>(inputs.origin.y);
+    for (Json& row : report.results) {
+        Json& fit = row["Coefficients"];
+        if ((x0 == 0 && y0 == 0) ||
+            !std::all_of(fit.begin(), fit.end(), [](const Json& each) { return each.is_number(); })) {
+            continue;
+        }
+        const double a = fit["a"], b = fit["b"], c = fit["c"], d = fit["d"], e = fit["e"], f = fit["f"];
+        fit["d"] = d - 2 * a * x0 - c * y0;
+        fit["e"] = e - 2 * b * y0 - c * x0;
+        fit["f"] = f + a * x0 * x0 + b * y0 * y0 + c * x0 * y0 - d * x0 - e * y0;
+    }
+}
+
 /// Where a measure on files differs from what follows from its description.
 struct Difference
 {
@@ -514,8 +485,8 @@ constexpr Difference differences[] = {
     {.verb = "kde", .prepare = &setSample},
     {.verb = "count", .finish = &finishCount},
     {.verb = "percent", .takesBinary = true, .prepare = &checkLabels},
-    {.verb = "locate", .takesBinary = true, .prepare = &setLimit},
-    {.verb = "paraboloid", .keepsApart = true},
+    {.verb = "locate", .takesBinary = true, .prepare = &setLimit, .finish = &finishLocate},
+    {.verb = "paraboloid", .keepsApart = true, .finish = &finishFit},
     {.verb = "pearson", .finish = &finishPearson},
     {.verb = "similarity", .prepare = &checkTypes, .finish = &finishSimilarity},
 };
@@ -529,34 +500,35 @@ Report runMeasure(const Measure& measure, const Options& options)
     const Difference difference = found == std::end(differences) ? Difference{} : *found;
     const Inputs inputs{options, difference.takesBinary};
     const MeasureForm& form = chooseForm(measure, options);
-    const Ptr<BaseProcessor> processor = form.create();
-    bool isFirst = true;
-    for (const MeasureInput& input : form.inputs) {
-        const auto& image = input.isMask ? inputs.mask : isFirst ? inputs.image : inputs.image2;
-        isFirst = false;
-        processor->getAttribute(input.name).setImage(options.gpu ? placeOnGpu(image) : image);
-    }
-    if (difference.prepare != nullptr) {
-        difference.prepare(*processor, options, inputs);
-    } else {
+    const auto prepare = [&](BaseProcessor& processor) {
+        if (difference.prepare != nullptr) {
+            difference.prepare(processor, options, inputs);
+            return;
+        }
         for (const attr::Parameter& parameter : measure.parameters) {
             const std::string option = parameter.info.option;
             if (options.has(option)) {
-                processor->setParameter(option, parameter.info.enumerators.empty()
-                                                    ? data::Value{*options.number(option)}
-                                                    : data::Value{options.text(option)});
+                processor.setParameter(option, parameter.info.enumerators.empty() ? data::Value{*options.number(option)}
+                                                                                  : data::Value{options.text(option)});
             }
         }
-    }
-    executeSyncRun(processor);
-
+    };
     Report report = inputs.report;
     report.measure = form.function;
-    const attr::BaseAttribute& output = *processor->getAttributes().back();
-    if (const auto* const collection = output.getCollection()) {
-        report.results = listResults(*collection, processor->getAttributes().front()->getPlanKind());
+    if (!options.per.empty() && options.per != form.per) {
+        measureParts(form, options, inputs, options.per == "plan" ? ePlanKind::ePK_Plan2d : ePlanKind::ePK_Volume3d,
+                     prepare, report);
     } else {
-        report.results = {{{"result", toJson(*output.getRecord())}}};
+        const Ptr<BaseProcessor> processor = form.create();
+        setImages(*processor, form, options, inputs);
+        prepare(*processor);
+        executeSyncRun(processor);
+        const attr::BaseAttribute& output = *processor->getAttributes().back();
+        if (const auto* const collection = output.getCollection()) {
+            report.results = listResults(*collection, processor->getAttributes().front()->getPlanKind(), inputs.origin);
+        } else {
+            report.results = {{{"result", toJson(*output.getRecord())}}};
+        }
     }
     if (difference.keepsApart) {
         for (Json& row : report.results) { // from the plan, which has a c as well
@@ -572,17 +544,34 @@ Report runMeasure(const Measure& measure, const Options& options)
     return report;
 }
 
+bool isOfWholeImages(const Measure& measure)
+{
+    return std::all_of(measure.forms.begin(), measure.forms.end(),
+                       [](const MeasureForm& form) { return form.per == "image"; });
+}
+
 Report runProject(const Measure& measure, const Options& options)
 {
     const bool isProfile = options.axis == "x" || options.axis == "y";
     if (!isProfile) {
-        checkOutputPath(options.output, options.image);
+        for (const std::string& file : options.image.files) {
+            files::checkOutputPath(options.output, file);
+        }
     }
-    Inputs inputs{options};
+    const Inputs inputs{options};
     const MeasureForm& form = findProjection(measure, options);
-    inputs.report.measure = form.function;
-    (isProfile ? projectPlans : projectStack)(form, options, inputs.image, inputs.report);
-    return inputs.report;
+    Report report = inputs.report;
+    report.measure = form.function;
+    if (isProfile) {
+        report.firstIndex = options.axis == "x" ? inputs.origin.x : inputs.origin.y;
+        measureParts(
+            form, options, inputs, ePlanKind::ePK_Plan2d,
+            [&](BaseProcessor& processor) { processor.setParameter("stat", options.text("stat")); }, report);
+        spreadResults(report);
+    } else {
+        projectStack(form, options, inputs, report);
+    }
+    return report;
 }
 
 } // namespace orlix::app

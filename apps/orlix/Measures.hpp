@@ -10,6 +10,9 @@
 namespace orlix::app
 {
 
+/// Whether it knows whole images only: each plan or volume is measured as one then.
+bool isOfWholeImages(const imaproc::Measure& measure);
+
 Report runInfo(const Options& options);
 Report runMeasure(const imaproc::Measure& measure, const Options& options);
 /// Along an axis: profiles, or an image that is written.

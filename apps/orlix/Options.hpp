@@ -1,25 +1,45 @@
 #pragma once
 
+#include <files/ImageFile.hpp>
+
 #include <cstdlib>
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace orlix::app
 {
 
+/// An image of a command line: a file, or several that are stacked.
+struct ImageArgument
+{
+    std::string name; ///< as a report calls it
+    std::vector<std::string> files{};
+    std::string folder{}; ///< that it was found in; empty: it was named itself
+    std::string fault{};  ///< why there is none
+};
+
 /// The options of the command line, as they were given.
 struct Options
 {
-    std::string image;
-    std::string image2;
-    std::string mask;
-    std::string pages;
-    std::string per; ///< empty: the verb's default
+    std::vector<std::string> images; ///< words: files, folders and patterns
+    std::string others;              ///< the same for the second image
+    ImageArgument image;             ///< what is measured now
+    ImageArgument image2;
+    ImageArgument mask;
+    std::string masks; ///< a word, for one mask or one for each image; empty: none
+    std::string per;   ///< empty: the verb's default
     std::string isa;
     std::string axis;
     std::string output;  ///< a file
     std::string outType; ///< empty: the image's type
+    std::string plane;
+    std::string region;
+    std::string stack; ///< an axis
+    std::string as;    ///< a pixel type
+    files::OpenOptions open{};
+    files::Part part{}; ///< what `plane` and `region` say
     std::optional<unsigned> seed;
     std::optional<double> peak;
     std::map<std::string, std::string> parameters; ///< of the measure, by their options; empty where not given
@@ -27,6 +47,7 @@ struct Options
     bool gpu = false;
     unsigned threads = 0;
     bool json = false;
+    bool csv = false;
     bool quiet = false;
 
     bool has(const std::string& parameter) const { return !text(parameter).empty(); }

@@ -46,23 +46,10 @@ Json toJson(const data::BaseDataItem& record)
     return object;
 }
 
-Json describeImage(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& geometry)
+Json describeImage(const std::string& path, const std::string& type, const image::ImageGeometry& geometry)
 {
-    return {{"path", path},    {"type", image::getName(type)},
-            {"x", geometry.x}, {"y", geometry.y},
-            {"z", geometry.z}, {"c", geometry.c},
-            {"t", geometry.t}};
-}
-
-std::string printJson(const Report& report)
-{
-    Json document;
-    document["measure"] = report.measure;
-    for (const auto& [name, image] : report.images) {
-        document[name] = image;
-    }
-    document["results"] = report.results;
-    return document.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+    return {{"path", path},    {"type", type},    {"x", geometry.x}, {"y", geometry.y},
+            {"z", geometry.z}, {"c", geometry.c}, {"t", geometry.t}};
 }
 
 namespace
@@ -99,46 +86,277 @@ std::string printCell(const Json& value)
     return value.dump();
 }
 
-} // namespace
-
-std::string printTable(const Report& report)
+/// A cell of CSV as programs read it; `isUnknown`: null is nothing, not NaN.
+std::string printCsvCell(const Json& value, bool isUnknown)
 {
     std::string text;
-    for (const auto& [name, image] : report.images) {
-        const auto side = [&image = image](const char* axis) { return image[axis].get<std::size_t>(); };
-        text += printCell(image["path"]) + ": " + printCell(image["type"]) + ", " +
-                toString(image::ImageGeometry{side("x"), side("y"), side("z"), side("c"), side("t")}) + "\n";
+    if (value.is_null()) {
+        return isUnknown ? "" : "nan";
     }
-    if (report.results.empty()) {
+    if (value.is_string()) {
+        text = value.get<std::string>();
+        if (text == "Infinity" || text == "-Infinity") {
+            return text[0] == '-' ? "-inf" : "inf";
+        }
+    } else if (value.is_array()) {
+        for (const Json& each : value) {
+            text.append(text.empty() ? "" : "; ").append(printCsvCell(each, isUnknown));
+        }
+    } else {
+        text = value.dump();
+    }
+    if (text.find_first_of(",\"\r\n") == std::string::npos) {
         return text;
     }
-    std::vector<std::vector<std::string>> rows(1);
-    std::vector<bool> isText;
-    for (const auto& [key, value] : report.results.front().items()) {
-        rows[0].push_back(key);
-        isText.push_back(value.is_string() || value.is_array());
+    std::string quoted = "\"";
+    for (const char c : text) {
+        quoted += c == '"' ? "\"\"" : std::string{c};
     }
-    for (const Json& result : report.results) {
-        rows.emplace_back();
-        for (const auto& [key, value] : result.items()) {
-            rows.back().push_back(printCell(value));
+    return quoted + "\"";
+}
+
+/// The fields of objects as fields of the row: Coefficients.a.
+Json flatten(const Json& row)
+{
+    Json flat = Json::object();
+    for (const auto& [key, value] : row.items()) {
+        if (!value.is_object()) {
+            flat[key] = value;
+            continue;
+        }
+        for (const auto& [inner, each] : value.items()) {
+            std::string name = key;
+            flat[name.append(".").append(inner)] = each;
         }
     }
-    std::vector<std::size_t> widths(rows[0].size(), 0);
-    for (const auto& row : rows) {
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], row[i].size());
+    return flat;
+}
+
+/// A result that is a vector as a row for every element: of a histogram its bins, of positions one each.
+std::vector<Json> spread(const Json& result, std::size_t firstIndex)
+{
+    const auto without = [&](std::initializer_list<const char*> fields) {
+        Json row = result;
+        for (const char* const field : fields) {
+            row.erase(field);
+        }
+        return row;
+    };
+    std::vector<Json> rows;
+    if (result.contains("Frequencies")) {
+        const bool isKnown = result["Min"].is_number() && result["BinWidth"].is_number();
+        const double min = isKnown ? result["Min"].get<double>() : 0;
+        const double width = isKnown ? result["BinWidth"].get<double>() : 0;
+        for (std::size_t i = 0; i < result["Frequencies"].size(); ++i) {
+            Json row = without({"Min", "Max", "BinWidth", "Frequencies"});
+            row["from"] = isKnown ? toJson(min + static_cast<double>(i) * width) : result["Min"];
+            row["to"] = isKnown ? toJson(min + static_cast<double>(i + 1) * width) : result["Max"];
+            row["frequency"] = result["Frequencies"][i];
+            rows.push_back(std::move(row));
+        }
+        return rows;
+    }
+    if (result.contains("Coordinates")) {
+        for (const Json& at : result["Coordinates"]) {
+            Json row = without({"Coordinates"});
+            for (std::size_t i = 0; i < at.size(); ++i) {
+                row[std::string{"xyz"[i]}] = at[i];
+            }
+            rows.push_back(std::move(row));
+        }
+        return rows;
+    }
+    for (const char* const vector : {"Values", "Samples"}) {
+        if (result.contains(vector)) {
+            for (std::size_t i = 0; i < result[vector].size(); ++i) {
+                Json row = without({vector});
+                row["index"] = i + firstIndex;
+                row["value"] = result[vector][i];
+                rows.push_back(std::move(row));
+            }
+            return rows;
+        }
+    }
+    return {flatten(result)};
+}
+
+/// The columns of rows that there are none of: of an image without any set pixel, say.
+std::vector<std::string> nameColumns(const Json& result)
+{
+    std::vector<std::string> columns;
+    for (const auto& [key, value] : result.items()) {
+        if (key == "Coordinates") {
+            columns.insert(columns.end(), {"x", "y"});
+            if (!result.contains("z")) {
+                columns.emplace_back("z");
+            }
+        } else if (key == "Values" || key == "Samples") {
+            columns.insert(columns.end(), {"index", "value"});
+        } else {
+            columns.push_back(key);
+        }
+    }
+    return columns;
+}
+
+/// Takes away what is not known.
+void omitUnknown(Json& row)
+{
+    for (auto field = row.begin(); field != row.end();) {
+        if (field->is_object()) {
+            omitUnknown(*field);
+        }
+        if (field->is_null() || (field->is_object() && field->empty())) {
+            field = row.erase(field);
+        } else {
+            ++field;
+        }
+    }
+}
+
+std::string describe(const Json& image)
+{
+    const auto side = [&](const char* axis) { return image[axis].get<std::size_t>(); };
+    std::string text = printCell(image["path"]);
+    return text.append(": ")
+        .append(printCell(image["type"]))
+        .append(", ")
+        .append(toString(image::ImageGeometry{side("x"), side("y"), side("z"), side("c"), side("t")}));
+}
+
+} // namespace
+
+ReportPrinter::ReportPrinter(std::ostream& output, Form form, ForPeople forPeople, bool isForSeveral)
+    : output_{output}, form_{form}, forPeople_{forPeople}, isForSeveral_{isForSeveral}
+{}
+
+void ReportPrinter::print(Report report)
+{
+    if (form_ == Form::Csv) {
+        printCsv(report);
+        return;
+    }
+    for (Json& row : report.results) {
+        if (report.omitsUnknown) {
+            omitUnknown(row);
+        }
+    }
+    if (form_ == Form::JsonLines) {
+        Json document;
+        document["measure"] = report.measure;
+        for (const auto& [name, image] : report.images) {
+            document[name] = image;
+        }
+        document["results"] = report.results;
+        output_ << document.dump(-1, ' ', false, Json::error_handler_t::replace) << "\n" << std::flush;
+        return;
+    }
+    if (forPeople_ != nullptr) {
+        forPeople_(report);
+    }
+    if (!isForSeveral_) {
+        for (const auto& [name, image] : report.images) {
+            output_ << describe(image) << "\n";
+        }
+        printTable(report.results);
+        return;
+    }
+    for (const Json& row : report.results) {
+        Json named = Json::object();
+        for (const auto& [name, image] : report.images) {
+            if (name != "mask") {
+                named[name == "image" ? "path" : "path2"] = image["path"];
+            }
+        }
+        named.update(row);
+        rows_.push_back(std::move(named));
+    }
+}
+
+void ReportPrinter::finish()
+{
+    printTable(rows_);
+    rows_.clear();
+}
+
+void ReportPrinter::printCsv(const Report& report)
+{
+    Json prefix = Json::object();
+    for (const auto& [name, image] : report.images) {
+        if (name != "mask") {
+            prefix[name == "image" ? "path" : "path2"] = image["path"];
+        }
+    }
+    const auto printLine = [&](const auto& cells, auto print) {
+        std::string line;
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            line.append(i == 0 ? "" : ",").append(print(cells[i]));
+        }
+        output_ << line << "\r\n";
+    };
+    for (const Json& result : report.results) {
+        const std::vector<Json> rows = spread(result, report.firstIndex);
+        if (columns_.empty()) {
+            Json all = prefix;
+            if (rows.empty()) {
+                for (const std::string& column : nameColumns(result)) {
+                    all[column] = nullptr;
+                }
+            } else {
+                all.update(rows.front());
+            }
+            for (const auto& [key, value] : all.items()) {
+                columns_.push_back(key);
+            }
+            printLine(columns_, [](const std::string& name) { return printCsvCell(name, false); });
+        }
+        for (const Json& row : rows) {
+            printLine(columns_, [&](const std::string& name) {
+                return prefix.contains(name) ? printCsvCell(prefix[name], true)
+                       : row.contains(name)  ? printCsvCell(row[name], report.omitsUnknown)
+                                             : std::string{};
+            });
+        }
+    }
+    output_ << std::flush;
+}
+
+void ReportPrinter::printTable(const std::vector<Json>& results)
+{
+    if (results.empty()) {
+        return;
+    }
+    std::vector<std::string> columns;
+    for (const Json& row : results) { // all alike, but for fields that are not known
+        for (const auto& [key, value] : row.items()) {
+            if (std::find(columns.begin(), columns.end(), key) == columns.end()) {
+                columns.push_back(key);
+            }
+        }
+    }
+    std::vector<std::vector<std::string>> rows{columns};
+    std::vector<bool> isText(columns.size(), false);
+    std::vector<std::size_t> widths;
+    for (const std::string& column : columns) {
+        widths.push_back(column.size());
+    }
+    for (const Json& row : results) {
+        rows.emplace_back();
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            const bool has = row.contains(columns[i]);
+            rows.back().push_back(has ? printCell(row[columns[i]]) : std::string{});
+            isText[i] = isText[i] || (has && (row[columns[i]].is_string() || row[columns[i]].is_array()));
+            widths[i] = std::max(widths[i], rows.back()[i].size());
         }
     }
     for (const auto& row : rows) {
         std::string line;
         for (std::size_t i = 0; i < row.size(); ++i) {
             const std::string padding(widths[i] - row[i].size(), ' ');
-            line += (i == 0 ? "" : "  ") + (isText[i] ? row[i] + padding : padding + row[i]);
+            line.append(i == 0 ? "" : "  ").append(isText[i] ? row[i] + padding : padding + row[i]);
         }
-        text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+        output_ << line.substr(0, line.find_last_not_of(' ') + 1) << "\n";
     }
-    return text;
 }
 
 } // namespace orlix::app

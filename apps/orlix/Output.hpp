@@ -2,10 +2,10 @@
 
 #include <framework/data/DataItem.hpp>
 #include <framework/image/Geometry.hpp>
-#include <framework/image/PixelType.hpp>
 
 #include <nlohmann/json.hpp>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -14,13 +14,16 @@ namespace orlix::app
 
 using Json = nlohmann::ordered_json;
 
-/// What a command has to say, in the form that both JSON and tables are made of.
+/// What a command has to say of an image, in the form that JSON, CSV and tables are made of.
 struct Report
 {
     std::string measure;
     std::vector<std::pair<std::string, Json>> images; ///< "image", "mask", "image2" and what they are
     std::vector<Json> results;                        ///< one object each, with the same fields
     std::vector<std::string> notes{};                 ///< what a user should know and did not ask for
+    std::vector<std::string> members{};               ///< other files that the image lies in
+    std::size_t firstIndex = 0;                       ///< of the elements of vectors
+    bool omitsUnknown = false;                        ///< fields that are null are not known, instead of NaN
 };
 
 /// A number as JSON: NaN is null, infinities are "Infinity" and "-Infinity".
@@ -31,11 +34,38 @@ Json toJson(const data::Value& value, std::size_t columns = 1);
 /// The fields of a record, in the order of their declaration.
 Json toJson(const data::BaseDataItem& record);
 
-Json describeImage(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& geometry);
+Json describeImage(const std::string& path, const std::string& type, const image::ImageGeometry& geometry);
 
-/// One object on one line.
-std::string printJson(const Report& report);
-/// An aligned table for people.
-std::string printTable(const Report& report);
+/// Prints the reports of one command, image after image.
+class ReportPrinter
+{
+public:
+    enum class Form
+    {
+        Table,     ///< for people
+        JsonLines, ///< an object on a line for each image
+        Csv
+    };
+    using ForPeople = void (*)(Report&);
+
+    /// `forPeople` makes a table of a report that is one for machines; null: it is one. Of several images a table has a
+    /// column for their paths.
+    ReportPrinter(std::ostream& output, Form form, ForPeople forPeople, bool isForSeveral);
+
+    void print(Report report);
+    /// A table is complete only now.
+    void finish();
+
+private:
+    void printCsv(const Report& report);
+    void printTable(const std::vector<Json>& rows);
+
+    std::ostream& output_;
+    Form form_;
+    ForPeople forPeople_;
+    bool isForSeveral_;
+    std::vector<std::string> columns_; // of CSV
+    std::vector<Json> rows_;           // of a table of several images
+};
 
 } // namespace orlix::app

@@ -1,16 +1,13 @@
 #include <orlix/Commands.hpp>
 
-#include <cstdio>
+#include <iostream>
 
 int main(int argc, char** argv)
 {
-    std::string output;
-    std::string error;
-    const int status = orlix::app::runCommand(argc, argv, output, error);
-    std::fputs(error.c_str(), stderr);
-    std::fwrite(output.data(), 1, output.size(), stdout);
-    if (std::fflush(stdout) != 0) {
-        std::fputs("orlix: standard output cannot be written\n", stderr);
+    std::ios::sync_with_stdio(false);
+    const int status = orlix::app::runCommand(argc, argv, std::cout, std::cerr);
+    if (!std::cout.flush()) {
+        std::cerr << "orlix: standard output cannot be written\n";
         return 1;
     }
     return status;

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-namespace orlix::app
+namespace orlix::files
 {
 
 struct TiffCloser
@@ -28,4 +28,7 @@ TiffHandle openTiff(const std::string& path, const char* mode, TiffMessages& mes
 /// The name of a compression that this libtiff cannot read; null if it can.
 const char* nameUnreadableCompression(std::uint16_t compression);
 
-} // namespace orlix::app
+/// "none", "LZW", ...
+std::string nameCompression(std::uint16_t compression);
+
+} // namespace orlix::files

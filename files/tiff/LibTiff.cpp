@@ -1,10 +1,10 @@
-#include <orlix/LibTiff.hpp>
+#include <files/tiff/LibTiff.hpp>
 
 #include <array>
 #include <cstdarg>
 #include <cstdio>
 
-namespace orlix::app
+namespace orlix::files
 {
 
 namespace
@@ -71,4 +71,19 @@ const char* nameUnreadableCompression(std::uint16_t compression)
     }
 }
 
-} // namespace orlix::app
+std::string nameCompression(std::uint16_t compression)
+{
+    if (const char* const name = nameUnreadableCompression(compression)) {
+        return name;
+    }
+    if (compression == COMPRESSION_NONE) {
+        return "none";
+    }
+    if (compression == COMPRESSION_ADOBE_DEFLATE || compression == COMPRESSION_DEFLATE) {
+        return "Deflate";
+    }
+    const TIFFCodec* const codec = TIFFFindCODEC(compression);
+    return codec != nullptr ? codec->name : std::to_string(compression);
+}
+
+} // namespace orlix::files

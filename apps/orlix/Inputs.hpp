@@ -1,0 +1,37 @@
+#pragma once
+
+#include <orlix/Options.hpp>
+#include <orlix/Output.hpp>
+
+#include <framework/image/BaseImage.hpp>
+
+namespace orlix::app
+{
+
+/// The images that words of a command line stand for, in natural order where a word stands for several: a file, a
+/// pattern, a folder with all that it holds, or "-".
+std::vector<ImageArgument> listImages(const std::vector<std::string>& words);
+/// All of them as one image.
+ImageArgument stackImages(const std::vector<ImageArgument>& images, const std::vector<std::string>& words);
+
+/// Parses --plane and --region. Throws UsageError.
+files::Part parsePart(const std::string& plane, const std::string& region);
+
+/// What an image says of itself, without its pixels, and of several the first one.
+Report describeFile(const Options& options);
+
+/// The images of one result, with what a report says of them.
+struct Inputs
+{
+    /// A binary image stays one where the measure knows them. Throws FileError.
+    explicit Inputs(const Options& options, bool takesBinary = false);
+
+    Ptr<const image::BaseImage> image;
+    Ptr<const image::BaseImage> image2; ///< null: none
+    Ptr<const image::BaseImage> mask;   ///< null: none
+    files::ImageFacts facts;            ///< of the image
+    files::Position origin{};           ///< of the part that is measured, in the image
+    Report report;
+};
+
+} // namespace orlix::app

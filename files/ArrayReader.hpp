@@ -1,0 +1,58 @@
+#pragma once
+
+#include <files/Bytes.hpp>
+#include <files/Format.hpp>
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orlix::files
+{
+
+/// What the dimensions of an array are.
+struct ArrayAxes
+{
+    static constexpr std::size_t none = ~std::size_t{0};
+
+    std::string letters;                     ///< slowest first
+    std::string rule;                        ///< what gave them
+    std::array<std::size_t, 5> dimensions{}; ///< of x, y, z, c and t; `none` where the array lacks the axis
+
+    image::ImageGeometry getGeometry(const std::vector<std::uint64_t>& sizes) const;
+};
+
+/// Finds the axes of an array whose sizes are told slowest first: those of the options, else those that the file states
+/// (letters as in "TCZYX", S for samples, which are channels), else those that go with the number of dimensions: YX,
+/// ZYX, CZYX, TCZYX. Letters of no axis may stand where the size is 1. Throws FileError or OptionError.
+ArrayAxes findArrayAxes(const Source& source, const std::vector<std::uint64_t>& sizes, const std::string& stated,
+                        const std::string& statedBy);
+
+/// Pixels that lie one after the other in bytes.
+struct PixelArray
+{
+    ImageFacts facts;                   ///< but for geometry and axes
+    std::vector<std::uint64_t> sizes{}; ///< slowest first
+    bool fastestFirst = false;          ///< the first dimension is the one whose elements touch
+    std::string axes{};                 ///< letters of the dimensions, as the file states them; empty: it does not
+    std::string axesBy{};               ///< what stated them
+    std::uint64_t offset = 0;
+    bool isSwapped = false; ///< the bytes of a pixel lie the other way round than in this machine
+    std::unique_ptr<Bytes> bytes{};
+    std::uint64_t available = UINT64_MAX; ///< bytes from the offset on, where they are known
+};
+
+/// Opens the bytes of an array that lies in one of these files, or in parts of one size in all of them: raw, or
+/// compressed by "gzip", "zlib" or "bzip2". They begin `skip` bytes behind the array's offset or, where it is -1, so
+/// far from the end that the pixels fit.
+void openPixels(const Source& source, PixelArray& array, const std::vector<std::string>& paths, std::int64_t skip,
+                const std::string& encoding);
+
+/// The reader of such pixels. Throws FileError where they are more than there are bytes.
+ReaderPtr readArray(const Source& source, PixelArray array);
+
+/// Notes for arrays whose last axis looks like colours and is taken for x; empty if it does not.
+std::string describeColourDoubt(const ArrayAxes& axes, const image::ImageGeometry& geometry);
+
+} // namespace orlix::files

@@ -1,0 +1,400 @@
+#include <files/ArrayReader.hpp>
+#include <files/HeaderText.hpp>
+
+#include <hdf5.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <bit>
+#include <utility>
+
+namespace orlix::files
+{
+
+namespace
+{
+
+/// An identifier of the library that is closed when it is gone.
+class Handle
+{
+public:
+    Handle(hid_t id, herr_t (*close)(hid_t)) : id_{id}, close_{close} {}
+    Handle(Handle&& other) noexcept : id_{std::exchange(other.id_, H5I_INVALID_HID)}, close_{other.close_} {}
+    Handle& operator=(Handle&& other) noexcept
+    {
+        std::swap(id_, other.id_);
+        std::swap(close_, other.close_);
+        return *this;
+    }
+    ~Handle()
+    {
+        if (id_ >= 0) {
+            close_(id_);
+        }
+    }
+
+    hid_t get() const { return id_; }
+    explicit operator bool() const { return id_ >= 0; }
+
+private:
+    hid_t id_;
+    herr_t (*close_)(hid_t);
+};
+
+std::vector<hsize_t> getSizes(hid_t dataset)
+{
+    const Handle space{::H5Dget_space(dataset), &::H5Sclose};
+    const int count = ::H5Sget_simple_extent_ndims(space.get());
+    std::vector<hsize_t> sizes(count > 0 ? static_cast<std::size_t>(count) : 0);
+    if (!sizes.empty()) {
+        ::H5Sget_simple_extent_dims(space.get(), sizes.data(), nullptr);
+    }
+    return sizes;
+}
+
+/// An attribute of any kind as texts, numbers among them as they are printed; none where there is no such attribute.
+std::vector<std::string> readAttribute(hid_t object, const char* name)
+{
+    if (::H5Aexists(object, name) <= 0) {
+        return {};
+    }
+    const Handle attribute{::H5Aopen(object, name, H5P_DEFAULT), &::H5Aclose};
+    const Handle type{::H5Aget_type(attribute.get()), &::H5Tclose};
+    const Handle space{::H5Aget_space(attribute.get()), &::H5Sclose};
+    const hssize_t points = ::H5Sget_simple_extent_npoints(space.get());
+    constexpr hssize_t most = 64;
+    if (points < 1 || points > most) {
+        return {};
+    }
+    const auto count = static_cast<std::size_t>(points);
+    std::vector<std::string> texts;
+    if (::H5Tget_class(type.get()) != H5T_STRING) {
+        std::vector<double> numbers(count);
+        if (::H5Aread(attribute.get(), H5T_NATIVE_DOUBLE, numbers.data()) >= 0) {
+            for (const double number : numbers) {
+                texts.push_back(nlohmann::json(number).dump());
+            }
+        }
+    } else if (::H5Tis_variable_str(type.get()) > 0) {
+        const Handle memory{::H5Tcopy(type.get()), &::H5Tclose};
+        std::vector<char*> strings(count, nullptr);
+        if (::H5Aread(attribute.get(), memory.get(), strings.data()) >= 0) {
+            for (const char* const string : strings) {
+                texts.emplace_back(string == nullptr ? "" : string);
+            }
+            ::H5Dvlen_reclaim(memory.get(), space.get(), H5P_DEFAULT, strings.data());
+        }
+    } else {
+        const std::size_t size = ::H5Tget_size(type.get());
+        std::string bytes(size * count, '\0');
+        if (::H5Aread(attribute.get(), type.get(), bytes.data()) >= 0) {
+            for (std::size_t i = 0; i < count; ++i) {
+                texts.emplace_back(bytes.substr(i * size, size).c_str());
+            }
+        }
+    }
+    return texts;
+}
+
+/// The type of a dataset's elements; none if they are no numbers.
+std::optional<StoredType> findType(hid_t dataset)
+{
+    const Handle type{::H5Dget_type(dataset), &::H5Tclose};
+    const std::size_t size = ::H5Tget_size(type.get());
+    switch (::H5Tget_class(type.get())) {
+    case H5T_INTEGER:
+        return findStoredType(::H5Tget_sign(type.get()) == H5T_SGN_NONE ? NumberKind::Unsigned : NumberKind::Signed,
+                              std::bit_ceil(size));
+    case H5T_FLOAT:
+        return findStoredType(NumberKind::Float, size);
+    case H5T_ENUM: // of FALSE and TRUE, as truth values are written
+        return size == 1 && ::H5Tget_nmembers(type.get()) == 2 ? std::optional{StoredType::Binary} : std::nullopt;
+    default:
+        return std::nullopt;
+    }
+}
+
+bool isImage(hid_t dataset)
+{
+    const auto sizes = getSizes(dataset);
+    const auto kind = readAttribute(dataset, "CLASS");
+    return sizes.size() >= 2 && findType(dataset) && !(kind.size() == 1 && kind[0] == "DIMENSION_SCALE");
+}
+
+/// The datasets below a group that may be images.
+std::vector<std::string> listImages(hid_t group, const std::string& prefix)
+{
+    struct Found
+    {
+        const std::string& prefix;
+        std::vector<std::string> paths{};
+    } found{prefix};
+    const auto visit = [](hid_t from, const char* name, const H5O_info_t* info, void* data) -> herr_t {
+        if (info->type == H5O_TYPE_DATASET) {
+            const Handle dataset{::H5Dopen2(from, name, H5P_DEFAULT), &::H5Dclose};
+            if (dataset && isImage(dataset.get())) {
+                auto& all = *static_cast<Found*>(data);
+                all.paths.push_back(all.prefix + "/" + name);
+            }
+        }
+        return 0;
+    };
+    ::H5Ovisit2(group, H5_INDEX_NAME, H5_ITER_INC, visit, &found, H5O_INFO_BASIC);
+    return found.paths;
+}
+
+std::string describeDataset(hid_t file, const std::string& path)
+{
+    const Handle dataset{::H5Dopen2(file, path.c_str(), H5P_DEFAULT), &::H5Dclose};
+    std::string text = path + " (";
+    for (const hsize_t size : getSizes(dataset.get())) {
+        text += (text.back() == '(' ? "" : " x ") + std::to_string(size);
+    }
+    const auto type = findType(dataset.get());
+    return text + (type ? std::string{" "} + getName(*type) : "") + ")";
+}
+
+/// The letters that a dataset gives its dimensions, and what gave them.
+std::pair<std::string, std::string> findLetters(hid_t dataset)
+{
+    std::string letters;
+    if (const auto tags = readAttribute(dataset, "axistags"); tags.size() == 1) {
+        const auto json = nlohmann::json::parse(tags[0], nullptr, false);
+        if (json.is_object() && json.contains("axes") && json["axes"].is_array()) {
+            for (const auto& axis : json["axes"]) {
+                const std::string key = axis.is_object() ? axis.value("key", "?") : "?";
+                letters += key.empty() ? '?' : key[0];
+            }
+            return {letters, "axistags"};
+        }
+    }
+    bool isNamed = false;
+    for (const std::string& label : readAttribute(dataset, "DIMENSION_LABELS")) {
+        letters += label.empty() ? '?' : label[0]; // "x", "Time", "channel"
+        isNamed = isNamed || !label.empty();
+    }
+    return isNamed ? std::pair{letters, std::string{"dimension labels"}} : std::pair<std::string, std::string>{};
+}
+
+class Hdf5Reader final : public ImageReader
+{
+public:
+    explicit Hdf5Reader(const Source& source)
+        : file_{::H5Fopen(source.path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), &::H5Fclose}
+    {
+        facts_ = source.describe("HDF5");
+        if (!file_) {
+            fail("it is a damaged HDF5 file, or one cut short");
+        }
+        openDataset(source);
+        const auto type = findType(dataset_.get());
+        if (!type) {
+            fail("its elements are no numbers, but records, texts or the like");
+        }
+        facts_.type = *type;
+        const std::vector<hsize_t> sizes = getSizes(dataset_.get());
+        const auto [letters, rule] = findLetters(dataset_.get());
+        axes_ = findArrayAxes(source, {sizes.begin(), sizes.end()}, letters, rule);
+        facts_.geometry = axes_.getGeometry({sizes.begin(), sizes.end()});
+        facts_.axes = axes_.letters;
+        facts_.axesRule = axes_.rule;
+        if (const std::string doubt = describeColourDoubt(axes_, facts_.geometry); !doubt.empty()) {
+            note(doubt);
+        }
+        findPixelSize();
+        const auto number = [&](const char* name, double otherwise) {
+            const auto texts = readAttribute(dataset_.get(), name);
+            return texts.size() == 1 ? std::strtod(texts[0].c_str(), nullptr) : otherwise;
+        };
+        facts_.scale = {number("scale_factor", 1), number("add_offset", 0)};
+        findStorage(sizes);
+    }
+
+    void read(const Box& box, const PixelTarget& target) override
+    {
+        const std::array<std::size_t, 5> begin{box.begin.x, box.begin.y, box.begin.z, box.begin.c, box.begin.t};
+        const std::array<std::size_t, 5> size{box.size.x, box.size.y, box.size.z, box.size.c, box.size.t};
+        const std::array<std::ptrdiff_t, 5> strides{static_cast<std::ptrdiff_t>(getPixelSize(facts_.type)),
+                                                    target.strides.y, target.strides.z, target.strides.c,
+                                                    target.strides.t};
+        std::vector<Dimension> dimensions(chunk_.size());
+        for (std::size_t axis = 0; axis < 5; ++axis) {
+            if (axes_.dimensions[axis] != ArrayAxes::none) {
+                dimensions[axes_.dimensions[axis]] = {begin[axis], size[axis], strides[axis]};
+            }
+        }
+        readBlock(dimensions, target.first);
+    }
+
+private:
+    struct Dimension
+    {
+        hsize_t begin = 0;
+        hsize_t count = 1;
+        std::ptrdiff_t stride = 0; // in the target
+    };
+
+    void openDataset(const Source& source)
+    {
+        std::string path = source.inner;
+        const std::string group = path.empty() ? "/" : path;
+        if (path.empty() || isGroup(path)) {
+            const Handle root{::H5Gopen2(file_.get(), group.c_str(), H5P_DEFAULT), &::H5Gclose};
+            const std::vector<std::string> paths = listImages(root.get(), group == "/" ? "" : group);
+            if (paths.empty()) {
+                fail("it holds no array of numbers with two dimensions or more");
+            }
+            for (const std::string& each : paths) {
+                facts_.series.push_back(describeDataset(file_.get(), each));
+            }
+            const std::size_t chosen = source.options.series.value_or(0);
+            if (chosen >= paths.size() || (paths.size() > 1 && !source.options.series && !source.options.listsSeries)) {
+                std::string list;
+                for (const std::string& each : facts_.series) {
+                    list += (list.empty() ? "" : "; ") + each;
+                }
+                fail("it holds " + std::to_string(paths.size()) + " arrays: name one as " + source.name + ":" +
+                     paths[0] + ", or pick one with --series (" + list + ")");
+            }
+            path = paths[chosen];
+            if (paths.size() == 1) {
+                facts_.series.clear();
+            }
+        }
+        constexpr std::size_t cacheBytes = std::size_t{64} << 20;
+        constexpr std::size_t cacheSlots = 12421;
+        const Handle access{::H5Pcreate(H5P_DATASET_ACCESS), &::H5Pclose};
+        ::H5Pset_chunk_cache(access.get(), cacheSlots, cacheBytes, 1);
+        dataset_ = Handle{::H5Dopen2(file_.get(), path.c_str(), access.get()), &::H5Dclose};
+        if (!dataset_) {
+            fail("there is no array " + path + " in it");
+        }
+    }
+
+    bool isGroup(const std::string& path) const
+    {
+        const Handle object{::H5Oopen(file_.get(), path.c_str(), H5P_DEFAULT), &::H5Oclose};
+        return object && ::H5Iget_type(object.get()) == H5I_GROUP;
+    }
+
+    void findPixelSize()
+    {
+        const auto sizes = readAttribute(dataset_.get(), "element_size_um"); // z, y, x
+        for (std::size_t i = 0; i < 3 && sizes.size() == 3; ++i) {
+            facts_.pixelSize[i] = std::strtod(sizes[2 - i].c_str(), nullptr);
+            facts_.unit = "um";
+        }
+    }
+
+    void findStorage(const std::vector<hsize_t>& sizes)
+    {
+        const Handle type{::H5Dget_type(dataset_.get()), &::H5Tclose};
+        const H5T_class_t kind = ::H5Tget_class(type.get());
+        if (kind == H5T_INTEGER) { // any precision becomes whole bytes
+            const hid_t natives[] = {H5T_NATIVE_UINT8,  H5T_NATIVE_INT8,  H5T_NATIVE_UINT16, H5T_NATIVE_INT16,
+                                     H5T_NATIVE_UINT32, H5T_NATIVE_INT32, H5T_NATIVE_UINT64, H5T_NATIVE_INT64};
+            const auto index = static_cast<std::size_t>(facts_.type);
+            constexpr auto wide = static_cast<std::size_t>(StoredType::UInt64);
+            memoryType_ = Handle{::H5Tcopy(natives[index >= wide ? index - wide + 6 : index]), &::H5Tclose};
+        } else {
+            memoryType_ = Handle{::H5Tcopy(type.get()), &::H5Tclose};
+            ::H5Tset_order(memoryType_.get(), ::H5Tget_order(H5T_NATIVE_INT));
+        }
+        const Handle creation{::H5Dget_create_plist(dataset_.get()), &::H5Pclose};
+        chunk_.assign(sizes.size(), 1);
+        if (::H5Pget_layout(creation.get()) == H5D_CHUNKED) {
+            ::H5Pget_chunk(creation.get(), static_cast<int>(chunk_.size()), chunk_.data());
+        }
+        const int filters = ::H5Pget_nfilters(creation.get());
+        for (int i = 0; i < filters; ++i) {
+            std::array<char, 64> name{};
+            unsigned flags = 0;
+            std::size_t values = 0;
+            const H5Z_filter_t filter = ::H5Pget_filter2(creation.get(), static_cast<unsigned>(i), &flags, &values,
+                                                         nullptr, name.size(), name.data(), nullptr);
+            if (::H5Zfilter_avail(filter) <= 0) {
+                fail(std::string{"its pixels are compressed with the filter \""} + name.data() + "\" (" +
+                     std::to_string(filter) + "), which this HDF5 library lacks: repack it, say with gzip");
+            }
+            if (filter != H5Z_FILTER_SHUFFLE && filter != H5Z_FILTER_FLETCHER32) {
+                facts_.compression = filter == H5Z_FILTER_DEFLATE ? "gzip" : name.data();
+            }
+        }
+    }
+
+    /// Reads a block at once where it is small or lies in the target as in the file, else in parts of whole chunks.
+    void readBlock(const std::vector<Dimension>& block, std::byte* to)
+    {
+        constexpr std::size_t mostAtOnce = std::size_t{64} << 20;
+        std::size_t bytes = getPixelSize(facts_.type);
+        bool touches = true;
+        for (std::size_t i = block.size(); i-- > 0;) {
+            touches = touches && (block[i].count == 1 || block[i].stride == static_cast<std::ptrdiff_t>(bytes));
+            bytes *= block[i].count;
+        }
+        if (touches) {
+            readHyperslab(block, to);
+            return;
+        }
+        const auto widest = std::find_if(block.begin(), block.end(), [](const Dimension& d) { return d.count > 1; });
+        const auto index = static_cast<std::size_t>(widest - block.begin());
+        if (bytes > mostAtOnce && widest->count > chunk_[index]) {
+            std::vector<Dimension> part = block;
+            const hsize_t end = widest->begin + widest->count;
+            const hsize_t middle =
+                (widest->begin + widest->count / 2 + chunk_[index] - 1) / chunk_[index] * chunk_[index];
+            if (middle < end) {
+                part[index].count = middle - widest->begin;
+                readBlock(part, to);
+                part[index] = {middle, end - middle, widest->stride};
+                readBlock(part, to + static_cast<std::ptrdiff_t>(middle - widest->begin) * widest->stride);
+                return;
+            }
+        }
+        std::vector<std::byte> buffer(bytes);
+        readHyperslab(block, buffer.data());
+        // Five axes at most are longer than one pixel.
+        std::array<Stretch, 5> axes{};
+        std::size_t next = 0;
+        auto from = static_cast<std::int64_t>(getPixelSize(facts_.type));
+        for (std::size_t i = block.size(); i-- > 0;) {
+            if (block[i].count > 1) {
+                axes[next++] = {block[i].count, from, block[i].stride};
+            }
+            from *= static_cast<std::int64_t>(block[i].count);
+        }
+        copyPixels(buffer.data(), to, getPixelSize(facts_.type), axes);
+    }
+
+    void readHyperslab(const std::vector<Dimension>& block, std::byte* to)
+    {
+        std::vector<hsize_t> begin;
+        std::vector<hsize_t> count;
+        for (const Dimension& dimension : block) {
+            begin.push_back(dimension.begin);
+            count.push_back(dimension.count);
+        }
+        const Handle inFile{::H5Dget_space(dataset_.get()), &::H5Sclose};
+        const Handle inMemory{::H5Screate_simple(static_cast<int>(count.size()), count.data(), nullptr), &::H5Sclose};
+        if (::H5Sselect_hyperslab(inFile.get(), H5S_SELECT_SET, begin.data(), nullptr, count.data(), nullptr) < 0 ||
+            ::H5Dread(dataset_.get(), memoryType_.get(), inMemory.get(), inFile.get(), H5P_DEFAULT, to) < 0) {
+            fail("its pixels cannot be read: the file is cut short or damaged");
+        }
+    }
+
+    Handle file_;
+    Handle dataset_{H5I_INVALID_HID, &::H5Dclose};
+    Handle memoryType_{H5I_INVALID_HID, &::H5Tclose};
+    std::vector<hsize_t> chunk_; // as many elements as are decoded together
+    ArrayAxes axes_;
+};
+
+} // namespace
+
+ReaderPtr openHdf5(const Source& source)
+{
+    ::H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr); // it prints otherwise
+    return std::make_unique<Hdf5Reader>(source);
+}
+
+} // namespace orlix::files

@@ -1,0 +1,409 @@
+#include <files/ImageFile.hpp>
+
+#include <files/Bytes.hpp>
+#include <files/Errors.hpp>
+#include <files/Nesting.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <functional>
+#include <unistd.h>
+
+namespace orlix::files
+{
+
+namespace fs = std::filesystem;
+
+namespace
+{
+
+/// Converts pixels while they are read.
+class ConvertedReader final : public ImageReader
+{
+public:
+    ConvertedReader(ReaderPtr inner, StoredType type, bool isScaled)
+        : inner_{std::move(inner)}, from_{inner_->getFacts().type}, isScaled_{isScaled}
+    {
+        facts_ = inner_->getFacts();
+        facts_.type = type;
+        facts_.convertedFrom = from_;
+        if (isScaled_) {
+            scale_ = facts_.scale;
+            facts_.scale = {};
+        }
+    }
+
+    void read(const Box& box, const PixelTarget& target) override
+    {
+        // A block of rows, with all samples, at a time.
+        const image::ImageGeometry& size = box.size;
+        const std::size_t pixelSize = getPixelSize(from_);
+        constexpr std::size_t blockBytes = std::size_t{4} << 20;
+        const std::size_t rows = std::clamp<std::size_t>(blockBytes / (size.x * size.c * pixelSize), 1, size.y);
+        std::vector<std::byte> block(rows * size.x * size.c * pixelSize);
+        for (std::size_t t = 0; t < size.t; ++t) {
+            for (std::size_t z = 0; z < size.z; ++z) {
+                for (std::size_t y = 0; y < size.y; y += rows) {
+                    const Box part{{box.begin.x, box.begin.y + y, box.begin.z + z, box.begin.c, box.begin.t + t},
+                                   {size.x, std::min(rows, size.y - y), 1, size.c, 1}};
+                    const auto strides = image::ImageStrides::contiguous(part.size, pixelSize);
+                    inner_->read(part, {block.data(), strides});
+                    forEachPlan(part, {block.data(), strides}, [&](const Position& at, const PixelTarget& plan) {
+                        for (std::size_t row = 0; row < part.size.y; ++row) {
+                            convert(plan.row(row), target.row(y + row, z, at.c - box.begin.c, t), size.x);
+                        }
+                    });
+                }
+            }
+        }
+        read_ += size.nbPixels();
+    }
+
+    std::vector<std::string> getNotes() const override
+    {
+        std::vector<std::string> notes = inner_->getNotes();
+        if (changed_ != 0) {
+            notes.push_back(facts_.path + ": " + std::to_string(changed_) + " of " + std::to_string(read_) +
+                            " pixels changed their value when they were converted from " + getName(from_) + " to " +
+                            getName(facts_.type));
+        }
+        return notes;
+    }
+
+private:
+    void convert(const std::byte* from, std::byte* to, std::size_t count)
+    {
+        if (!isScaled_) {
+            const std::size_t changed = convertPixels(from, from_, to, facts_.type, count);
+            changed_ += facts_.type == StoredType::Binary ? 0 : changed; // which tells 0 from all else
+            return;
+        }
+        scaled_.resize(count);
+        scalePixels(from, from_, scaled_.data(), count, scale_);
+        const std::size_t changed = convertPixels(reinterpret_cast<const std::byte*>(scaled_.data()),
+                                                  StoredType::Float64, to, facts_.type, count);
+        changed_ += facts_.type == StoredType::Float32 ? 0 : changed; // which rounds nearly all of them
+    }
+
+    ReaderPtr inner_;
+    StoredType from_;
+    bool isScaled_;
+    Scale scale_;
+    std::vector<double> scaled_;
+    std::uint64_t changed_ = 0;
+    std::uint64_t read_ = 0;
+};
+
+class PartReader final : public ImageReader
+{
+public:
+    PartReader(ReaderPtr inner, const Box& box) : inner_{std::move(inner)}, begin_{box.begin}
+    {
+        facts_ = inner_->getFacts();
+        facts_.geometry = box.size;
+    }
+
+    void read(const Box& box, const PixelTarget& target) override
+    {
+        const Position& at = box.begin;
+        inner_->read({{begin_.x + at.x, begin_.y + at.y, begin_.z + at.z, begin_.c + at.c, begin_.t + at.t}, box.size},
+                     target);
+    }
+    std::vector<std::string> getNotes() const override { return inner_->getNotes(); }
+
+private:
+    ReaderPtr inner_;
+    Position begin_;
+};
+
+/// Several images behind each other. Only the one that is being read is open.
+class StackReader final : public ImageReader
+{
+public:
+    StackReader(const std::vector<std::string>& paths, char axis, const OpenOptions& options)
+        : paths_{paths}, options_{options}, axis_{axis}
+    {
+        for (const std::string& path : paths_) {
+            open_ = openImage(path, options_);
+            const ImageFacts& facts = open_->getFacts();
+            if (ends_.empty()) {
+                facts_ = facts;
+                facts_.axes = std::string{static_cast<char>(std::toupper(axis))} + "YX";
+                facts_.axesRule = "--stack";
+                length(facts_.geometry) = 0;
+            }
+            image::ImageGeometry size = facts.geometry;
+            length(size) = 0;
+            image::ImageGeometry first = facts_.geometry;
+            length(first) = 0;
+            if (!(size == first) || facts.type != facts_.type) {
+                throw FileError{path + ": it is " + getName(facts.type) + ", " + toString(facts.geometry) + ", but " +
+                                paths_[0] + " " + getName(facts_.type) + ", " + toString(openSize()) +
+                                ": images of one type and size make a stack"};
+            }
+            image::ImageGeometry own = facts.geometry;
+            length(facts_.geometry) += length(own);
+            ends_.push_back(length(facts_.geometry));
+            collectNotes();
+        }
+        facts_.members = paths_;
+        opened_ = paths_.size() - 1;
+    }
+
+    void read(const Box& box, const PixelTarget& target) override
+    {
+        std::size_t Position::*const place = axis_ == 'z' ? &Position::z : axis_ == 'c' ? &Position::c : &Position::t;
+        const std::ptrdiff_t stride = axis_ == 'z'   ? target.strides.z
+                                      : axis_ == 'c' ? target.strides.c
+                                                     : target.strides.t;
+        Box rest = box;
+        const std::size_t begin = box.begin.*place;
+        const std::size_t end = begin + length(rest.size);
+        for (std::size_t at = begin; at < end;) {
+            const auto file =
+                static_cast<std::size_t>(std::upper_bound(ends_.begin(), ends_.end(), at) - ends_.begin());
+            if (file != opened_) {
+                open_ = openImage(paths_[file], options_);
+                opened_ = file;
+            }
+            Box part = box;
+            part.begin.*place = at - (file == 0 ? 0 : ends_[file - 1]);
+            length(part.size) = std::min(ends_[file], end) - at;
+            open_->read(part, {target.first + static_cast<std::ptrdiff_t>(at - begin) * stride, target.strides});
+            collectNotes();
+            at = ends_[file];
+        }
+    }
+    std::vector<std::string> getNotes() const override { return collected_; }
+
+private:
+    std::size_t& length(image::ImageGeometry& size) const
+    {
+        return axis_ == 'z' ? size.z : axis_ == 'c' ? size.c : size.t;
+    }
+    image::ImageGeometry openSize() const
+    {
+        image::ImageGeometry size = facts_.geometry;
+        length(size) = ends_[0];
+        return size;
+    }
+    void collectNotes()
+    {
+        for (const std::string& note : open_->getNotes()) {
+            if (std::find(collected_.begin(), collected_.end(), note) == collected_.end()) {
+                collected_.push_back(note);
+            }
+        }
+    }
+
+    std::vector<std::string> paths_;
+    OpenOptions options_;
+    char axis_;
+    std::vector<std::size_t> ends_; // of the files along the axis
+    ReaderPtr open_;
+    std::size_t opened_ = 0;
+    std::vector<std::string> collected_;
+};
+
+/// Adds what every image needs: its plans in the order that the options tell, and pixels of a type that images have.
+ReaderPtr finish(const Source& source, ReaderPtr reader)
+{
+    const OpenOptions& options = source.options;
+    const ImageFacts& facts = reader->getFacts();
+    const image::ImageGeometry& size = facts.geometry;
+    std::uint64_t pixels = 1;
+    for (const std::size_t side : {size.x, size.y, size.z, size.c, size.t}) {
+        if (side == 0) {
+            source.fail("it states a size of 0");
+        }
+        if (__builtin_mul_overflow(pixels, side, &pixels) || pixels > options.maxPixels) {
+            source.fail("it states " + toString(size) + ", which is more than the " +
+                        std::to_string(options.maxPixels) + " pixels that --max-pixels allows");
+        }
+    }
+    if (!options.pages.empty() && facts.axesRule != "--pages") {
+        reader = nestPlans(std::move(reader), options.pages);
+    }
+    if (options.listsSeries) {
+        return reader;
+    }
+    const bool isScaled = options.scaled && !facts.scale.isIdentity();
+    if (!options.as && !isScaled && !findImageType(facts.type)) {
+        source.fail(std::string{getName(facts.type)} + " pixels are not measured as they are: convert them with --as " +
+                    (facts.type == StoredType::Float64 || facts.type == StoredType::Float16 ? "float32"
+                     : facts.type == StoredType::Int64                                      ? "int32 or --as float32"
+                                                       : "uint32 or --as float32"));
+    }
+    const StoredType type = options.as ? toStored(*options.as) : isScaled ? StoredType::Float32 : facts.type;
+    return isScaled || type != facts.type ? std::make_unique<ConvertedReader>(std::move(reader), type, isScaled)
+                                          : std::move(reader);
+}
+
+/// Standard input as a file that has a name: itself where it is one, else what it holds in a file that nobody else
+/// sees.
+std::string nameStandardInput()
+{
+    static const std::string path = [] {
+        std::error_code none;
+        if (fs::is_regular_file("/proc/self/fd/0", none) && ::lseek(STDIN_FILENO, 0, SEEK_CUR) == 0) {
+            return std::string{"/proc/self/fd/0"};
+        }
+        const fs::path folder = fs::temp_directory_path();
+        const int file = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+        if (file < 0) {
+            throw FileError{"-: " + folder.string() + " takes no file for standard input (" + std::strerror(errno) +
+                            ")"};
+        }
+        std::vector<char> buffer(std::size_t{1} << 20);
+        for (;;) {
+            const ::ssize_t got = ::read(STDIN_FILENO, buffer.data(), buffer.size());
+            if (got < 0 && errno == EINTR) {
+                continue;
+            }
+            if (got < 0) {
+                throw FileError{std::string{"-: "} + std::strerror(errno)};
+            }
+            if (got == 0) {
+                return "/proc/self/fd/" + std::to_string(file);
+            }
+            for (::ssize_t written = 0; written < got;) {
+                const ::ssize_t more = ::write(file, buffer.data() + written, static_cast<std::size_t>(got - written));
+                if (more < 0 && errno != EINTR) {
+                    throw FileError{"-: standard input does not fit " + folder.string() + " (" + std::strerror(errno) +
+                                    ")"};
+                }
+                written += std::max<::ssize_t>(more, 0);
+            }
+        }
+    }();
+    return path;
+}
+
+constexpr std::size_t headSize = 4096;
+
+Source locate(const std::string& path, const OpenOptions& options)
+{
+    Source source{path, path, {}, {}, options};
+    if (path == "-") {
+        source.path = nameStandardInput();
+    } else if (const std::size_t colon = path.rfind(":/"); colon != std::string::npos && !fs::exists(path)) {
+        source.path = path.substr(0, colon);
+        source.inner = path.substr(colon + 1);
+    }
+    std::error_code none;
+    if (!fs::is_directory(source.path, none)) {
+        source.head = readHead(source.path, source.name, headSize);
+    }
+    return source;
+}
+
+const Format* findFormat(const Source& source)
+{
+    const auto& formats = listFormats();
+    const auto found =
+        std::find_if(formats.begin(), formats.end(), [&](const Format& format) { return format.recognizes(source); });
+    return found == formats.end() ? nullptr : &*found;
+}
+
+} // namespace
+
+void Source::fail(const std::string& what) const
+{
+    throw FileError{name + ": " + what};
+}
+
+ImageFacts Source::describe(const char* format) const
+{
+    ImageFacts facts;
+    facts.path = name;
+    facts.format = format;
+    return facts;
+}
+
+ReaderPtr openImage(const std::string& path, const OpenOptions& options)
+{
+    const Source source = locate(path, options);
+    const Format* const format = findFormat(source);
+    if (format == nullptr) {
+        std::string known;
+        for (const Format& each : listFormats()) {
+            known += (known.empty() ? "" : ", ") + std::string{each.name};
+        }
+        source.fail(source.head.empty() && fs::is_directory(source.path) ? "it is a folder, and no OME-Zarr image"
+                    : source.head.empty()                                ? "it is empty"
+                                          : "its first bytes are those of no image that is read (" + known + ")");
+    }
+    if (format->open == nullptr) {
+        source.fail(std::string{"it is a file of "} + format->name + ", which this program was built without");
+    }
+    if (!source.inner.empty() && std::string_view{format->name} != "HDF5") {
+        source.fail(std::string{"there is no path in a file of "} + format->name);
+    }
+    return finish(source, format->open(source));
+}
+
+ReaderPtr openStack(const std::vector<std::string>& paths, char axis, const OpenOptions& options)
+{
+    return std::make_unique<StackReader>(paths, axis, options);
+}
+
+bool isImageFolder(const std::string& path)
+{
+    const Source source{path, path};
+    return fs::is_directory(path) && findFormat(source) != nullptr;
+}
+
+bool isImageFile(const std::string& path)
+{
+    std::error_code none;
+    return fs::is_regular_file(path, none) &&
+           findFormat(Source{path, path, {}, readHead(path, path, headSize)}) != nullptr;
+}
+
+ReaderPtr cutPart(ReaderPtr image, const Part& part)
+{
+    const ImageFacts& facts = image->getFacts();
+    const image::ImageGeometry& size = facts.geometry;
+    Box box;
+    bool isWhole = true;
+    const auto cut = [&](const Range& range, std::size_t whole, std::size_t& begin, std::size_t& count,
+                         const char* axis) {
+        const std::size_t end = range.end == Range{}.end ? whole : range.end;
+        if (range.begin >= end || end > whole) {
+            throw FileError{facts.path + ": " + axis + " = " + std::to_string(range.begin) + ":" + std::to_string(end) +
+                            " is no part of it: " + axis + " goes from 0 to " + std::to_string(whole - 1)};
+        }
+        begin = range.begin;
+        count = end - range.begin;
+        isWhole = isWhole && count == whole;
+    };
+    cut(part.x, size.x, box.begin.x, box.size.x, "x");
+    cut(part.y, size.y, box.begin.y, box.size.y, "y");
+    cut(part.z, size.z, box.begin.z, box.size.z, "z");
+    cut(part.c, size.c, box.begin.c, box.size.c, "c");
+    cut(part.t, size.t, box.begin.t, box.size.t, "t");
+    return isWhole ? std::move(image) : std::make_unique<PartReader>(std::move(image), box);
+}
+
+Ptr<image::BaseImage> readImage(ImageReader& reader)
+{
+    const ImageFacts& facts = reader.getFacts();
+    const image::eImageBufferType type = findImageType(facts.type).value();
+    const auto memory =
+        static_cast<std::uint64_t>(::sysconf(_SC_PHYS_PAGES)) * static_cast<std::uint64_t>(::sysconf(_SC_PAGE_SIZE));
+    if (facts.geometry.nbPixels() > memory / image::getPixelSize(type)) {
+        constexpr std::uint64_t mebibyte = 1 << 20;
+        throw FileError{facts.path + ": its pixels need " +
+                        std::to_string(facts.geometry.nbPixels() / mebibyte * image::getPixelSize(type)) +
+                        " MiB of memory, and this machine has " + std::to_string(memory / mebibyte) +
+                        ": measure a part of it with --plane or --region"};
+    }
+    auto image = image::BaseImage::create(type, facts.geometry);
+    reader.read({{}, facts.geometry}, {image->getRow(0), image->getStrides()});
+    return image;
+}
+
+} // namespace orlix::files

@@ -1,0 +1,31 @@
+#include <files/RowReader.hpp>
+
+namespace orlix::files
+{
+
+void RowReader::read(const Box& box, const PixelTarget& target)
+{
+    const image::ImageGeometry& size = facts_.geometry;
+    const std::size_t pixelSize = getPixelSize(facts_.type);
+    const auto step = static_cast<std::int64_t>(size.c * pixelSize);
+    row_.resize(size.x * size.c * pixelSize);
+    if (next_ > box.begin.y) {
+        restart();
+        next_ = 0;
+    }
+    for (; next_ < box.begin.y + box.size.y; ++next_) {
+        decodeRow(row_.data());
+        if (next_ >= box.begin.y) {
+            copyPixels(row_.data() + (box.begin.x * size.c + box.begin.c) * pixelSize, target.row(next_ - box.begin.y),
+                       pixelSize,
+                       {Stretch{box.size.x, step, static_cast<std::int64_t>(pixelSize)},
+                        Stretch{box.size.c, static_cast<std::int64_t>(pixelSize), target.strides.c}});
+        }
+    }
+    if (next_ == size.y) {
+        finish();
+        next_ = ~std::size_t{0};
+    }
+}
+
+} // namespace orlix::files

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <files/ImageReader.hpp>
+
+#include <vector>
+
+namespace orlix::files
+{
+
+/// A picture that is decoded row by row from the top: one plane, whose samples lie side by side.
+class RowReader : public ImageReader
+{
+public:
+    void read(const Box& box, const PixelTarget& target) final;
+
+protected:
+    /// Goes back to the first row.
+    virtual void restart() = 0;
+    /// Decodes the next row.
+    virtual void decodeRow(std::byte* samples) = 0;
+    /// Called behind the last row: what stands there may tell of damage.
+    virtual void finish() {}
+
+private:
+    std::size_t next_ = ~std::size_t{0}; // row
+    std::vector<std::byte> row_;
+};
+
+} // namespace orlix::files

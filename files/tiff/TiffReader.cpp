@@ -1,0 +1,644 @@
+#include <files/ArrayReader.hpp>
+#include <files/Format.hpp>
+#include <files/Nesting.hpp>
+#include <files/tiff/LibTiff.hpp>
+#include <files/tiff/TiffAxes.hpp>
+
+#include <pugixml.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <map>
+
+namespace orlix::files
+{
+
+namespace
+{
+
+constexpr std::uint32_t tagImageDepth = TIFFTAG_IMAGEDEPTH; // planes of a volume in one page
+
+/// What a page is.
+struct Page
+{
+    std::uint32_t x = 0;
+    std::uint32_t y = 0;
+    std::uint32_t depth = 1;
+    std::uint16_t bits = 1;
+    std::uint16_t samples = 1;
+    std::uint16_t format = SAMPLEFORMAT_UINT;
+
+    friend bool operator==(const Page&, const Page&) = default;
+
+    std::size_t nbPixels() const { return std::size_t{x} * y * depth * samples; }
+};
+
+std::string nameSamples(const Page& page)
+{
+    static constexpr const char* kinds[] = {"",        "unsigned integer", "signed integer", "float",
+                                            "untyped", "complex integer",  "complex float"};
+    const std::string kind = page.format < std::size(kinds) ? kinds[page.format] : "unknown";
+    return std::to_string(page.bits) + "-bit " + kind;
+}
+
+std::string describe(const Page& page, std::size_t pages)
+{
+    std::string text = std::to_string(page.x) + " x " + std::to_string(page.y);
+    text += page.samples == 1 ? "" : ", " + std::to_string(page.samples) + " samples";
+    text += pages == 1 ? "" : ", " + std::to_string(pages) + " pages";
+    return text + ", " + nameSamples(page);
+}
+
+std::optional<StoredType> findType(const Page& page)
+{
+    if (page.format == SAMPLEFORMAT_IEEEFP) {
+        return page.bits % 8 == 0 ? findStoredType(NumberKind::Float, page.bits / 8) : std::nullopt;
+    }
+    if (page.format != SAMPLEFORMAT_UINT && page.format != SAMPLEFORMAT_INT) {
+        return std::nullopt;
+    }
+    if (page.bits == 1) {
+        return StoredType::Binary;
+    }
+    if (page.bits < 16 && page.bits != 8) { // packed
+        return page.format == SAMPLEFORMAT_INT ? std::nullopt
+               : page.bits < 8                 ? std::optional{StoredType::UInt8}
+                                               : std::optional{StoredType::UInt16};
+    }
+    return page.bits % 8 == 0
+               ? findStoredType(page.format == SAMPLEFORMAT_INT ? NumberKind::Signed : NumberKind::Unsigned,
+                                page.bits / 8)
+               : std::nullopt;
+}
+
+/// A file with its pages.
+class TiffFile
+{
+public:
+    TiffFile(const std::string& path, const std::string& name) : name_{name}
+    {
+        FileDescriptor{path, name}; // says why, where it cannot be opened
+        tiff_ = openTiff(path, "r", messages_);
+        if (!tiff_) {
+            failReading("it is no TIFF file, or a damaged one");
+        }
+        listPages();
+    }
+
+    TIFF* get() const { return tiff_.get(); }
+    const std::string& getDescription() const { return description_; }
+    const Page& getPage(std::size_t i) const { return pages_[i]; }
+    std::size_t nbPages() const { return pages_.size(); }
+
+    /// The pages that are neither masks nor reduced versions of others; all, if there are none else.
+    const std::vector<std::size_t>& getFullPages() const { return fullPages_; }
+    /// The number among all pages of a page.
+    std::size_t findPage(const PageRef& ref) const
+    {
+        const std::size_t count = ref.countsAll ? pages_.size() : fullPages_.size();
+        if (ref.page >= count) {
+            fail("page " + std::to_string(ref.page) + " is wanted, but there are " + std::to_string(count));
+        }
+        return ref.countsAll ? ref.page : fullPages_[ref.page];
+    }
+
+    /// Makes a page the one that is read; what libtiff said of others is forgotten.
+    void select(std::size_t page)
+    {
+        const std::string damage = messages_.warning;
+        if (TIFFSetSubDirectory(tiff_.get(), offsets_[page]) == 0) {
+            failReading("page " + std::to_string(page) + " cannot be read");
+        }
+        messages_.warning = damage;
+    }
+
+    template <class T>
+    T getField(std::uint32_t tag, T otherwise = {}) const
+    {
+        T value = otherwise;
+        return TIFFGetFieldDefaulted(tiff_.get(), tag, &value) != 0 ? value : otherwise;
+    }
+
+    [[noreturn]] void fail(const std::string& what) const { Source{{}, name_}.fail(what); }
+    /// Fails with libtiff's own words, if it has any.
+    [[noreturn]] void failReading(const std::string& what) const
+    {
+        fail(messages_.error.empty() ? what : what + " (" + messages_.error + ")");
+    }
+    void forgetWarnings() { messages_.warning.clear(); }
+    const std::string& getWarning() const { return messages_.warning; }
+
+private:
+    Page describePage() const
+    {
+        Page page;
+        page.x = getField<std::uint32_t>(TIFFTAG_IMAGEWIDTH);
+        page.y = getField<std::uint32_t>(TIFFTAG_IMAGELENGTH);
+        page.depth = std::max<std::uint32_t>(1, getField<std::uint32_t>(tagImageDepth, 1));
+        page.bits = getField<std::uint16_t>(TIFFTAG_BITSPERSAMPLE, 1);
+        page.samples = getField<std::uint16_t>(TIFFTAG_SAMPLESPERPIXEL, 1);
+        page.format = getField<std::uint16_t>(TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
+        if (page.format == SAMPLEFORMAT_VOID) {
+            page.format = SAMPLEFORMAT_UINT;
+        }
+        return page;
+    }
+
+    void listPages()
+    {
+        for (;;) {
+            if (const auto kind = getField<std::uint32_t>(TIFFTAG_SUBFILETYPE);
+                (kind & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) == 0) {
+                if (fullPages_.empty()) {
+                    readDescription();
+                }
+                fullPages_.push_back(pages_.size());
+            }
+            pages_.push_back(describePage());
+            offsets_.push_back(TIFFCurrentDirOffset(tiff_.get()));
+            if (pages_.size() == 1) {
+                readDescription();
+            }
+            if (TIFFLastDirectory(tiff_.get()) != 0) {
+                break;
+            }
+            if (TIFFReadDirectory(tiff_.get()) == 0) {
+                failReading("page " + std::to_string(pages_.size()) +
+                            " cannot be read: the file is cut short or damaged");
+            }
+        }
+        for (std::size_t i = 0; fullPages_.empty() && i < pages_.size(); ++i) {
+            fullPages_.push_back(i);
+        }
+    }
+
+    void readDescription()
+    {
+        const char* text = nullptr;
+        if (TIFFGetField(tiff_.get(), TIFFTAG_IMAGEDESCRIPTION, &text) != 0 && text != nullptr) {
+            description_ = text;
+        }
+    }
+
+    std::string name_;
+    TiffMessages messages_; // before tiff_, which writes to it until it is closed
+    TiffHandle tiff_;
+    std::vector<Page> pages_;
+    std::vector<std::uint64_t> offsets_; // of the directories
+    std::vector<std::size_t> fullPages_;
+    std::string description_;
+};
+
+/// The files of a set; those that are not the first are opened when they are needed.
+class TiffSet
+{
+public:
+    TiffSet(const Source& source) : name_{source.name}, path_{source.path} {}
+
+    TiffFile& get(const std::string& path)
+    {
+        auto& slot = path == path_ ? main_ : other_;
+        if (!slot || (&slot == &other_ && otherPath_ != path)) {
+            slot = std::make_unique<TiffFile>(path, path == path_ ? name_ : path);
+            if (&slot == &other_) {
+                otherPath_ = path;
+            }
+        }
+        return *slot;
+    }
+
+private:
+    std::string name_;
+    std::string path_;
+    std::unique_ptr<TiffFile> main_;
+    std::unique_ptr<TiffFile> other_;
+    std::string otherPath_;
+};
+
+/// The pages of one image, on z, with their samples as channels. A page of a volume is as many as it has planes.
+class TiffPages final : public ImageReader
+{
+public:
+    TiffPages(const Source& source, std::shared_ptr<TiffSet> set, std::vector<PageRef> pages)
+        : set_{std::move(set)}, pages_{std::move(pages)}
+    {
+        facts_ = source.describe("TIFF");
+        TiffFile& file = set_->get(pages_[0].path);
+        const std::size_t first = file.findPage(pages_[0]);
+        page_ = file.getPage(first);
+        file.select(first);
+        if (page_.x == 0 || page_.y == 0 || page_.samples == 0) {
+            fail("it states a size of 0");
+        }
+        const auto type = findType(page_);
+        if (!type) {
+            fail(nameSamples(page_) + " pixels are not read: convert the image to " +
+                 (page_.format == SAMPLEFORMAT_UINT || page_.format == SAMPLEFORMAT_INT ? "uint32 or int32"
+                                                                                        : "float32"));
+        }
+        facts_.type = *type;
+        facts_.geometry = {page_.x, page_.y, pages_.size() * page_.depth, page_.samples, 1};
+        const auto compression = file.getField<std::uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
+        facts_.compression = nameCompression(compression);
+        const auto photometric = file.getField<std::uint16_t>(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+        facts_.photometric = photometric == PHOTOMETRIC_MINISWHITE ? Photometric::WhiteIsZero
+                             : photometric == PHOTOMETRIC_RGB || photometric == PHOTOMETRIC_YCBCR ? Photometric::Rgb
+                             : photometric == PHOTOMETRIC_PALETTE                                 ? Photometric::Palette
+                                                                  : Photometric::BlackIsZero;
+        findPixelSize(file);
+        file.forgetWarnings(); // those about directories say nothing about the pixels
+    }
+
+    void read(const Box& box, const PixelTarget& target) override
+    {
+        for (std::size_t z = 0; z < box.size.z; ++z) {
+            const std::size_t page = (box.begin.z + z) / page_.depth;
+            const PageRef& ref = pages_[page];
+            TiffFile& file = set_->get(ref.path);
+            readPage(file, file.findPage(ref), (box.begin.z + z) % page_.depth, box,
+                     {target.row(0, z), target.strides});
+            if (!file.getWarning().empty()) {
+                note("its pixels may be damaged (" + file.getWarning() + ")");
+            }
+        }
+    }
+
+    /// What the file says beyond its pages.
+    void setFacts(const std::array<double, 3>& pixelSize, const std::string& unit, const Scale& scale)
+    {
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            facts_.pixelSize[axis] = pixelSize[axis] != 0 ? pixelSize[axis] : facts_.pixelSize[axis];
+        }
+        facts_.unit = unit.empty() ? facts_.unit : unit;
+        facts_.scale = scale;
+    }
+    void setSeries(const std::vector<std::string>& series, const std::vector<std::string>& members)
+    {
+        facts_.series = series;
+        facts_.members = members;
+    }
+    const Page& getPage() const { return page_; }
+
+private:
+    void findPixelSize(const TiffFile& file)
+    {
+        const auto x = file.getField<float>(TIFFTAG_XRESOLUTION);
+        const auto y = file.getField<float>(TIFFTAG_YRESOLUTION);
+        const auto unit = file.getField<std::uint16_t>(TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+        if (!(x > 0 && y > 0 && std::isfinite(x) && std::isfinite(y))) {
+            return;
+        }
+        constexpr double centimetre = 1e4;
+        constexpr double inch = 25400;
+        const double length = unit == RESUNIT_CENTIMETER ? centimetre : unit == RESUNIT_INCH ? inch : 1; // um
+        facts_.pixelSize = {length / static_cast<double>(x), length / static_cast<double>(y), 0};
+        facts_.unit = unit == RESUNIT_NONE ? "" : "um";
+    }
+
+    void readPage(TiffFile& file, std::size_t number, std::size_t plane, const Box& box, const PixelTarget& target)
+    {
+        const std::string page = "page " + std::to_string(number);
+        if (const Page& other = file.getPage(number); !(other == page_)) {
+            file.fail(page + " has " + describe(other, 1) + " pixels, but the first page of the image " +
+                      describe(page_, 1) + ": pages of one size and type are needed");
+        }
+        file.select(number);
+        const auto compression = file.getField<std::uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
+        const auto photometric = file.getField<std::uint16_t>(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+        const auto planar = file.getField<std::uint16_t>(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+        if (const char* const method = nameUnreadableCompression(compression)) {
+            file.fail(page + " is compressed with " + method + " (TIFF compression " + std::to_string(compression) +
+                      "), which is not supported: convert the image, say to Deflate");
+        }
+        if (photometric == PHOTOMETRIC_YCBCR) {
+            if (compression != COMPRESSION_JPEG) {
+                file.fail("YCbCr pixels are not supported: convert the image to RGB");
+            }
+            TIFFSetField(file.get(), TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+        }
+        // Samples that lie together are decoded together.
+        const bool isSeparate = planar == PLANARCONFIG_SEPARATE && page_.samples > 1;
+        const std::size_t count = isSeparate ? 1 : box.size.c;
+        for (std::size_t c = 0; c < box.size.c; c += count) {
+            const Samples samples{isSeparate ? box.begin.c + c : 0, isSeparate ? 0 : box.begin.c, count,
+                                  isSeparate ? std::size_t{1} : page_.samples};
+            const PixelTarget to{target.row(0, 0, c), target.strides};
+            if (TIFFIsTiled(file.get()) != 0) {
+                readTiles(file, page, plane, box, samples, to);
+            } else {
+                readStrips(file, page, box, samples, to);
+            }
+        }
+    }
+
+    /// Samples that are decoded: those from `first` on, of so many that lie together, in a plane of the file.
+    struct Samples
+    {
+        std::size_t plane;
+        std::size_t first;
+        std::size_t count;
+        std::size_t together;
+    };
+
+    void readStrips(const TiffFile& file, const std::string& page, const Box& box, const Samples& samples,
+                    const PixelTarget& target)
+    {
+        if (page_.depth > 1) {
+            file.fail(page +
+                      " holds a volume in strips, which is not supported: save it in tiles, or a page per plane");
+        }
+        const std::size_t stripRows =
+            std::min<std::size_t>(file.getField<std::uint32_t>(TIFFTAG_ROWSPERSTRIP, page_.y), page_.y);
+        const auto rowBytes = static_cast<std::size_t>(TIFFScanlineSize64(file.get()));
+        if (stripRows == 0 || rowBytes < packedBytes(page_.x, samples.together)) {
+            file.failReading(page + " has strips that do not fit its size");
+        }
+        const std::size_t end = box.begin.y + box.size.y;
+        for (std::size_t y = box.begin.y / stripRows * stripRows; y < end; y += stripRows) {
+            const std::size_t rows = std::min(stripRows, page_.y - y);
+            const std::size_t first = std::max(y, box.begin.y);
+            const std::size_t last = std::min(y + rows, end);
+            const std::uint32_t strip =
+                TIFFComputeStrip(file.get(), static_cast<std::uint32_t>(y), static_cast<std::uint16_t>(samples.plane));
+            const bool isInPlace = samples.together == 1 && isWide() && last - first == rows && box.size.x == page_.x &&
+                                   target.strides.y == static_cast<std::ptrdiff_t>(rowBytes);
+            std::byte* const buffer = isInPlace ? target.row(y - box.begin.y) : scratch(rows * rowBytes);
+            const auto bytes = static_cast<tmsize_t>(rows * rowBytes);
+            if (TIFFReadEncodedStrip(file.get(), strip, buffer, bytes) != bytes) {
+                failPixels(file, page);
+            }
+            for (std::size_t row = first; !isInPlace && row < last; ++row) {
+                unpack(buffer + (row - y) * rowBytes, box.begin.x, box.size.x, samples, target, row - box.begin.y, 0);
+            }
+        }
+    }
+
+    void readTiles(const TiffFile& file, const std::string& page, std::size_t plane, const Box& box,
+                   const Samples& samples, const PixelTarget& target)
+    {
+        const std::size_t width = file.getField<std::uint32_t>(TIFFTAG_TILEWIDTH);
+        const std::size_t height = file.getField<std::uint32_t>(TIFFTAG_TILELENGTH);
+        const std::size_t depth = std::max<std::uint32_t>(1, file.getField<std::uint32_t>(TIFFTAG_TILEDEPTH, 1));
+        const tmsize_t bytes = TIFFTileSize(file.get());
+        const auto rowBytes = static_cast<std::size_t>(TIFFTileRowSize(file.get()));
+        if (width == 0 || height == 0 || bytes <= 0 || rowBytes < packedBytes(width, samples.together) ||
+            static_cast<std::size_t>(bytes) / rowBytes / height < std::min<std::size_t>(depth, page_.depth)) {
+            file.failReading(page + " has tiles that do not fit its size");
+        }
+        constexpr tmsize_t largestTile = tmsize_t{1} << 30;
+        if (bytes > largestTile) {
+            file.fail(page + " has tiles of " + std::to_string(bytes) + " bytes: convert it to tiles of at most 1 GiB");
+        }
+        const std::size_t endX = box.begin.x + box.size.x;
+        const std::size_t endY = box.begin.y + box.size.y;
+        for (std::size_t y = box.begin.y / height * height; y < endY; y += height) {
+            for (std::size_t x = box.begin.x / width * width; x < endX; x += width) {
+                std::byte* const buffer = scratch(static_cast<std::size_t>(bytes));
+                if (TIFFReadTile(file.get(), buffer, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
+                                 static_cast<std::uint32_t>(plane),
+                                 static_cast<std::uint16_t>(samples.plane)) != bytes) {
+                    failPixels(file, page);
+                }
+                const std::size_t firstX = std::max(x, box.begin.x);
+                const std::size_t lastX = std::min(x + width, endX);
+                for (std::size_t row = std::max(y, box.begin.y); row < std::min(y + height, endY); ++row) {
+                    unpack(buffer + (plane % depth * height + row - y) * rowBytes, firstX - x, lastX - firstX, samples,
+                           target, row - box.begin.y, firstX - box.begin.x);
+                }
+            }
+        }
+    }
+
+    [[noreturn]] static void failPixels(const TiffFile& file, const std::string& page)
+    {
+        file.failReading("the pixels of " + page + " cannot be decoded: the file is cut short or damaged");
+    }
+
+    bool isWide() const { return page_.bits == 8 || page_.bits >= 16; }
+
+    std::size_t packedBytes(std::size_t columns, std::size_t samples) const
+    {
+        return (columns * samples * page_.bits + 7) / 8;
+    }
+
+    /// Spreads the packed samples of one row over the image's channels.
+    void unpack(const std::byte* packed, std::size_t firstColumn, std::size_t columns, const Samples& samples,
+                const PixelTarget& target, std::size_t y, std::size_t x) const
+    {
+        const std::size_t size = getPixelSize(facts_.type);
+        for (std::size_t s = 0; s < samples.count; ++s) {
+            std::byte* const row = target.row(y, 0, s) + x * size;
+            const std::size_t first = firstColumn * samples.together + samples.first + s;
+            if (isWide()) {
+                copyPixels(packed + first * size, row, size,
+                           {Stretch{columns, static_cast<std::int64_t>(samples.together * size),
+                                    static_cast<std::int64_t>(size)}});
+            } else {
+                unpackBits(packed, page_.bits, first, samples.together, row, columns);
+            }
+        }
+    }
+
+    std::byte* scratch(std::size_t bytes)
+    {
+        if (scratchSize_ < bytes) {
+            scratch_ = std::make_unique_for_overwrite<std::byte[]>(bytes); // touched only where pixels come
+            scratchSize_ = bytes;
+        }
+        return scratch_.get();
+    }
+
+    std::shared_ptr<TiffSet> set_;
+    std::vector<PageRef> pages_;
+    Page page_;
+    std::unique_ptr<std::byte[]> scratch_;
+    std::size_t scratchSize_ = 0;
+};
+
+/// One of the images of a file.
+struct Series
+{
+    std::string text;
+    std::vector<PageRef> pages;
+    std::optional<OmeImage> ome{};
+};
+
+/// Pages that are alike, in the order in which they come.
+std::vector<Series> groupPages(const Source& source, const TiffFile& file)
+{
+    std::vector<Series> series;
+    std::vector<Page> kinds;
+    for (std::size_t i = 0; i < file.getFullPages().size(); ++i) {
+        const Page& page = file.getPage(file.getFullPages()[i]);
+        const auto kind = std::find(kinds.begin(), kinds.end(), page);
+        const auto which = static_cast<std::size_t>(kind - kinds.begin());
+        if (kind == kinds.end()) {
+            kinds.push_back(page);
+            series.emplace_back();
+        }
+        series[which].pages.push_back({source.path, i});
+    }
+    for (std::size_t i = 0; i < series.size(); ++i) {
+        series[i].text = describe(kinds[i], series[i].pages.size());
+    }
+    return series;
+}
+
+/// The XML that describes the file: its own, or that of the file which it says holds it.
+std::string findOmeXml(Source& source, const std::string& description)
+{
+    pugi::xml_document document;
+    document.load_string(description.c_str());
+    const auto reference = document.select_node("//*[local-name()='BinaryOnly']").node();
+    if (!reference) {
+        return description;
+    }
+    const std::string name = reference.attribute("MetadataFile").as_string();
+    const auto path = std::filesystem::path{source.path}.parent_path() / std::filesystem::path{name}.filename();
+    if (name.empty() || !std::filesystem::exists(path)) {
+        source.fail("its axes are told in " + name +
+                    ", which is not there: tell how its pages nest, such as --pages z=2");
+    }
+    // Planes without a file of their own are in that file.
+    source.path = path.string();
+    const std::string head = readHead(source.path, source.name, 4);
+    return head.starts_with("II") || head.starts_with("MM") ? TiffFile{source.path, source.path}.getDescription()
+                                                            : readText(source.path, source.name);
+}
+
+std::vector<Series> listOmeImages(const Source& source, TiffSet& set, const std::string& description)
+{
+    Source described = source;
+    const std::string xml = findOmeXml(described, description);
+    const auto samplesOf = [&](const PageRef& ref) {
+        TiffFile& file = set.get(ref.path);
+        return std::size_t{file.getPage(file.findPage(ref)).samples};
+    };
+    std::vector<Series> series;
+    for (OmeImage& image : parseOme(described, xml, samplesOf)) {
+        Series each;
+        each.text = std::to_string(image.x) + " x " + std::to_string(image.y);
+        each.text += image.pages.size() > 1 ? ", " + std::to_string(image.pages.size()) + " pages" : "";
+        each.text += image.name.empty() ? "" : ", \"" + image.name + "\"";
+        for (const PageRef& ref : image.pages) {
+            const TiffFile& file = set.get(source.path);
+            const std::size_t count = ref.countsAll ? file.nbPages() : file.getFullPages().size();
+            if (ref.path == source.path && image.fault.empty() && ref.page >= count) {
+                image.fault = "want page " + std::to_string(ref.page) + ", where there are " + std::to_string(count);
+            }
+        }
+        each.pages = std::move(image.pages);
+        each.ome = std::move(image);
+        series.push_back(std::move(each));
+    }
+    return series;
+}
+
+/// Pixels that all lie behind the first page, as ImageJ writes a stack of more than 4 GiB; null if they do not.
+ReaderPtr findHiddenPages(const Source& source, TiffFile& file, const StatedAxes& stated, const ImageFacts& facts)
+{
+    const Page& page = file.getPage(0);
+    const bool isPlain = file.getField<std::uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE) == COMPRESSION_NONE &&
+                         (page.samples == 1 || file.getField<std::uint16_t>(
+                                                   TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == PLANARCONFIG_CONTIG) &&
+                         page.bits % 8 == 0 && TIFFIsTiled(file.get()) == 0;
+    if (stated.images < 2 || !isPlain) {
+        return nullptr;
+    }
+    PixelArray array{facts};
+    const std::uint64_t size = page.nbPixels() * page.bits / 8;
+    array.offset = TIFFGetStrileOffset(file.get(), 0);
+    const std::uint64_t fileSize = getFileSize(source.path);
+    array.available = fileSize - std::min(fileSize, array.offset);
+    if (array.available / size < stated.images) {
+        source.fail("it states " + std::to_string(stated.images) + " images (" + stated.rule +
+                    "), but holds pixels for " + std::to_string(array.available / size) + ": the file is cut short");
+    }
+    array.fastestFirst = true;
+    array.sizes = {page.samples, page.x, page.y, stated.images};
+    array.axes = "CXYZ";
+    array.isSwapped = TIFFIsByteSwapped(file.get()) != 0;
+    array.bytes = openBytes(source.path, source.name);
+    Source plain = source;
+    plain.options.axes.clear();
+    return readArray(plain, std::move(array));
+}
+
+std::size_t chooseSeries(const Source& source, const std::vector<Series>& series)
+{
+    const auto list = [&] {
+        std::string text;
+        for (std::size_t i = 0; i < series.size(); ++i) {
+            text += (i == 0 ? "" : "; ") + std::to_string(i) + ": " + series[i].text;
+        }
+        return text;
+    };
+    const std::size_t chosen = source.options.series.value_or(0);
+    if (chosen >= series.size()) {
+        source.fail("there is no series " + std::to_string(chosen) + " (" + list() + ")");
+    }
+    if (!source.options.series && !source.options.listsSeries && series.size() > 1) {
+        source.fail("it holds " + std::to_string(series.size()) + " images: pick one with --series (" + list() + ")");
+    }
+    return chosen;
+}
+
+} // namespace
+
+ReaderPtr openTiff(const Source& source)
+{
+    auto set = std::make_shared<TiffSet>(source);
+    TiffFile& file = set->get(source.path);
+    const std::string& description = file.getDescription();
+    std::vector<Series> all = isOme(description) && source.options.pages.empty()
+                                  ? listOmeImages(source, *set, description)
+                                  : groupPages(source, file);
+    if (all.empty()) {
+        source.fail("its OME-XML describes no image");
+    }
+    Series& series = all[chooseSeries(source, all)];
+    if (series.ome && !series.ome->fault.empty()) {
+        source.fail("its OME axes " + series.ome->fault +
+                    ": tell how its pages nest, such as --pages z=" + std::to_string(file.getFullPages().size()));
+    }
+    const std::size_t count = series.pages.size();
+    std::vector<std::string> names;
+    for (const Series& each : all) {
+        names.push_back(each.text);
+    }
+    std::vector<std::string> members;
+    for (const PageRef& ref : series.pages) {
+        if (ref.path != source.path && (members.empty() || members.back() != ref.path)) {
+            members.push_back(ref.path);
+        }
+    }
+    auto pages = std::make_unique<TiffPages>(source, set, series.pages);
+    pages->setSeries(all.size() > 1 ? names : std::vector<std::string>{}, members);
+    if (series.ome) {
+        const OmeImage& ome = *series.ome;
+        const image::ImageGeometry& size = pages->getFacts().geometry;
+        if (ome.x != 0 && ome.y != 0 && (size.x != ome.x || size.y != ome.y)) {
+            source.fail("its OME axes state " + std::to_string(ome.x) + " x " + std::to_string(ome.y) +
+                        " pixels, but its pages have " + std::to_string(size.x) + " x " + std::to_string(size.y));
+        }
+        pages->setFacts(ome.pixelSize, ome.unit, {});
+        return nestPages(std::move(pages), ome.nesting);
+    }
+    const Page& page = pages->getPage();
+    const StatedAxes stated = all.size() == 1 ? parseDescription(source, description, page.nbPixels()) : StatedAxes{};
+    pages->setFacts({0, 0, stated.spacing}, stated.unit, stated.scale);
+    if (count == 1 && page.depth == 1) {
+        if (auto hidden = findHiddenPages(source, file, stated, pages->getFacts())) {
+            return nestPages(std::move(hidden), findNesting(source, stated, stated.images));
+        }
+    }
+    const std::size_t planes = count * page.depth;
+    if (page.depth > 1 && stated.levels.empty() && source.options.pages.empty()) {
+        return nestPages(std::move(pages), nest({{'z', page.depth}, {'t', count}}, "TIFF image depth"));
+    }
+    return nestPages(std::move(pages), findNesting(source, stated, planes));
+}
+
+} // namespace orlix::files
