@@ -70,7 +70,8 @@ public:
             note(doubt);
         }
         std::uint64_t stride = getPixelSize(facts_.type);
-        for (std::size_t dimension = array.sizes.size(); dimension-- > 0;) {
+        for (std::size_t i = array.sizes.size(); i-- > 0;) {
+            const std::size_t dimension = array.isFortran ? array.sizes.size() - 1 - i : i;
             const auto axis = std::find(axes.dimensions.begin(), axes.dimensions.end(), dimension);
             if (axis != axes.dimensions.end()) {
                 strides_[static_cast<std::size_t>(axis - axes.dimensions.begin())] = static_cast<std::int64_t>(stride);

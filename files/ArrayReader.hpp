@@ -34,7 +34,8 @@ struct PixelArray
 {
     ImageFacts facts;                   ///< but for geometry and axes
     std::vector<std::uint64_t> sizes{}; ///< slowest first
-    bool fastestFirst = false;          ///< the first dimension is the one whose elements touch
+    bool fastestFirst = false;          ///< sizes and letters are told fastest first
+    bool isFortran = false;             ///< sizes are told slowest first, but elements touch along the first dimension
     std::string axes{};                 ///< letters of the dimensions, as the file states them; empty: it does not
     std::string axesBy{};               ///< what stated them
     std::uint64_t offset = 0;

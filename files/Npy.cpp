@@ -70,7 +70,7 @@ ReaderPtr openNpy(const Source& source)
     const std::string descr = findValue(source, header, "descr");
     array.facts.type = findType(source, descr);
     array.isSwapped = descr[1] == '>';
-    array.fastestFirst = findValue(source, header, "fortran_order").starts_with("True");
+    array.isFortran = findValue(source, header, "fortran_order").starts_with("True");
     std::string shape = findValue(source, header, "shape");
     shape = shape.substr(0, shape.find(')'));
     for (const char* at = shape.data(); at < shape.data() + shape.size();) {

@@ -273,6 +273,9 @@ public:
         }
         facts_.unit = unit.empty() ? facts_.unit : unit;
         facts_.scale = scale;
+        if (facts_.unit.empty()) { // sizes in no unit say nothing
+            facts_.pixelSize = {};
+        }
     }
     void setSeries(const std::vector<std::string>& series, const std::vector<std::string>& members)
     {
@@ -381,10 +384,9 @@ private:
         const std::size_t width = file.getField<std::uint32_t>(TIFFTAG_TILEWIDTH);
         const std::size_t height = file.getField<std::uint32_t>(TIFFTAG_TILELENGTH);
         const std::size_t depth = std::max<std::uint32_t>(1, file.getField<std::uint32_t>(TIFFTAG_TILEDEPTH, 1));
-        const tmsize_t bytes = TIFFTileSize(file.get());
         const auto rowBytes = static_cast<std::size_t>(TIFFTileRowSize(file.get()));
-        if (width == 0 || height == 0 || bytes <= 0 || rowBytes < packedBytes(width, samples.together) ||
-            static_cast<std::size_t>(bytes) / rowBytes / height < std::min<std::size_t>(depth, page_.depth)) {
+        const tmsize_t bytes = TIFFTileSize(file.get()) * static_cast<tmsize_t>(depth);
+        if (width == 0 || height == 0 || bytes <= 0 || rowBytes < packedBytes(width, samples.together)) {
             file.failReading(page + " has tiles that do not fit its size");
         }
         constexpr tmsize_t largestTile = tmsize_t{1} << 30;
@@ -396,9 +398,12 @@ private:
         for (std::size_t y = box.begin.y / height * height; y < endY; y += height) {
             for (std::size_t x = box.begin.x / width * width; x < endX; x += width) {
                 std::byte* const buffer = scratch(static_cast<std::size_t>(bytes));
-                if (TIFFReadTile(file.get(), buffer, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
-                                 static_cast<std::uint32_t>(plane),
-                                 static_cast<std::uint16_t>(samples.plane)) != bytes) {
+                const std::uint32_t tile =
+                    TIFFComputeTile(file.get(), static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
+                                    static_cast<std::uint32_t>(plane), static_cast<std::uint16_t>(samples.plane));
+                if (depth > 1) {
+                    readDeepTile(file, page, tile, buffer, static_cast<std::size_t>(bytes));
+                } else if (TIFFReadEncodedTile(file.get(), tile, buffer, bytes) != bytes) {
                     failPixels(file, page);
                 }
                 const std::size_t firstX = std::max(x, box.begin.x);
@@ -409,6 +414,38 @@ private:
                 }
             }
         }
+    }
+
+    /// A tile of several planes, of which libtiff decodes the first one only.
+    void readDeepTile(const TiffFile& file, const std::string& page, std::uint32_t tile, std::byte* to,
+                      std::size_t bytes) const
+    {
+        const auto compression = file.getField<std::uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
+        const bool isDeflated = compression == COMPRESSION_ADOBE_DEFLATE || compression == COMPRESSION_DEFLATE;
+        if ((!isDeflated && compression != COMPRESSION_NONE) || !isWide() ||
+            file.getField<std::uint16_t>(TIFFTAG_PREDICTOR, PREDICTOR_NONE) != PREDICTOR_NONE) {
+            file.fail(page + " holds a volume in compressed tiles of several planes, which is not supported: save it "
+                             "with a page per plane");
+        }
+        std::vector<std::byte> raw(TIFFGetStrileByteCount(file.get(), tile));
+        if (TIFFReadRawTile(file.get(), tile, raw.data(), static_cast<tmsize_t>(raw.size())) !=
+            static_cast<tmsize_t>(raw.size())) {
+            failPixels(file, page);
+        }
+        if (isDeflated) {
+            std::vector<std::byte> inflated(bytes);
+            if (!decompress("zlib", raw.data(), raw.size(), inflated.data(), bytes)) {
+                failPixels(file, page);
+            }
+            raw = std::move(inflated);
+        }
+        if (raw.size() != bytes) {
+            failPixels(file, page);
+        }
+        if (TIFFIsByteSwapped(file.get()) != 0) {
+            swapBytes(raw.data(), getPixelSize(facts_.type), bytes / getPixelSize(facts_.type));
+        }
+        std::copy(raw.begin(), raw.end(), to);
     }
 
     [[noreturn]] static void failPixels(const TiffFile& file, const std::string& page)
