@@ -5,6 +5,7 @@
 #include <files/Nesting.hpp>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -358,6 +359,15 @@ bool isImageFolder(const std::string& path)
 
 bool isImageFile(const std::string& path)
 {
+    std::string name = fs::path{path}.filename().string();
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    for (const char* const ending : {".tif", ".tiff", ".png", ".jpg", ".jpeg", ".nii", ".nii.gz", ".nrrd", ".nhdr",
+                                     ".mha", ".mhd", ".mrc", ".npy", ".h5", ".hdf5"}) {
+        if (name.ends_with(ending)) {
+            return true; // or a damaged one
+        }
+    }
     std::error_code none;
     return fs::is_regular_file(path, none) &&
            findFormat(Source{path, path, {}, readHead(path, path, headSize)}) != nullptr;
@@ -373,8 +383,12 @@ ReaderPtr cutPart(ReaderPtr image, const Part& part)
                          const char* axis) {
         const std::size_t end = range.end == Range{}.end ? whole : range.end;
         if (range.begin >= end || end > whole) {
-            throw FileError{facts.path + ": " + axis + " = " + std::to_string(range.begin) + ":" + std::to_string(end) +
-                            " is no part of it: " + axis + " goes from 0 to " + std::to_string(whole - 1)};
+            std::string wanted = std::to_string(range.begin);
+            if (end != range.begin + 1) {
+                wanted.append(":").append(std::to_string(end));
+            }
+            throw FileError{facts.path + ": it has no " + axis + " = " + wanted + ": " + axis + " goes from 0 to " +
+                            std::to_string(whole - 1)};
         }
         begin = range.begin;
         count = end - range.begin;

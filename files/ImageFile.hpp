@@ -20,7 +20,7 @@ ReaderPtr openStack(const std::vector<std::string>& paths, char axis, const Open
 
 /// Whether a path is an image that is a folder.
 bool isImageFolder(const std::string& path);
-/// Whether an image can be opened from it, as its first bytes tell.
+/// Whether a file is an image, as its name or its first bytes tell.
 bool isImageFile(const std::string& path);
 
 /// A part of an image: the end of a range is left out; an axis that is not told is whole.

@@ -724,8 +724,8 @@ int run(int argc, const char* const* argv, std::ostream& output, const Complaint
     CLI::App app{"Global measures of 2d and 3d images.\n\n"
                  "Examples:\n"
                  "  orlix stats samples/cells.tif\n"
-                 "  orlix histogram 'scans/*.nii.gz' --classes 64 --csv -o histograms.csv\n"
-                 "  orlix project stack.ome.tif --axis z --stat median -o flat.tif\n",
+                 "  orlix histogram 'samples/*.tif' --classes 64 -o histograms.csv\n"
+                 "  orlix project samples/stack.ome.tif --axis z --stat median -o flat.tif\n",
                  "orlix"};
     app.formatter(std::make_shared<HelpFormatter>());
     app.set_version_flag("--version", "orlix 4.1.0.2");

@@ -123,9 +123,10 @@ void listWord(const std::string& word, std::vector<ImageArgument>& images)
         for (const std::string& path : matches) {
             listWord(path, images);
         }
-        if (!matches.empty()) {
-            return;
+        if (matches.empty()) {
+            images.push_back({word, {}, {}, word + ": no file matches this pattern"});
         }
+        return;
     }
     images.push_back({word, {word}, {}, {}});
 }

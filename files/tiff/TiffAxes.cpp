@@ -179,7 +179,9 @@ Nesting findNesting(const Source& source, const StatedAxes& stated, std::size_t 
         return nestByOption(source.options.pages, pages, source.name);
     }
     if (stated.levels.empty()) {
-        return nest({{'z', pages}}, stated.rule.empty() ? "the order of the pages" : stated.rule);
+        return nest({{'z', pages}}, !stated.rule.empty() ? stated.rule
+                                    : pages == 1         ? "a single page"
+                                                         : "the order of the pages");
     }
     if (countPages(stated.levels) != pages) {
         source.fail("it states " + std::to_string(countPages(stated.levels)) + " images (" + stated.rule +

@@ -397,7 +397,7 @@ TEST_F(CommandTest, PrintsJsonThatReadsBack)
                           {"bytes", 210},
                           {"format", "TIFF"},
                           {"axes", "YX"},
-                          {"axesFrom", "the order of the pages"},
+                          {"axesFrom", "a single page"},
                           {"compression", "none"}}));
 }
 
@@ -757,6 +757,20 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         {{"ncc", good}, 2, "IMAGE2 is required"},
         {{"similarity", good, good, "--per", "row"}, 2, "--per"},
         {{"pearson", good, one}, 1, "one.tif: the second image has 21 x 10, but"},
+        {{"stats", good, "--plane", "z=4"}, 1, "good.tif: it has no z = 4: z goes from 0 to 3"},
+        {{"stats", good, "--plane", "z=2:9"}, 1, "it has no z = 2:9"},
+        {{"stats", good, "--plane", "x=2"}, 2, "--plane x=2"},
+        {{"stats", good, "--region", "1:5"}, 2, "--region 1:5: ranges of x and y are needed"},
+        {{"stats", good, "--region", "5:1,0:2"}, 2, "--region"},
+        {{"stats", good, "--region", "0:22,0:2"}, 1, "it has no x = 0:22: x goes from 0 to 20"},
+        {{"stats", good, "--series", "1"}, 1, "good.tif: there is no series 1 (0: 21 x 10, 4 pages"},
+        {{"stats", good, "--max-pixels", "839"}, 1, "more than the 839 pixels that --max-pixels allows"},
+        {{"stats", good, "--pages", "z=4", "--axes", "ZYX"}, 2, "--pages and --axes do not go together"},
+        {{"stats", good, "-o", path("x.txt")}, 2, "end its name in .json or .csv"},
+        {{"stats", good, "-o", good, "--csv"}, 1, "it is the image that is read"},
+        {{"stats", path("none*.tif")}, 1, "no file matches this pattern"},
+        {{"stats", path("none.h5:/a")}, 1, "none.h5:/a: No such file or directory"},
+        {{"stats", good, "--as", "float64"}, 2, "--as: float64 not in"},
         {{"stats", good, "--mask", path("none.tif")}, 1, "none.tif: No such file or directory"},
         {{"stats", one, "--mask", good}, 1, "good.tif: the mask has 21 x 10, 4 planes, but"},
         {{"stats", floats, "--mask", floats}, 1, "f.tif: a float32 image is no mask"},
@@ -847,6 +861,172 @@ TEST_F(CommandTest, NotesWhatAUserShouldKnow)
     const std::string off = make("off.tif", makeImage<unsigned char>({3, 1, 2}, {1, 2, 3, 1, 6, 10}));
     EXPECT_NEAR(run({"similarity", plain, off, "--peak", "1", "--json"}).result()["PSNR"], 0, 1e-12);
     EXPECT_EQ(run({"ncc", plain, plain}).output.find("SumSquaredDev"), std::string::npos);
+}
+
+// Several images: a row each, the failures told apart, in natural order.
+TEST_F(CommandTest, MeasuresManyImages)
+{
+    std::filesystem::create_directories(path("many/below"));
+    const std::string first = write("many/f2.tif", 1, {});
+    const std::string last = write("many/f10.tif", 1, {.bits = 16});
+    const std::string below = write("many/below/a,b.tif", 2, {});
+    writeBytes("many/read me.txt", "no image");
+    const std::string sum = std::to_string(sumOf(0, 0)).substr(0, std::to_string(sumOf(0, 0)).find('.')) + ".0";
+
+    const Outcome csv = run({"stats", path("many"), "--csv"});
+    EXPECT_EQ(csv.status, 0) << csv.error;
+    std::istringstream lines{csv.output};
+    std::string line;
+    std::getline(lines, line);
+    EXPECT_EQ(line, "path,NbPixels,Sum,Mean,Min,Max,StdDev\r");
+    std::getline(lines, line);
+    EXPECT_EQ(line.rfind('"' + below + "\",420,", 0), 0u) << line;
+    std::getline(lines, line);
+    EXPECT_EQ(line.rfind(first + ",210," + sum + ",", 0), 0u) << line;
+    std::getline(lines, line);
+    EXPECT_EQ(line.rfind(last, 0), 0u) << line;
+    EXPECT_FALSE(std::getline(lines, line));
+    EXPECT_EQ(run({"stats", path("many/f*.tif"), "--csv"}).output, run({"stats", first, last, "--csv"}).output);
+
+    // What fails is told, and the others go on.
+    writeBytes("many/f3.tif", "II*");
+    const Outcome some = run({"stats", path("many"), "--json", "--per", "plan"});
+    EXPECT_EQ(some.status, 1);
+    EXPECT_NE(some.error.find("f3.tif: its first bytes"), std::string::npos) << some.error;
+    EXPECT_EQ(std::count(some.output.begin(), some.output.end(), '\n'), 3);
+    const Outcome table = run({"stats", first, last});
+    EXPECT_EQ(table.output.find("path"), 0u) << table.output;
+    const std::string file = path("table.csv");
+    EXPECT_EQ(run({"stats", first, last, "-o", file}).output, "");
+    EXPECT_EQ(readBytes(file), run({"stats", first, last, "--csv"}).output);
+
+    // Pairs, one against all, and files that are one image.
+    EXPECT_EQ(run({"ncc", path("many/f*0.tif"), last, "--json"}).json()["image2"]["path"], last);
+    const std::string images[] = {write("p1.tif", 1, {}), write("p2.tif", 1, {}), write("q1.tif", 1, {}),
+                                  write("q2.tif", 1, {})};
+    const std::string pairs = run({"similarity", path("p*.tif"), path("q*.tif"), "--csv"}).output;
+    EXPECT_NE(pairs.find(images[1] + "," + images[3] + ",210,0"), std::string::npos) << pairs;
+    EXPECT_NE(run({"similarity", path("[pq]*.tif"), path("q*.tif")}).error.find("makes 2 images, where there are 4"),
+              std::string::npos);
+    const Outcome stack = run({"stats", path("p*.tif"), "--stack", "t", "--per", "plan", "--json"});
+    EXPECT_EQ(stack.json()["image"]["t"], 2);
+    EXPECT_EQ(stack.result(1)["Sum"], sumOf(0, 0));
+    EXPECT_NE(run({"stats", first, last, "--stack", "z"}).error.find("images of one type and size make a stack"),
+              std::string::npos);
+
+    std::filesystem::create_directories(path("out"));
+    EXPECT_EQ(run({"project", path("p*.tif"), "--axis", "z", "--stat", "max", "-o", path("out")}).status, 0);
+    EXPECT_EQ(run({"info", path("out/p2.tif"), "--json"}).result()["x"], width);
+    EXPECT_EQ(run({"project", path("p*.tif"), "--axis", "z", "--stat", "max", "-o", path("x.tif")}).status, 2);
+}
+
+// Places in results are those of the whole image, whatever part of it is measured.
+TEST_F(CommandTest, MeasuresPartsOfAnImage)
+{
+    const std::string file =
+        write("a.tif", 12, {.bits = 16, .description = "ImageJ=1.53\nimages=12\nchannels=3\nslices=4\n"});
+    const Outcome part = run({"stats", file, "--plane", "z=1:3,c=2", "--region", "4:9,3:8", "--per", "plan", "--json"});
+    ASSERT_EQ(part.status, 0) << part.error;
+    EXPECT_EQ(part.json()["image"]["part"], Json::parse(R"({"x": [4, 9], "y": [3, 8], "z": [1, 3], "c": [2, 3]})"));
+    ASSERT_EQ(part.json()["results"].size(), 2u);
+    for (std::size_t i = 0; i < 2; ++i) {
+        double sum = 0;
+        for (std::size_t y = 3; y < 8; ++y) {
+            for (std::size_t x = 4; x < 9; ++x) {
+                sum += pixelAt((1 + i) * 3 + 2, 0, y, x);
+            }
+        }
+        EXPECT_EQ(part.result(i)["z"], 1 + i);
+        EXPECT_EQ(part.result(i)["c"], 2);
+        EXPECT_EQ(part.result(i)["Sum"], sum);
+    }
+    const Json whole = run({"paraboloid", file, "--json"}).result()["Coefficients"];
+    const Json cut = run({"paraboloid", file, "--region", "5:,2:8", "--plane", "z=0,c=0", "--json"}).result();
+    for (const char* const coefficient : {"a", "b", "c", "d", "e", "f"}) { // a plane everywhere
+        EXPECT_NEAR(cut["Coefficients"][coefficient].get<double>(), whole[coefficient].get<double>(), 1e-9);
+    }
+    const Json all = run({"locate", file, "--binary", "--per", "volume", "--json"}).result()["Coordinates"];
+    const Json some =
+        run({"locate", file, "--binary", "--per", "volume", "--plane", "z=2,c=0", "--region", "3:7,5:9", "--json"})
+            .result()["Coordinates"];
+    Json inside = Json::array();
+    std::copy_if(all.begin(), all.end(), std::back_inserter(inside),
+                 [](const Json& at) { return at[0] >= 3 && at[0] < 7 && at[1] >= 5 && at[1] < 9 && at[2] == 2; });
+    EXPECT_EQ(some, inside);
+    const std::string profile =
+        run({"project", file, "--axis", "y", "--stat", "max", "--region", ":,7:9", "--plane", "z=0,c=1", "--csv"})
+            .output;
+    EXPECT_NE(profile.find(",0,1,0,7,"), std::string::npos) << profile;
+    EXPECT_EQ(profile.find(",0,1,0,0,"), std::string::npos) << profile;
+    for (const std::string verb : {"noise", "similarity"}) {
+        const auto measure = [&](std::vector<std::string> more) {
+            more.insert(more.begin(), {verb, file, "--json"});
+            if (verb == "similarity") {
+                more.push_back(write("b.tif", 12, {.bits = 16}));
+                more.insert(more.end(), {"--pages", "c=3,z=4"});
+            }
+            const Outcome outcome = run(more);
+            EXPECT_EQ(outcome.status, 0) << outcome.error;
+            return outcome.json()["results"];
+        };
+        const Json plans = measure({"--per", "plan"});
+        const Json plan = measure({"--plane", "z=3,c=1"});
+        Json expected = {{"z", 3}, {"c", 1}, {"t", 0}};
+        expected.update(plan[0]);
+        EXPECT_EQ(plans.size(), 12u);
+        EXPECT_EQ(plans[7], expected);
+        EXPECT_EQ(measure({"--per", "volume"}).size(), 3u);
+    }
+}
+
+// A mask with fewer axes holds for every plane, channel and time.
+TEST_F(CommandTest, AMaskRepeats)
+{
+    const std::string colour = write("rgb.tif", 2, {.samples = 3});
+    const std::string mask = write("mask.tif", 1, {.bits = 1});
+    const Outcome plans = run({"stats", colour, "--mask", mask, "--per", "plan", "--json"});
+    ASSERT_EQ(plans.status, 0) << plans.error;
+    for (std::size_t plan = 0; plan < 6; ++plan) {
+        double sum = 0;
+        for (std::size_t i = 0; i < width * height; ++i) {
+            const bool isSet = pixelAt(0, 0, i / width, i % width) % 2 != 0;
+            sum += isSet ? pixelAt(plan % 2, plan / 2, i / width, i % width) : 0;
+        }
+        EXPECT_EQ(plans.result(plan)["Sum"], sum) << plan;
+    }
+    double total = 0;
+    for (const Json& plan : plans.json()["results"]) {
+        total += plan["Sum"].get<double>();
+    }
+    for (const char* const per : {"image", "volume"}) {
+        double sum = 0;
+        for (const Json& row : run({"stats", colour, "--mask", mask, "--per", per, "--json"}).json()["results"]) {
+            sum += row["Sum"].get<double>();
+        }
+        EXPECT_EQ(sum, total);
+    }
+}
+
+TEST_F(CommandTest, ShellsCompleteWords)
+{
+    const std::string script = writeBytes("orlix.bash", run({"completion", "bash"}).output);
+    const auto complete = [&](const std::string& words, int at) {
+        const std::string command = "bash -c '. " + script + "; COMP_WORDS=(" + words +
+                                    "); COMP_CWORD=" + std::to_string(at) + "; _orlix; echo -n ${COMPREPLY[*]}'";
+        FILE* const pipe = popen(command.c_str(), "r");
+        std::string output(1000, '\0');
+        output.resize(std::fread(output.data(), 1, output.size(), pipe));
+        pclose(pipe);
+        return output;
+    };
+    EXPECT_EQ(complete("orlix hist", 1), "histogram");
+    EXPECT_EQ(complete("orlix stats --pl", 2), "--plane");
+    EXPECT_EQ(complete("orlix stats --per v", 3), "volume");
+    EXPECT_EQ(complete("orlix stats a", 2), ""); // the shell's own: files
+    for (const char* const shell : {"zsh", "fish"}) {
+        EXPECT_NE(run({"completion", shell}).output.find("paraboloid"), std::string::npos);
+    }
+    EXPECT_NE(run({"manual"}).output.find(".SS similarity"), std::string::npos);
 }
 
 // Whatever a file is cut to or a byte is turned to, the answer is a result or one line of error.
