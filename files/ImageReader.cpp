@@ -3,6 +3,7 @@
 #include <files/Errors.hpp>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 namespace orlix::files
@@ -36,11 +37,15 @@ void copyRow(const std::byte* from, std::byte* to, const Stretch& x)
 
 void copyPixels(const std::byte* from, std::byte* to, std::size_t pixelSize, const std::array<Stretch, 5>& axes)
 {
-    // The axis whose pixels lie closest in the source is copied innermost.
+    // The axis whose pixels lie closest in the target is copied innermost, the others as they lie in the source.
     std::array<Stretch, 5> sorted = axes;
     std::stable_sort(sorted.begin(), sorted.end(), [](const Stretch& a, const Stretch& b) {
         return (a.count > 1 ? a.from : INT64_MAX) < (b.count > 1 ? b.from : INT64_MAX);
     });
+    const auto inner = std::min_element(sorted.begin(), sorted.end(), [](const Stretch& a, const Stretch& b) {
+        return (a.count > 1 ? std::abs(a.to) : INT64_MAX) < (b.count > 1 ? std::abs(b.to) : INT64_MAX);
+    });
+    std::rotate(sorted.begin(), inner, inner + 1);
     const Stretch& x = sorted[0];
     const auto size = static_cast<std::int64_t>(pixelSize);
     const bool touches = x.count == 1 || (x.from == size && x.to == size);

@@ -83,6 +83,15 @@ need_packages() {
     unlock
 }
 
+# Makes a Python environment with what a list of packages names.
+need_python() {
+    local list=$1 stamp=$build/venv/.installed
+    [ "$stamp" -nt "$list" ] && return
+    quietly "installing Python packages" "$build/pip.log" bash -c "
+        python3 -m venv '$build/venv' && '$build/venv/bin/pip' install -q -r '$list'"
+    touch "$stamp"
+}
+
 # Whether nothing that goes into a preset has changed since it was last built with these targets.
 is_fresh() {
     local stamp=$build/$1/.built-$2

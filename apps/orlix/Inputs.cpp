@@ -217,6 +217,20 @@ Ptr<const BaseImage> readPart(files::ReaderPtr reader, const files::Part& part, 
     return image;
 }
 
+/// Notes which numbers are measured, where a header's scale makes two of each.
+void noteScale(const Options& options, const ImageFacts& facts, Report& report)
+{
+    if (!options.open.scaled && !facts.scale.isIdentity()) {
+        std::ostringstream scale;
+        scale << facts.scale.slope << " * stored + " << facts.scale.intercept;
+        report.notes.push_back(facts.path + ": its numbers stand for " + scale.str() +
+                               "; the stored ones are measured (--scaled: what they stand for)");
+    }
+    if (options.open.scaled && !facts.convertedFrom) {
+        report.notes.push_back(facts.path + ": its header gives no scale: the stored numbers are measured");
+    }
+}
+
 /// The mask as numbers 0 and 1, repeated where it has fewer axes than the image.
 Ptr<const BaseImage> readMask(const Options& options, const ImageFacts& image, const image::ImageGeometry& part,
                               Report& report)
@@ -361,12 +375,7 @@ Inputs::Inputs(const Options& options, bool takesBinary)
     const image::ImageGeometry whole = facts.geometry;
     origin = {options.part.x.begin, options.part.y.begin, options.part.z.begin, options.part.c.begin,
               options.part.t.begin};
-    if (!options.open.scaled && !facts.scale.isIdentity()) {
-        std::ostringstream scale;
-        scale << facts.scale.slope << " * stored + " << facts.scale.intercept;
-        report.notes.push_back(options.image.name + ": its numbers stand for " + scale.str() +
-                               "; the stored ones are measured (--scaled: what they stand for)");
-    }
+    noteScale(options, facts, report);
     image = readPart(std::move(reader), options.part, report);
     image = takesBinary ? image : asNumbers(image);
     report.members = facts.members;
@@ -377,7 +386,8 @@ Inputs::Inputs(const Options& options, bool takesBinary)
     describePart(options.part, whole, report.images.back().second);
     if (!options.others.empty()) {
         files::ReaderPtr other = open(options.image2, options, options.open);
-        const ImageFacts& facts2 = other->getFacts();
+        const ImageFacts facts2 = other->getFacts();
+        noteScale(options, facts2, report);
         if (!(facts2.geometry == whole)) {
             throw FileError{options.image2.name + ": the second image has " + toString(facts2.geometry) + ", but " +
                             options.image.name + " has " + toString(whole) + ": both need the same size"};
