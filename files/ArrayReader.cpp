@@ -191,6 +191,23 @@ image::ImageGeometry ArrayAxes::getGeometry(const std::vector<std::uint64_t>& si
     return {size(0), size(1), size(2), size(3), size(4)};
 }
 
+std::vector<ArrayRange> ArrayAxes::place(const Box& box, const PixelTarget& target, std::size_t pixelSize,
+                                         std::size_t nbDimensions) const
+{
+    const std::array<ArrayRange, 5> ranges{ArrayRange{box.begin.x, box.size.x, static_cast<std::ptrdiff_t>(pixelSize)},
+                                           {box.begin.y, box.size.y, target.strides.y},
+                                           {box.begin.z, box.size.z, target.strides.z},
+                                           {box.begin.c, box.size.c, target.strides.c},
+                                           {box.begin.t, box.size.t, target.strides.t}};
+    std::vector<ArrayRange> placed(nbDimensions);
+    for (std::size_t axis = 0; axis < ranges.size(); ++axis) {
+        if (dimensions[axis] != none) {
+            placed[dimensions[axis]] = ranges[axis];
+        }
+    }
+    return placed;
+}
+
 ArrayAxes findArrayAxes(const Source& source, const std::vector<std::uint64_t>& sizes, const std::string& stated,
                         const std::string& statedBy)
 {

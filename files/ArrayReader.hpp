@@ -11,6 +11,14 @@
 namespace orlix::files
 {
 
+/// Elements along a dimension of an array that are read.
+struct ArrayRange
+{
+    std::uint64_t begin = 0;
+    std::uint64_t count = 1;
+    std::ptrdiff_t stride = 0; ///< between them in the target, in bytes
+};
+
 /// What the dimensions of an array are.
 struct ArrayAxes
 {
@@ -21,6 +29,9 @@ struct ArrayAxes
     std::array<std::size_t, 5> dimensions{}; ///< of x, y, z, c and t; `none` where the array lacks the axis
 
     image::ImageGeometry getGeometry(const std::vector<std::uint64_t>& sizes) const;
+    /// The part of an array of so many dimensions that a box covers.
+    std::vector<ArrayRange> place(const Box& box, const PixelTarget& target, std::size_t pixelSize,
+                                  std::size_t nbDimensions) const;
 };
 
 /// Finds the axes of an array whose sizes are told slowest first: those of the options, else those that the file states

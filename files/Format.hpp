@@ -34,6 +34,9 @@ struct Source
     [[noreturn]] void fail(const std::string& what) const;
     /// Facts to begin with.
     ImageFacts describe(const char* format) const;
+    /// The image that the options pick of those that the file holds, a line each. Fails where they pick none of
+    /// several; `otherwise`: how else one may be named.
+    std::size_t chooseSeries(const std::vector<std::string>& series, const std::string& otherwise = {}) const;
 };
 
 /// A kind of file that may be read.

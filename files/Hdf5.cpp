@@ -212,28 +212,10 @@ public:
 
     void read(const Box& box, const PixelTarget& target) override
     {
-        const std::array<std::size_t, 5> begin{box.begin.x, box.begin.y, box.begin.z, box.begin.c, box.begin.t};
-        const std::array<std::size_t, 5> size{box.size.x, box.size.y, box.size.z, box.size.c, box.size.t};
-        const std::array<std::ptrdiff_t, 5> strides{static_cast<std::ptrdiff_t>(getPixelSize(facts_.type)),
-                                                    target.strides.y, target.strides.z, target.strides.c,
-                                                    target.strides.t};
-        std::vector<Dimension> dimensions(chunk_.size());
-        for (std::size_t axis = 0; axis < 5; ++axis) {
-            if (axes_.dimensions[axis] != ArrayAxes::none) {
-                dimensions[axes_.dimensions[axis]] = {begin[axis], size[axis], strides[axis]};
-            }
-        }
-        readBlock(dimensions, target.first);
+        readBlock(axes_.place(box, target, getPixelSize(facts_.type), chunk_.size()), target.first);
     }
 
 private:
-    struct Dimension
-    {
-        hsize_t begin = 0;
-        hsize_t count = 1;
-        std::ptrdiff_t stride = 0; // in the target
-    };
-
     void openDataset(const Source& source)
     {
         std::string path = source.inner;
@@ -247,15 +229,8 @@ private:
             for (const std::string& each : paths) {
                 facts_.series.push_back(describeDataset(file_.get(), each));
             }
-            const std::size_t chosen = source.options.series.value_or(0);
-            if (chosen >= paths.size() || (paths.size() > 1 && !source.options.series && !source.options.listsSeries)) {
-                std::string list;
-                for (const std::string& each : facts_.series) {
-                    list += (list.empty() ? "" : "; ") + each;
-                }
-                fail("it holds " + std::to_string(paths.size()) + " arrays: name one as " + source.name + ":" +
-                     paths[0] + ", or pick one with --series (" + list + ")");
-            }
+            const std::size_t chosen =
+                source.chooseSeries(facts_.series, ", or name one as " + source.name + ":" + paths[0]);
             path = paths[chosen];
             if (paths.size() == 1) {
                 facts_.series.clear();
@@ -323,7 +298,7 @@ private:
     }
 
     /// Reads a block at once where it is small or lies in the target as in the file, else in parts of whole chunks.
-    void readBlock(const std::vector<Dimension>& block, std::byte* to)
+    void readBlock(const std::vector<ArrayRange>& block, std::byte* to)
     {
         constexpr std::size_t mostAtOnce = std::size_t{64} << 20;
         std::size_t bytes = getPixelSize(facts_.type);
@@ -336,10 +311,10 @@ private:
             readHyperslab(block, to);
             return;
         }
-        const auto widest = std::find_if(block.begin(), block.end(), [](const Dimension& d) { return d.count > 1; });
+        const auto widest = std::find_if(block.begin(), block.end(), [](const ArrayRange& d) { return d.count > 1; });
         const auto index = static_cast<std::size_t>(widest - block.begin());
         if (bytes > mostAtOnce && widest->count > chunk_[index]) {
-            std::vector<Dimension> part = block;
+            std::vector<ArrayRange> part = block;
             const hsize_t end = widest->begin + widest->count;
             const hsize_t middle =
                 (widest->begin + widest->count / 2 + chunk_[index] - 1) / chunk_[index] * chunk_[index];
@@ -366,11 +341,11 @@ private:
         copyPixels(buffer.data(), to, getPixelSize(facts_.type), axes);
     }
 
-    void readHyperslab(const std::vector<Dimension>& block, std::byte* to)
+    void readHyperslab(const std::vector<ArrayRange>& block, std::byte* to)
     {
         std::vector<hsize_t> begin;
         std::vector<hsize_t> count;
-        for (const Dimension& dimension : block) {
+        for (const ArrayRange& dimension : block) {
             begin.push_back(dimension.begin);
             count.push_back(dimension.count);
         }

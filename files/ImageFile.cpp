@@ -324,6 +324,23 @@ ImageFacts Source::describe(const char* format) const
     return facts;
 }
 
+std::size_t Source::chooseSeries(const std::vector<std::string>& series, const std::string& otherwise) const
+{
+    std::string list;
+    for (std::size_t i = 0; i < series.size(); ++i) {
+        list.append(i == 0 ? "" : "; ").append(std::to_string(i)).append(": ").append(series[i]);
+    }
+    const std::size_t chosen = options.series.value_or(0);
+    if (chosen >= series.size()) {
+        fail("there is no series " + std::to_string(chosen) + " (" + list + ")");
+    }
+    if (!options.series && !options.listsSeries && series.size() > 1) {
+        fail("it holds " + std::to_string(series.size()) + " images: pick one with --series" + otherwise + " (" + list +
+             ")");
+    }
+    return chosen;
+}
+
 ReaderPtr openImage(const std::string& path, const OpenOptions& options)
 {
     const Source source = locate(path, options);

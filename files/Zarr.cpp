@@ -408,17 +408,7 @@ public:
 
     void read(const Box& box, const PixelTarget& target) override
     {
-        const std::array<std::size_t, 5> begin{box.begin.x, box.begin.y, box.begin.z, box.begin.c, box.begin.t};
-        const std::array<std::size_t, 5> size{box.size.x, box.size.y, box.size.z, box.size.c, box.size.t};
-        const std::array<std::ptrdiff_t, 5> strides{static_cast<std::ptrdiff_t>(getPixelSize(facts_.type)),
-                                                    target.strides.y, target.strides.z, target.strides.c,
-                                                    target.strides.t};
-        Wanted wanted{std::vector<Dimension>(array_.sizes.size()), target.first};
-        for (std::size_t axis = 0; axis < 5; ++axis) {
-            if (axes_.dimensions[axis] != ArrayAxes::none) {
-                wanted.dimensions[axes_.dimensions[axis]] = {begin[axis], size[axis], strides[axis]};
-            }
-        }
+        const Wanted wanted{axes_.place(box, target, getPixelSize(facts_.type), array_.sizes.size()), target.first};
         forEachChunk(array_.chunks, wanted,
                      [&](const std::vector<std::uint64_t>& chunk, const Wanted& part) { readChunk(chunk, part); });
     }
@@ -434,16 +424,10 @@ public:
     }
 
 private:
-    /// Elements along a dimension of an array, or of a chunk, that are wanted.
-    struct Dimension
-    {
-        std::uint64_t begin = 0;
-        std::uint64_t count = 1;
-        std::ptrdiff_t stride = 0; // in the target
-    };
+    /// Elements of an array, or of a chunk, that are wanted.
     struct Wanted
     {
-        std::vector<Dimension> dimensions;
+        std::vector<ArrayRange> dimensions;
         std::byte* to;
     };
 
@@ -470,14 +454,7 @@ private:
         for (const Found& each : images) {
             facts_.series.push_back(fs::relative(each.path, source.path).string());
         }
-        const std::size_t chosen = source.options.series.value_or(0);
-        if (chosen >= images.size() || (images.size() > 1 && !source.options.series && !source.options.listsSeries)) {
-            std::string list;
-            for (std::size_t i = 0; i < images.size(); ++i) {
-                list += (i == 0 ? "" : "; ") + std::to_string(i) + ": " + facts_.series[i];
-            }
-            fail("it holds " + std::to_string(images.size()) + " images: pick one with --series (" + list + ")");
-        }
+        const std::size_t chosen = source.chooseSeries(facts_.series, ", or name its folder");
         if (images.size() == 1) {
             facts_.series.clear();
         }
@@ -512,15 +489,15 @@ private:
         std::vector<std::uint64_t> first(count);
         std::vector<std::uint64_t> last(count);
         for (std::size_t i = 0; i < count; ++i) {
-            const Dimension& dimension = wanted.dimensions[i];
+            const ArrayRange& dimension = wanted.dimensions[i];
             first[i] = dimension.begin / chunks.shape[i];
             last[i] = (dimension.begin + dimension.count - 1) / chunks.shape[i];
         }
         std::vector<std::uint64_t> chunk = first;
         for (;;) {
-            Wanted part{std::vector<Dimension>(count), wanted.to};
+            Wanted part{std::vector<ArrayRange>(count), wanted.to};
             for (std::size_t i = 0; i < count; ++i) {
-                const Dimension& dimension = wanted.dimensions[i];
+                const ArrayRange& dimension = wanted.dimensions[i];
                 const std::uint64_t origin = chunk[i] * chunks.shape[i];
                 const std::uint64_t begin = std::max(origin, dimension.begin);
                 const std::uint64_t end = std::min(origin + chunks.shape[i], dimension.begin + dimension.count);

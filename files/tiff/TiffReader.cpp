@@ -603,25 +603,6 @@ ReaderPtr findHiddenPages(const Source& source, TiffFile& file, const StatedAxes
     return readArray(plain, std::move(array));
 }
 
-std::size_t chooseSeries(const Source& source, const std::vector<Series>& series)
-{
-    const auto list = [&] {
-        std::string text;
-        for (std::size_t i = 0; i < series.size(); ++i) {
-            text += (i == 0 ? "" : "; ") + std::to_string(i) + ": " + series[i].text;
-        }
-        return text;
-    };
-    const std::size_t chosen = source.options.series.value_or(0);
-    if (chosen >= series.size()) {
-        source.fail("there is no series " + std::to_string(chosen) + " (" + list() + ")");
-    }
-    if (!source.options.series && !source.options.listsSeries && series.size() > 1) {
-        source.fail("it holds " + std::to_string(series.size()) + " images: pick one with --series (" + list() + ")");
-    }
-    return chosen;
-}
-
 } // namespace
 
 ReaderPtr openTiff(const Source& source)
@@ -635,16 +616,16 @@ ReaderPtr openTiff(const Source& source)
     if (all.empty()) {
         source.fail("its OME-XML describes no image");
     }
-    Series& series = all[chooseSeries(source, all)];
+    std::vector<std::string> names;
+    for (const Series& each : all) {
+        names.push_back(each.text);
+    }
+    Series& series = all[source.chooseSeries(names)];
     if (series.ome && !series.ome->fault.empty()) {
         source.fail("its OME axes " + series.ome->fault +
                     ": tell how its pages nest, such as --pages z=" + std::to_string(file.getFullPages().size()));
     }
     const std::size_t count = series.pages.size();
-    std::vector<std::string> names;
-    for (const Series& each : all) {
-        names.push_back(each.text);
-    }
     std::vector<std::string> members;
     for (const PageRef& ref : series.pages) {
         if (ref.path != source.path && (members.empty() || members.back() != ref.path)) {

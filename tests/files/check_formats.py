@@ -505,7 +505,7 @@ def check_hdf5():
             file["second"].dims[dimension].label = label
         file["line"] = np.zeros(7)
         file["text"] = "no image"
-    expect_error("a.h5", "it holds 2 arrays: name one as a.h5:/group/first, or pick one with --series")
+    expect_error("a.h5", "it holds 2 images: pick one with --series, or name one as a.h5:/group/first (0: /group/first (5 x 18 x 19 uint16)")
     expect("a.h5:/group/first", first, "ZYX", pixelSize=[0.25, 0.5, 2], unit="um")
     expect("a.h5:/group", first, "ZYX")
     expect("a.h5:/second", second.astype("int16"), "YXCT", rule="dimension labels")
