@@ -40,6 +40,13 @@ std::vector<std::string> HeaderText::getWords(const std::string& key) const
     return splitWords(get(key));
 }
 
+void HeaderText::failWord(const std::string& key, const std::string& word, const char* kind) const
+{
+    std::string what = "its header's \"";
+    what.append(key).append("\" holds \"").append(word).append("\", which is no ").append(kind);
+    source_.fail(what);
+}
+
 std::vector<double> HeaderText::getNumbers(const std::string& key) const
 {
     std::vector<double> numbers;
@@ -47,7 +54,7 @@ std::vector<double> HeaderText::getNumbers(const std::string& key) const
         char* end = nullptr;
         numbers.push_back(std::strtod(word.c_str(), &end));
         if (*end != '\0') {
-            source_.fail("its header's \"" + key + "\" holds \"" + word + "\", which is no number");
+            failWord(key, word, "number");
         }
     }
     return numbers;
@@ -60,7 +67,7 @@ std::vector<std::uint64_t> HeaderText::getSizes(const std::string& key) const
         std::uint64_t size = 0;
         const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), size);
         if (error != std::errc{} || end != word.data() + word.size()) {
-            source_.fail("its header's \"" + key + "\" holds \"" + word + "\", which is no size");
+            failWord(key, word, "size");
         }
         sizes.push_back(size);
     }

@@ -28,6 +28,8 @@ public:
     std::vector<std::uint64_t> getSizes(const std::string& key) const;
 
 private:
+    [[noreturn]] void failWord(const std::string& key, const std::string& word, const char* kind) const;
+
     const Source& source_;
     std::map<std::string, std::string> fields_;
 };

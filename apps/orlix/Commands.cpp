@@ -648,7 +648,7 @@ private:
 
     std::string nameOutput(const std::string& image)
     {
-        const std::string path = (fs::path{options_.output} / (fs::path{image}.stem().string() + ".tif")).string();
+        std::string path = (fs::path{options_.output} / (fs::path{image}.stem().string() + ".tif")).string();
         if (!outputs_.insert(path).second) {
             throw FileError{image + ": " + path + " was written for another image: give them names of their own"};
         }

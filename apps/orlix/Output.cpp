@@ -336,10 +336,9 @@ void ReportPrinter::printTable(const std::vector<Json>& results)
     }
     std::vector<std::vector<std::string>> rows{columns};
     std::vector<bool> isText(columns.size(), false);
-    std::vector<std::size_t> widths;
-    for (const std::string& column : columns) {
-        widths.push_back(column.size());
-    }
+    std::vector<std::size_t> widths(columns.size());
+    std::transform(columns.begin(), columns.end(), widths.begin(),
+                   [](const std::string& column) { return column.size(); });
     for (const Json& row : results) {
         rows.emplace_back();
         for (std::size_t i = 0; i < columns.size(); ++i) {

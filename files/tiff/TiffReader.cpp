@@ -79,7 +79,7 @@ class TiffFile
 public:
     TiffFile(const std::string& path, const std::string& name) : name_{name}
     {
-        FileDescriptor{path, name}; // says why, where it cannot be opened
+        const FileDescriptor file{path, name}; // says why, where it cannot be opened
         tiff_ = openTiff(path, "r", messages_);
         if (!tiff_) {
             failReading("it is no TIFF file, or a damaged one");
@@ -617,6 +617,7 @@ ReaderPtr openTiff(const Source& source)
         source.fail("its OME-XML describes no image");
     }
     std::vector<std::string> names;
+    names.reserve(all.size());
     for (const Series& each : all) {
         names.push_back(each.text);
     }

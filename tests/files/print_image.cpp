@@ -75,10 +75,12 @@ int main(int argc, char** argv)
                                         {"compression", facts.compression},
                                         {"series", facts.series},
                                         {"notes", notes}};
-        std::cout << printed.dump() << "\n";
+        std::cout << printed.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
         return 0;
     } catch (const std::exception& error) {
-        std::cout << nlohmann::json{{"error", error.what()}}.dump() << "\n";
+        std::cout << nlohmann::json{{"error", error.what()}}.dump(-1, ' ', false,
+                                                                  nlohmann::json::error_handler_t::replace)
+                  << "\n";
         return 1;
     }
 }
