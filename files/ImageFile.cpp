@@ -355,7 +355,7 @@ ReaderPtr openImage(const std::string& path, const OpenOptions& options)
                                           : "its first bytes are those of no image that is read (" + known + ")");
     }
     if (format->open == nullptr) {
-        source.fail(std::string{"it is a file of "} + format->name + ", which this program was built without");
+        source.fail(std::string{"it is of the format "} + format->name + ", which this program was built without");
     }
     if (!source.inner.empty() && std::string_view{format->name} != "HDF5") {
         source.fail(std::string{"there is no path in a file of "} + format->name);
