@@ -1,8 +1,7 @@
 #include <files/ArrayReader.hpp>
 #include <files/Format.hpp>
 #include <files/Nesting.hpp>
-#include <files/tiff/LibTiff.hpp>
-#include <files/tiff/TiffAxes.hpp>
+#include <files/tiff/TiffFile.hpp>
 
 #include <pugixml.hpp>
 
@@ -17,205 +16,6 @@ namespace orlix::files
 
 namespace
 {
-
-constexpr std::uint32_t tagImageDepth = TIFFTAG_IMAGEDEPTH; // planes of a volume in one page
-
-/// What a page is.
-struct Page
-{
-    std::uint32_t x = 0;
-    std::uint32_t y = 0;
-    std::uint32_t depth = 1;
-    std::uint16_t bits = 1;
-    std::uint16_t samples = 1;
-    std::uint16_t format = SAMPLEFORMAT_UINT;
-
-    friend bool operator==(const Page&, const Page&) = default;
-
-    std::size_t nbPixels() const { return std::size_t{x} * y * depth * samples; }
-};
-
-std::string nameSamples(const Page& page)
-{
-    static constexpr const char* kinds[] = {"",        "unsigned integer", "signed integer", "float",
-                                            "untyped", "complex integer",  "complex float"};
-    const std::string kind = page.format < std::size(kinds) ? kinds[page.format] : "unknown";
-    return std::to_string(page.bits) + "-bit " + kind;
-}
-
-std::string describe(const Page& page, std::size_t pages)
-{
-    std::string text = std::to_string(page.x) + " x " + std::to_string(page.y);
-    text += page.samples == 1 ? "" : ", " + std::to_string(page.samples) + " samples";
-    text += pages == 1 ? "" : ", " + std::to_string(pages) + " pages";
-    return text + ", " + nameSamples(page);
-}
-
-std::optional<StoredType> findType(const Page& page)
-{
-    if (page.format == SAMPLEFORMAT_IEEEFP) {
-        return page.bits % 8 == 0 ? findStoredType(NumberKind::Float, page.bits / 8) : std::nullopt;
-    }
-    if (page.format != SAMPLEFORMAT_UINT && page.format != SAMPLEFORMAT_INT) {
-        return std::nullopt;
-    }
-    if (page.bits == 1) {
-        return StoredType::Binary;
-    }
-    if (page.bits < 16 && page.bits != 8) { // packed
-        return page.format == SAMPLEFORMAT_INT ? std::nullopt
-               : page.bits < 8                 ? std::optional{StoredType::UInt8}
-                                               : std::optional{StoredType::UInt16};
-    }
-    return page.bits % 8 == 0
-               ? findStoredType(page.format == SAMPLEFORMAT_INT ? NumberKind::Signed : NumberKind::Unsigned,
-                                page.bits / 8)
-               : std::nullopt;
-}
-
-/// A file with its pages.
-class TiffFile
-{
-public:
-    TiffFile(const std::string& path, const std::string& name) : name_{name}
-    {
-        const FileDescriptor file{path, name}; // says why, where it cannot be opened
-        tiff_ = openTiff(path, "r", messages_);
-        if (!tiff_) {
-            failReading("it is no TIFF file, or a damaged one");
-        }
-        listPages();
-    }
-
-    TIFF* get() const { return tiff_.get(); }
-    const std::string& getDescription() const { return description_; }
-    const Page& getPage(std::size_t i) const { return pages_[i]; }
-    std::size_t nbPages() const { return pages_.size(); }
-
-    /// The pages that are neither masks nor reduced versions of others; all, if there are none else.
-    const std::vector<std::size_t>& getFullPages() const { return fullPages_; }
-    /// The number among all pages of a page.
-    std::size_t findPage(const PageRef& ref) const
-    {
-        const std::size_t count = ref.countsAll ? pages_.size() : fullPages_.size();
-        if (ref.page >= count) {
-            fail("page " + std::to_string(ref.page) + " is wanted, but there are " + std::to_string(count));
-        }
-        return ref.countsAll ? ref.page : fullPages_[ref.page];
-    }
-
-    /// Makes a page the one that is read; what libtiff said of others is forgotten.
-    void select(std::size_t page)
-    {
-        const std::string damage = messages_.warning;
-        if (TIFFSetSubDirectory(tiff_.get(), offsets_[page]) == 0) {
-            failReading("page " + std::to_string(page) + " cannot be read");
-        }
-        messages_.warning = damage;
-    }
-
-    template <class T>
-    T getField(std::uint32_t tag, T otherwise = {}) const
-    {
-        T value = otherwise;
-        return TIFFGetFieldDefaulted(tiff_.get(), tag, &value) != 0 ? value : otherwise;
-    }
-
-    [[noreturn]] void fail(const std::string& what) const { Source{{}, name_}.fail(what); }
-    /// Fails with libtiff's own words, if it has any.
-    [[noreturn]] void failReading(const std::string& what) const
-    {
-        fail(messages_.error.empty() ? what : what + " (" + messages_.error + ")");
-    }
-    void forgetWarnings() { messages_.warning.clear(); }
-    const std::string& getWarning() const { return messages_.warning; }
-
-private:
-    Page describePage() const
-    {
-        Page page;
-        page.x = getField<std::uint32_t>(TIFFTAG_IMAGEWIDTH);
-        page.y = getField<std::uint32_t>(TIFFTAG_IMAGELENGTH);
-        page.depth = std::max<std::uint32_t>(1, getField<std::uint32_t>(tagImageDepth, 1));
-        page.bits = getField<std::uint16_t>(TIFFTAG_BITSPERSAMPLE, 1);
-        page.samples = getField<std::uint16_t>(TIFFTAG_SAMPLESPERPIXEL, 1);
-        page.format = getField<std::uint16_t>(TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
-        if (page.format == SAMPLEFORMAT_VOID) {
-            page.format = SAMPLEFORMAT_UINT;
-        }
-        return page;
-    }
-
-    void listPages()
-    {
-        for (;;) {
-            if (const auto kind = getField<std::uint32_t>(TIFFTAG_SUBFILETYPE);
-                (kind & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) == 0) {
-                if (fullPages_.empty()) {
-                    readDescription();
-                }
-                fullPages_.push_back(pages_.size());
-            }
-            pages_.push_back(describePage());
-            offsets_.push_back(TIFFCurrentDirOffset(tiff_.get()));
-            if (pages_.size() == 1) {
-                readDescription();
-            }
-            if (TIFFLastDirectory(tiff_.get()) != 0) {
-                break;
-            }
-            if (TIFFReadDirectory(tiff_.get()) == 0) {
-                failReading("page " + std::to_string(pages_.size()) +
-                            " cannot be read: the file is cut short or damaged");
-            }
-        }
-        for (std::size_t i = 0; fullPages_.empty() && i < pages_.size(); ++i) {
-            fullPages_.push_back(i);
-        }
-    }
-
-    void readDescription()
-    {
-        const char* text = nullptr;
-        if (TIFFGetField(tiff_.get(), TIFFTAG_IMAGEDESCRIPTION, &text) != 0 && text != nullptr) {
-            description_ = text;
-        }
-    }
-
-    std::string name_;
-    TiffMessages messages_; // before tiff_, which writes to it until it is closed
-    TiffHandle tiff_;
-    std::vector<Page> pages_;
-    std::vector<std::uint64_t> offsets_; // of the directories
-    std::vector<std::size_t> fullPages_;
-    std::string description_;
-};
-
-/// The files of a set; those that are not the first are opened when they are needed.
-class TiffSet
-{
-public:
-    TiffSet(const Source& source) : name_{source.name}, path_{source.path} {}
-
-    TiffFile& get(const std::string& path)
-    {
-        auto& slot = path == path_ ? main_ : other_;
-        if (!slot || (&slot == &other_ && otherPath_ != path)) {
-            slot = std::make_unique<TiffFile>(path, path == path_ ? name_ : path);
-            if (&slot == &other_) {
-                otherPath_ = path;
-            }
-        }
-        return *slot;
-    }
-
-private:
-    std::string name_;
-    std::string path_;
-    std::unique_ptr<TiffFile> main_;
-    std::unique_ptr<TiffFile> other_;
-    std::string otherPath_;
-};
 
 /// The pages of one image, on z, with their samples as channels. A page of a volume is as many as it has planes.
 class TiffPages final : public ImageReader
@@ -282,7 +82,7 @@ public:
         facts_.series = series;
         facts_.members = members;
     }
-    const Page& getPage() const { return page_; }
+    const TiffPage& getPage() const { return page_; }
 
 private:
     void findPixelSize(const TiffFile& file)
@@ -303,7 +103,7 @@ private:
     void readPage(TiffFile& file, std::size_t number, std::size_t plane, const Box& box, const PixelTarget& target)
     {
         const std::string page = "page " + std::to_string(number);
-        if (const Page& other = file.getPage(number); !(other == page_)) {
+        if (const TiffPage& other = file.getPage(number); !(other == page_)) {
             file.fail(page + " has " + describe(other, 1) + " pixels, but the first page of the image " +
                       describe(page_, 1) + ": pages of one size and type are needed");
         }
@@ -489,7 +289,7 @@ private:
 
     std::shared_ptr<TiffSet> set_;
     std::vector<PageRef> pages_;
-    Page page_;
+    TiffPage page_;
     std::unique_ptr<std::byte[]> scratch_;
     std::size_t scratchSize_ = 0;
 };
@@ -506,9 +306,9 @@ struct Series
 std::vector<Series> groupPages(const Source& source, const TiffFile& file)
 {
     std::vector<Series> series;
-    std::vector<Page> kinds;
+    std::vector<TiffPage> kinds;
     for (std::size_t i = 0; i < file.getFullPages().size(); ++i) {
-        const Page& page = file.getPage(file.getFullPages()[i]);
+        const TiffPage& page = file.getPage(file.getFullPages()[i]);
         const auto kind = std::find(kinds.begin(), kinds.end(), page);
         const auto which = static_cast<std::size_t>(kind - kinds.begin());
         if (kind == kinds.end()) {
@@ -576,7 +376,7 @@ std::vector<Series> listOmeImages(const Source& source, TiffSet& set, const std:
 /// Pixels that all lie behind the first page, as ImageJ writes a stack of more than 4 GiB; null if they do not.
 ReaderPtr findHiddenPages(const Source& source, TiffFile& file, const StatedAxes& stated, const ImageFacts& facts)
 {
-    const Page& page = file.getPage(0);
+    const TiffPage& page = file.getPage(0);
     const bool isPlain = file.getField<std::uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE) == COMPRESSION_NONE &&
                          (page.samples == 1 || file.getField<std::uint16_t>(
                                                    TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == PLANARCONFIG_CONTIG) &&
@@ -645,7 +445,7 @@ ReaderPtr openTiff(const Source& source)
         pages->setFacts(ome.pixelSize, ome.unit, {});
         return nestPages(std::move(pages), ome.nesting);
     }
-    const Page& page = pages->getPage();
+    const TiffPage& page = pages->getPage();
     const StatedAxes stated = all.size() == 1 ? parseDescription(source, description, page.nbPixels()) : StatedAxes{};
     pages->setFacts({0, 0, stated.spacing}, stated.unit, stated.scale);
     if (count == 1 && page.depth == 1) {
