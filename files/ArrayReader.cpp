@@ -63,10 +63,8 @@ public:
             std::reverse(array.axes.begin(), array.axes.end());
         }
         const ArrayAxes axes = findArrayAxes(source, array.sizes, array.axes, array.axesBy);
-        facts_.geometry = axes.getGeometry(array.sizes);
-        facts_.axes = axes.letters;
-        facts_.axesRule = axes.rule;
-        if (const std::string doubt = describeColourDoubt(axes, facts_.geometry); !doubt.empty()) {
+        axes.describe(array.sizes, facts_);
+        if (const std::string doubt = describeColourDoubt(facts_); !doubt.empty()) {
             note(doubt);
         }
         std::uint64_t stride = getPixelSize(facts_.type);
@@ -185,10 +183,13 @@ private:
 
 } // namespace
 
-image::ImageGeometry ArrayAxes::getGeometry(const std::vector<std::uint64_t>& sizes) const
+void ArrayAxes::describe(const std::vector<std::uint64_t>& sizes, ImageFacts& facts) const
 {
     const auto size = [&](std::size_t axis) { return dimensions[axis] == none ? 1 : sizes[dimensions[axis]]; };
-    return {size(0), size(1), size(2), size(3), size(4)};
+    facts.geometry = {size(0), size(1), size(2), size(3), size(4)};
+    facts.axes = letters;
+    facts.axesRule = rule;
+    facts.axesBy = by;
 }
 
 std::vector<ArrayRange> ArrayAxes::place(const Box& box, const PixelTarget& target, std::size_t pixelSize,
@@ -214,6 +215,7 @@ ArrayAxes findArrayAxes(const Source& source, const std::vector<std::uint64_t>& 
     ArrayAxes axes;
     axes.letters = source.options.axes;
     axes.rule = "--axes";
+    axes.by = AxesBy::Axes;
     const auto upper = [](std::string& text) {
         std::transform(text.begin(), text.end(), text.begin(),
                        [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
@@ -225,9 +227,16 @@ ArrayAxes findArrayAxes(const Source& source, const std::vector<std::uint64_t>& 
         }
     } else {
         axes.letters = stated;
+        // Names of no axis are as good as none.
+        for (std::size_t i = 0; i < std::min(stated.size(), sizes.size()); ++i) {
+            if (stated[i] == '?' && sizes[i] != 1) {
+                axes.letters.clear();
+            }
+        }
         upper(axes.letters);
         axes.rule = statedBy;
-        if (!stated.empty() && !findFault(axes.letters, sizes).empty()) {
+        axes.by = AxesBy::File;
+        if (!axes.letters.empty() && !findFault(axes.letters, sizes).empty()) {
             source.fail("its axes \"" + stated + "\" (" + statedBy + ") " + findFault(axes.letters, sizes) +
                         ": name them with --axes");
         }
@@ -245,6 +254,7 @@ ArrayAxes findArrayAxes(const Source& source, const std::vector<std::uint64_t>& 
         }
         axes.letters = std::string(skipped, '_') + std::string{"TCZYX"}.substr(5 - count);
         axes.rule = "the number of dimensions";
+        axes.by = AxesBy::Guess;
     }
     axes.dimensions.fill(ArrayAxes::none);
     for (std::size_t i = 0; i < sizes.size(); ++i) {
@@ -255,14 +265,31 @@ ArrayAxes findArrayAxes(const Source& source, const std::vector<std::uint64_t>& 
     return axes;
 }
 
-std::string describeColourDoubt(const ArrayAxes& axes, const image::ImageGeometry& geometry)
+std::optional<StoredType> findNumpyType(const std::string& code)
 {
-    const bool isGuess = axes.rule == "the number of dimensions";
-    if (!isGuess || geometry.z < 8 || geometry.y < 8 || geometry.x < 2 || geometry.x > 4) {
+    const auto bytes = static_cast<std::size_t>(code.size() > 1 ? std::strtoul(code.c_str() + 1, nullptr, 10) : 0);
+    switch (code.empty() ? '\0' : code[0]) {
+    case 'b':
+        return bytes == 1 ? std::optional{StoredType::Binary} : std::nullopt;
+    case 'u':
+        return findStoredType(NumberKind::Unsigned, bytes);
+    case 'i':
+        return findStoredType(NumberKind::Signed, bytes);
+    case 'f':
+        return findStoredType(NumberKind::Float, bytes);
+    default:
+        return std::nullopt;
+    }
+}
+
+std::string describeColourDoubt(const ImageFacts& facts)
+{
+    const image::ImageGeometry& size = facts.geometry;
+    if (facts.axesBy != AxesBy::Guess || size.z < 8 || size.y < 8 || size.x < 2 || size.x > 4) {
         return "";
     }
-    return "its last dimension of " + std::to_string(geometry.x) +
-           " was taken for x: if it holds colours, say --axes " + axes.letters.substr(1) + "S";
+    return "its last dimension of " + std::to_string(size.x) + " was taken for x: if it holds colours, say --axes " +
+           facts.axes.substr(1) + "S";
 }
 
 void openPixels(const Source& source, PixelArray& array, const std::vector<std::string>& paths, std::int64_t skip,
@@ -278,9 +305,16 @@ void openPixels(const Source& source, PixelArray& array, const std::vector<std::
         }
     }
     const std::uint64_t each = pixelBytes / paths.size();
+    std::vector<std::uint64_t> begins;
+    bool areWhole = true;
+    for (const std::string& path : paths) {
+        const std::uint64_t fileSize = getFileSize(path);
+        begins.push_back(skip < 0 ? fileSize - std::min(fileSize, each)
+                                  : array.offset + static_cast<std::uint64_t>(skip));
+        areWhole = areWhole && begins.back() <= fileSize && fileSize - begins.back() >= each;
+    }
+    const std::uint64_t begin = begins[0];
     const std::uint64_t fileSize = getFileSize(paths[0]);
-    const std::uint64_t begin =
-        skip < 0 ? fileSize - std::min(fileSize, each) : array.offset + static_cast<std::uint64_t>(skip);
     if (paths[0] != source.path) {
         array.facts.members = paths;
     }
@@ -295,8 +329,11 @@ void openPixels(const Source& source, PixelArray& array, const std::vector<std::
     }
     array.available = fileSize - std::min(fileSize, begin);
     if (paths.size() > 1) {
-        array.available = array.available < each ? array.available * paths.size() : pixelBytes;
-        array.bytes = joinBytes(paths, begin, std::max<std::uint64_t>(each, 1));
+        if (!areWhole) {
+            source.fail("one of its data files is cut short: each holds " + std::to_string(each) + " bytes of pixels");
+        }
+        array.available = pixelBytes;
+        array.bytes = joinBytes(paths, begins, std::max<std::uint64_t>(each, 1));
     } else {
         array.bytes = openBytes(paths[0], source.name);
         array.offset = begin;

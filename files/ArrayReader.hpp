@@ -24,11 +24,13 @@ struct ArrayAxes
 {
     static constexpr std::size_t none = ~std::size_t{0};
 
-    std::string letters;                     ///< slowest first
-    std::string rule;                        ///< what gave them
+    std::string letters; ///< slowest first
+    std::string rule;    ///< what gave them, in words
+    AxesBy by = AxesBy::File;
     std::array<std::size_t, 5> dimensions{}; ///< of x, y, z, c and t; `none` where the array lacks the axis
 
-    image::ImageGeometry getGeometry(const std::vector<std::uint64_t>& sizes) const;
+    /// Enters what they make of an array of these sizes.
+    void describe(const std::vector<std::uint64_t>& sizes, ImageFacts& facts) const;
     /// The part of an array of so many dimensions that a box covers.
     std::vector<ArrayRange> place(const Box& box, const PixelTarget& target, std::size_t pixelSize,
                                   std::size_t nbDimensions) const;
@@ -64,7 +66,10 @@ void openPixels(const Source& source, PixelArray& array, const std::vector<std::
 /// The reader of such pixels. Throws FileError where they are more than there are bytes.
 ReaderPtr readArray(const Source& source, PixelArray array);
 
+/// The type of an element by NumPy's code, as "u2", "f8" or "b1"; none if it is no number.
+std::optional<StoredType> findNumpyType(const std::string& code);
+
 /// Notes for arrays whose last axis looks like colours and is taken for x; empty if it does not.
-std::string describeColourDoubt(const ArrayAxes& axes, const image::ImageGeometry& geometry);
+std::string describeColourDoubt(const ImageFacts& facts);
 
 } // namespace orlix::files

@@ -86,14 +86,24 @@ public:
             if (position_ != offset + count) {
                 throw FileError{name_ + ": its compressed pixels end too early: the file is cut short or damaged"};
             }
+            stream_->peek(); // at the end this compares the checksum
+        } catch (const io::gzip_error& error) {
+            // What stands behind the end is no matter.
+            if (position_ != offset + count || error.error() != io::gzip::bad_header) {
+                failDamaged();
+            }
         } catch (const std::ios::failure&) {
-            stream_.reset();
-            throw FileError{name_ + ": its compressed pixels are damaged"};
+            failDamaged();
         }
-        stream_->peek(); // at the end this compares the checksum
     }
 
 private:
+    [[noreturn]] void failDamaged()
+    {
+        stream_.reset();
+        throw FileError{name_ + ": its compressed pixels are damaged"};
+    }
+
     void restart()
     {
         stream_ = std::make_unique<io::filtering_istream>();
@@ -148,8 +158,8 @@ private:
 class JoinedBytes final : public Bytes
 {
 public:
-    JoinedBytes(std::vector<std::string> paths, std::uint64_t offset, std::uint64_t count)
-        : paths_{std::move(paths)}, offset_{offset}, count_{count}
+    JoinedBytes(std::vector<std::string> paths, std::vector<std::uint64_t> offsets, std::uint64_t count)
+        : paths_{std::move(paths)}, offsets_{std::move(offsets)}, count_{count}
     {}
 
     void read(std::uint64_t offset, std::size_t count, std::byte* to) override
@@ -162,7 +172,7 @@ public:
                 bytes_ = openBytes(paths_.at(file), paths_.at(file));
                 open_ = file;
             }
-            bytes_->read(offset_ + inFile, part, to);
+            bytes_->read(offsets_.at(file) + inFile, part, to);
             offset += part;
             count -= part;
             to += part;
@@ -171,7 +181,7 @@ public:
 
 private:
     std::vector<std::string> paths_;
-    std::uint64_t offset_;
+    std::vector<std::uint64_t> offsets_;
     std::uint64_t count_; // of each
     std::size_t open_ = 0;
     std::unique_ptr<Bytes> bytes_;
@@ -213,9 +223,10 @@ std::unique_ptr<Bytes> wrapBytes(std::vector<std::byte> bytes, const std::string
     return std::make_unique<MemoryBytes>(std::move(bytes), name);
 }
 
-std::unique_ptr<Bytes> joinBytes(const std::vector<std::string>& paths, std::uint64_t offset, std::uint64_t count)
+std::unique_ptr<Bytes> joinBytes(const std::vector<std::string>& paths, const std::vector<std::uint64_t>& offsets,
+                                 std::uint64_t count)
 {
-    return std::make_unique<JoinedBytes>(paths, offset, count);
+    return std::make_unique<JoinedBytes>(paths, offsets, count);
 }
 
 std::uint64_t getFileSize(const std::string& path)

@@ -41,8 +41,9 @@ std::unique_ptr<Bytes> openBytes(const std::string& path, const std::string& nam
 std::unique_ptr<Bytes> openCompressedBytes(const std::string& path, const std::string& name, std::uint64_t offset,
                                            const std::string& method);
 
-/// The bytes of several files, one behind the other; each gives `count` bytes from `offset` on.
-std::unique_ptr<Bytes> joinBytes(const std::vector<std::string>& paths, std::uint64_t offset, std::uint64_t count);
+/// The bytes of several files, one behind the other; each gives `count` bytes from its offset on.
+std::unique_ptr<Bytes> joinBytes(const std::vector<std::string>& paths, const std::vector<std::uint64_t>& offsets,
+                                 std::uint64_t count);
 
 /// Bytes in memory.
 std::unique_ptr<Bytes> wrapBytes(std::vector<std::byte> bytes, const std::string& name);

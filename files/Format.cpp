@@ -76,7 +76,7 @@ bool isNifti(const Source& source)
             openCompressedBytes(source.path, source.name, 0, "gzip")
                 ->read(0, head.size(), reinterpret_cast<std::byte*>(head.data()));
         } catch (const FileError&) {
-            return false;
+            return source.name.ends_with(".nii.gz"); // a damaged one
         }
     }
     const std::string_view size = std::string_view{head}.substr(0, 4);

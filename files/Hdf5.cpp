@@ -1,11 +1,14 @@
 #include <files/ArrayReader.hpp>
-#include <files/HeaderText.hpp>
+#include <files/Names.hpp>
 
 #include <hdf5.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <bit>
+#include <fcntl.h>
+#include <filesystem>
+#include <unistd.h>
 #include <utility>
 
 namespace orlix::files
@@ -96,6 +99,31 @@ std::vector<std::string> readAttribute(hid_t object, const char* name)
     return texts;
 }
 
+/// Whether the bits of a float of two bytes are those of IEEE 754.
+bool isHalf(hid_t type)
+{
+    std::size_t sign = 0;
+    std::size_t exponentAt = 0;
+    std::size_t exponent = 0;
+    std::size_t fractionAt = 0;
+    std::size_t fraction = 0;
+    constexpr std::size_t exponentBits = 5;
+    constexpr std::size_t fractionBits = 10;
+    return ::H5Tget_fields(type, &sign, &exponentAt, &exponent, &fractionAt, &fraction) >= 0 &&
+           exponent == exponentBits && fraction == fractionBits;
+}
+
+/// Whether an enumeration holds 0 and 1 alone, as truth values are written.
+bool isTruthValue(hid_t type)
+{
+    bool isOne = ::H5Tget_size(type) == 1 && ::H5Tget_nmembers(type) == 2;
+    for (unsigned i = 0; i < 2 && isOne; ++i) {
+        std::uint8_t value = 0;
+        isOne = ::H5Tget_member_value(type, i, &value) >= 0 && value <= 1;
+    }
+    return isOne;
+}
+
 /// The type of a dataset's elements; none if they are no numbers.
 std::optional<StoredType> findType(hid_t dataset)
 {
@@ -106,9 +134,9 @@ std::optional<StoredType> findType(hid_t dataset)
         return findStoredType(::H5Tget_sign(type.get()) == H5T_SGN_NONE ? NumberKind::Unsigned : NumberKind::Signed,
                               std::bit_ceil(size));
     case H5T_FLOAT:
-        return findStoredType(NumberKind::Float, size);
-    case H5T_ENUM: // of FALSE and TRUE, as truth values are written
-        return size == 1 && ::H5Tget_nmembers(type.get()) == 2 ? std::optional{StoredType::Binary} : std::nullopt;
+        return size != 2 || isHalf(type.get()) ? findStoredType(NumberKind::Float, size) : std::nullopt;
+    case H5T_ENUM:
+        return isTruthValue(type.get()) ? std::optional{StoredType::Binary} : std::nullopt;
     default:
         return std::nullopt;
     }
@@ -159,18 +187,18 @@ std::pair<std::string, std::string> findLetters(hid_t dataset)
 {
     std::string letters;
     if (const auto tags = readAttribute(dataset, "axistags"); tags.size() == 1) {
-        const auto json = nlohmann::json::parse(tags[0], nullptr, false);
+        const auto json = parseJson(tags[0]);
         if (json.is_object() && json.contains("axes") && json["axes"].is_array()) {
             for (const auto& axis : json["axes"]) {
                 const std::string key = axis.is_object() ? axis.value("key", "?") : "?";
-                letters += key.empty() ? '?' : key[0];
+                letters += nameAxis(key);
             }
             return {letters, "axistags"};
         }
     }
     bool isNamed = false;
     for (const std::string& label : readAttribute(dataset, "DIMENSION_LABELS")) {
-        letters += label.empty() ? '?' : label[0]; // "x", "Time", "channel"
+        letters += nameAxis(label);
         isNamed = isNamed || !label.empty();
     }
     return isNamed ? std::pair{letters, std::string{"dimension labels"}} : std::pair<std::string, std::string>{};
@@ -180,7 +208,7 @@ class Hdf5Reader final : public ImageReader
 {
 public:
     explicit Hdf5Reader(const Source& source)
-        : file_{::H5Fopen(source.path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT), &::H5Fclose}
+        : folder_{std::filesystem::path{source.path}.parent_path()}, file_{open(source.path), &::H5Fclose}
     {
         facts_ = source.describe("HDF5");
         if (!file_) {
@@ -195,10 +223,8 @@ public:
         const std::vector<hsize_t> sizes = getSizes(dataset_.get());
         const auto [letters, rule] = findLetters(dataset_.get());
         axes_ = findArrayAxes(source, {sizes.begin(), sizes.end()}, letters, rule);
-        facts_.geometry = axes_.getGeometry({sizes.begin(), sizes.end()});
-        facts_.axes = axes_.letters;
-        facts_.axesRule = axes_.rule;
-        if (const std::string doubt = describeColourDoubt(axes_, facts_.geometry); !doubt.empty()) {
+        axes_.describe({sizes.begin(), sizes.end()}, facts_);
+        if (const std::string doubt = describeColourDoubt(facts_); !doubt.empty()) {
             note(doubt);
         }
         findPixelSize();
@@ -216,6 +242,23 @@ public:
     }
 
 private:
+    /// The library does not open what has no name, such as standard input that was a pipe: it gets one for that moment.
+    static hid_t open(const std::string& path)
+    {
+        namespace fs = std::filesystem;
+        std::error_code none;
+        if (!path.starts_with("/proc/self/fd/") || fs::exists(fs::read_symlink(path, none), none)) {
+            return ::H5Fopen(path.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT);
+        }
+        const std::string name = fs::temp_directory_path() / ("orlix-" + std::to_string(::getpid()) + ".h5");
+        if (::linkat(AT_FDCWD, path.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+            return H5I_INVALID_HID;
+        }
+        const hid_t file = ::H5Fopen(name.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT);
+        fs::remove(name, none);
+        return file;
+    }
+
     void openDataset(const Source& source)
     {
         std::string path = source.inner;
@@ -240,6 +283,9 @@ private:
         constexpr std::size_t cacheSlots = 12421;
         const Handle access{::H5Pcreate(H5P_DATASET_ACCESS), &::H5Pclose};
         ::H5Pset_chunk_cache(access.get(), cacheSlots, cacheBytes, 1);
+        // Files that are named in this one lie beside it.
+        ::H5Pset_efile_prefix(access.get(), folder_.empty() ? "." : folder_.c_str());
+        ::H5Pset_virtual_prefix(access.get(), folder_.empty() ? "." : folder_.c_str());
         dataset_ = Handle{::H5Dopen2(file_.get(), path.c_str(), access.get()), &::H5Dclose};
         if (!dataset_) {
             fail("there is no array " + path + " in it");
@@ -256,8 +302,7 @@ private:
     {
         const auto sizes = readAttribute(dataset_.get(), "element_size_um"); // z, y, x
         for (std::size_t i = 0; i < 3 && sizes.size() == 3; ++i) {
-            facts_.pixelSize[i] = std::strtod(sizes[2 - i].c_str(), nullptr);
-            facts_.unit = "um";
+            setPixelSize(facts_, i, std::strtod(sizes[2 - i].c_str(), nullptr), "um");
         }
     }
 
@@ -280,6 +325,7 @@ private:
         if (::H5Pget_layout(creation.get()) == H5D_CHUNKED) {
             ::H5Pget_chunk(creation.get(), static_cast<int>(chunk_.size()), chunk_.data());
         }
+        checkSources(creation.get());
         const int filters = ::H5Pget_nfilters(creation.get());
         for (int i = 0; i < filters; ++i) {
             std::array<char, 64> name{};
@@ -294,6 +340,43 @@ private:
             if (filter != H5Z_FILTER_SHUFFLE && filter != H5Z_FILTER_FLETCHER32) {
                 facts_.compression = filter == H5Z_FILTER_DEFLATE ? "gzip" : name.data();
             }
+        }
+    }
+
+    /// Pixels of other files must be there: the library gives fill values where they are not.
+    void checkSources(hid_t creation)
+    {
+        namespace fs = std::filesystem;
+        constexpr std::size_t longestName = 4096;
+        std::array<char, longestName> name{};
+        const auto locate = [&] {
+            const fs::path path{name.data()};
+            return path.is_absolute() ? path : folder_ / path;
+        };
+        const int external = ::H5Pget_external_count(creation);
+        for (int i = 0; i < external; ++i) {
+            ::off_t offset = 0;
+            hsize_t size = 0;
+            ::H5Pget_external(creation, static_cast<unsigned>(i), name.size(), name.data(), &offset, &size);
+            const std::uint64_t needed = size == H5F_UNLIMITED ? 0 : static_cast<std::uint64_t>(offset) + size;
+            if (!fs::exists(locate()) || getFileSize(locate().string()) < needed) {
+                fail(std::string{"its pixels are in "} + name.data() + ", which is not there, or cut short");
+            }
+            facts_.members.push_back(locate().string());
+        }
+        std::size_t sources = 0;
+        if (::H5Pget_layout(creation) == H5D_VIRTUAL) {
+            ::H5Pget_virtual_count(creation, &sources);
+        }
+        for (std::size_t i = 0; i < sources; ++i) {
+            ::H5Pget_virtual_filename(creation, i, name.data(), name.size());
+            if (std::string_view{name.data()} == ".") {
+                continue;
+            }
+            if (!fs::exists(locate())) {
+                fail(std::string{"its pixels are in "} + name.data() + ", which is not there");
+            }
+            facts_.members.push_back(locate().string());
         }
     }
 
@@ -357,6 +440,7 @@ private:
         }
     }
 
+    std::filesystem::path folder_;
     Handle file_;
     Handle dataset_{H5I_INVALID_HID, &::H5Dclose};
     Handle memoryType_{H5I_INVALID_HID, &::H5Tclose};

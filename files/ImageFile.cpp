@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <unistd.h>
 
 namespace orlix::files
@@ -39,24 +40,27 @@ public:
 
     void read(const Box& box, const PixelTarget& target) override
     {
-        // A block of rows, with all samples, at a time.
+        // A block of rows at a time, in the order of the file: with the samples of a pixel, where they lie together.
         const image::ImageGeometry& size = box.size;
         const std::size_t pixelSize = getPixelSize(from_);
+        const bool isInterleaved = facts_.axes.ends_with('S') || facts_.axes.ends_with('C');
+        const std::size_t together = isInterleaved ? size.c : 1;
         constexpr std::size_t blockBytes = std::size_t{4} << 20;
-        const std::size_t rows = std::clamp<std::size_t>(blockBytes / (size.x * size.c * pixelSize), 1, size.y);
-        std::vector<std::byte> block(rows * size.x * size.c * pixelSize);
-        for (std::size_t t = 0; t < size.t; ++t) {
-            for (std::size_t z = 0; z < size.z; ++z) {
-                for (std::size_t y = 0; y < size.y; y += rows) {
-                    const Box part{{box.begin.x, box.begin.y + y, box.begin.z + z, box.begin.c, box.begin.t + t},
-                                   {size.x, std::min(rows, size.y - y), 1, size.c, 1}};
-                    const auto strides = image::ImageStrides::contiguous(part.size, pixelSize);
-                    inner_->read(part, {block.data(), strides});
-                    forEachPlan(part, {block.data(), strides}, [&](const Position& at, const PixelTarget& plan) {
-                        for (std::size_t row = 0; row < part.size.y; ++row) {
-                            convert(plan.row(row), target.row(y + row, z, at.c - box.begin.c, t), size.x);
-                        }
-                    });
+        const std::size_t rows = std::clamp<std::size_t>(blockBytes / (size.x * together * pixelSize), 1, size.y);
+        std::vector<std::byte> block(rows * size.x * together * pixelSize);
+        const std::size_t plans = size.z * (size.c / together) * size.t;
+        for (std::size_t plan = 0; plan < plans; ++plan) {
+            const Position at = locate(plan, size, together);
+            for (std::size_t y = 0; y < size.y; y += rows) {
+                const Box part{
+                    {box.begin.x, box.begin.y + y, box.begin.z + at.z, box.begin.c + at.c, box.begin.t + at.t},
+                    {size.x, std::min(rows, size.y - y), 1, together, 1}};
+                const PixelTarget pixels{block.data(), image::ImageStrides::contiguous(part.size, pixelSize)};
+                inner_->read(part, pixels);
+                for (std::size_t c = 0; c < together; ++c) {
+                    for (std::size_t row = 0; row < part.size.y; ++row) {
+                        convert(pixels.row(row, 0, c), target.row(y + row, at.z, at.c + c, at.t), size.x);
+                    }
                 }
             }
         }
@@ -75,6 +79,31 @@ public:
     }
 
 private:
+    /// The place in a box of its plan that is stored as number `plan`.
+    Position locate(std::size_t plan, const image::ImageGeometry& size, std::size_t together) const
+    {
+        Position at;
+        const auto take = [&](std::size_t& place, std::size_t count) {
+            place += plan % count;
+            plan /= count;
+        };
+        std::string axes = facts_.axes;
+        std::replace(axes.begin(), axes.end(), 'S', 'C');
+        for (const char axis : std::string_view{"ZCT"}) { // those that are not stored have one element
+            axes.insert(0, axes.find(axis) == std::string::npos ? 1 : 0, axis);
+        }
+        for (auto letter = axes.rbegin(); letter != axes.rend(); ++letter) {
+            if (*letter == 'Z') {
+                take(at.z, size.z);
+            } else if (*letter == 'C' && together == 1) {
+                take(at.c, size.c);
+            } else if (*letter == 'T') {
+                take(at.t, size.t);
+            }
+        }
+        return at;
+    }
+
     void convert(const std::byte* from, std::byte* to, std::size_t count)
     {
         if (!isScaled_) {
@@ -127,9 +156,19 @@ public:
     StackReader(const std::vector<std::string>& paths, char axis, const OpenOptions& options)
         : paths_{paths}, options_{options}, axis_{axis}
     {
-        for (const std::string& path : paths_) {
+        std::set<std::string> members; // of sets that are in the stack already
+        std::vector<std::string> all = std::move(paths_);
+        paths_.clear();
+        for (const std::string& path : all) {
+            if (members.contains(identify(path))) {
+                continue;
+            }
+            paths_.push_back(path);
             open_ = openImage(path, options_);
             const ImageFacts& facts = open_->getFacts();
+            for (const std::string& member : facts.members) {
+                members.insert(identify(member));
+            }
             if (ends_.empty()) {
                 facts_ = facts;
                 facts_.axes = std::string{static_cast<char>(std::toupper(axis))} + "YX";
@@ -140,6 +179,10 @@ public:
             length(size) = 0;
             image::ImageGeometry first = facts_.geometry;
             length(first) = 0;
+            if (facts.scale.slope != facts_.scale.slope || facts.scale.intercept != facts_.scale.intercept) {
+                throw FileError{path + ": its header scales numbers otherwise than that of " + paths_[0] +
+                                ": images of one scale make a stack (or measure with --scaled)"};
+            }
             if (!(size == first) || facts.type != facts_.type) {
                 throw FileError{path + ": it is " + getName(facts.type) + ", " + toString(facts.geometry) + ", but " +
                                 paths_[0] + " " + getName(facts_.type) + ", " + toString(openSize()) +
@@ -181,6 +224,12 @@ public:
     std::vector<std::string> getNotes() const override { return collected_; }
 
 private:
+    static std::string identify(const std::string& path)
+    {
+        std::error_code none;
+        return fs::weakly_canonical(path, none).string();
+    }
+
     std::size_t& length(image::ImageGeometry& size) const
     {
         return axis_ == 'z' ? size.z : axis_ == 'c' ? size.c : size.t;
@@ -225,7 +274,14 @@ ReaderPtr finish(const Source& source, ReaderPtr reader)
                         std::to_string(options.maxPixels) + " pixels that --max-pixels allows");
         }
     }
-    if (!options.pages.empty() && facts.axesRule != "--pages") {
+    if (!options.axes.empty() && facts.axesBy != AxesBy::Axes) {
+        throw OptionError{"--axes names the dimensions of an array, and " + source.name + " is of the format " +
+                          facts.format + ": --pages tells how pages nest"};
+    }
+    if (options.series.value_or(0) != 0 && facts.series.empty()) {
+        source.fail("there is no series " + std::to_string(*options.series) + ": it holds one image");
+    }
+    if (!options.pages.empty() && facts.axesBy != AxesBy::Pages) {
         reader = nestPlans(std::move(reader), options.pages);
     }
     if (options.listsSeries) {

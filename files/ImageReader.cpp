@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
+#include <map>
 
 namespace orlix::files
 {
@@ -25,6 +27,29 @@ void ImageReader::note(const std::string& text)
 namespace
 {
 
+struct Length
+{
+    const char* unit;
+    double micrometres;
+};
+
+/// A length unit by any of its names; null if it is none of these.
+const Length* findLength(const std::string& name)
+{
+    static constexpr Length lengths[] = {{"um", 1},  {"nm", 1e-3}, {"mm", 1e3},        {"cm", 1e4},
+                                         {"m", 1e6}, {"pm", 1e-6}, {"angstrom", 1e-4}, {"inch", 25400}};
+    static const std::map<std::string, std::string> names{
+        {"\u00b5m", "um"},      {"\u03bcm", "um"},        {"\\u00B5m", "um"},  {"micron", "um"},
+        {"microns", "um"},      {"micrometer", "um"},     {"nanometer", "nm"}, {"millimeter", "mm"},
+        {"centimeter", "cm"},   {"meter", "m"},           {"picometer", "pm"}, {"\u00c5", "angstrom"},
+        {"\u212b", "angstrom"}, {"Angstrom", "angstrom"}, {"in", "inch"}};
+    const auto other = names.find(name);
+    const std::string& known = other == names.end() ? name : other->second;
+    const auto* const found =
+        std::find_if(std::begin(lengths), std::end(lengths), [&](const Length& each) { return each.unit == known; });
+    return found == std::end(lengths) ? nullptr : found;
+}
+
 template <std::size_t Size>
 void copyRow(const std::byte* from, std::byte* to, const Stretch& x)
 {
@@ -34,6 +59,18 @@ void copyRow(const std::byte* from, std::byte* to, const Stretch& x)
 }
 
 } // namespace
+
+void setPixelSize(ImageFacts& facts, std::size_t axis, double size, const std::string& unit)
+{
+    const Length* const length = findLength(unit);
+    const std::string name = length == nullptr ? unit : length->unit;
+    if (facts.pixelSize == std::array<double, 3>{}) {
+        facts.unit = name;
+    }
+    const Length* const first = findLength(facts.unit);
+    const bool converts = length != nullptr && first != nullptr;
+    facts.pixelSize[axis] = name == facts.unit ? size : converts ? size * length->micrometres / first->micrometres : 0;
+}
 
 void copyPixels(const std::byte* from, std::byte* to, std::size_t pixelSize, const std::array<Stretch, 5>& axes)
 {

@@ -55,6 +55,15 @@ enum class Photometric
     Palette
 };
 
+/// What gave an image its axes.
+enum class AxesBy
+{
+    File,
+    Guess, ///< the number of dimensions, or that there are pages
+    Axes,  ///< the option --axes
+    Pages  ///< the option --pages
+};
+
 /// What a file says of an image in it.
 struct ImageFacts
 {
@@ -63,7 +72,8 @@ struct ImageFacts
     StoredType type = StoredType::UInt8;
     std::optional<StoredType> convertedFrom{}; ///< the type in the file, where it is another
     image::ImageGeometry geometry{};
-    std::string axes;                  ///< as they are stored, slowest first: "TCZYX"
+    std::string axes; ///< as they are stored, slowest first: "TCZYX"
+    AxesBy axesBy = AxesBy::File;
     std::string axesRule;              ///< what gave them: "OME-XML"
     std::array<double, 3> pixelSize{}; ///< along x, y and z, in `unit`; 0 where the file does not tell
     std::string unit{};                ///< "um"; empty: not told
@@ -73,6 +83,10 @@ struct ImageFacts
     std::vector<std::string> series{};  ///< the images of the file, a line each; empty: this is the only one
     std::vector<std::string> members{}; ///< the files that the image lies in, if there are others than `path`
 };
+
+/// Sets the size of pixels along x, y or z (0, 1, 2), in the unit that the first one came in; 0 where it cannot be told
+/// in that unit. Micrometres are "um", whatever the file calls them.
+void setPixelSize(ImageFacts& facts, std::size_t axis, double size, const std::string& unit);
 
 /// One image of a file. Wrappers that show a part, a conversion, or a stack of others are such images again.
 class ImageReader

@@ -84,15 +84,17 @@ ReaderPtr openMrc(const Source& source)
     array.axesBy = "MRC";
     for (std::size_t axis = 0; axis < 3; ++axis) {
         const std::int32_t size = header.integer(axis);
-        const std::int32_t sampling = header.integer(7 + axis);
+        // The axis of the cell that lies along it.
+        const std::int32_t mapped = header.integer(16 + axis);
+        const std::size_t cellAxis = mapped >= 1 && mapped <= 3 ? static_cast<std::size_t>(mapped - 1) : axis;
+        const std::int32_t sampling = header.integer(7 + cellAxis);
         if (size < 0) {
             source.fail("its header states a size of " + std::to_string(size));
         }
         array.sizes.push_back(static_cast<std::uint64_t>(size));
-        const float cell = header.real(10 + axis);
+        const float cell = header.real(10 + cellAxis);
         if (sampling > 0 && cell > 0) {
-            array.facts.pixelSize[axis] = static_cast<double>(cell) / sampling;
-            array.facts.unit = "angstrom";
+            setPixelSize(array.facts, axis, static_cast<double>(cell) / sampling, "angstrom");
         }
     }
     const std::int32_t extended = header.integer(23);

@@ -1,13 +1,12 @@
 #include <files/Nesting.hpp>
 
 #include <files/Errors.hpp>
+#include <files/Names.hpp>
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
 #include <filesystem>
 #include <limits>
-#include <optional>
 #include <sstream>
 
 namespace orlix::files
@@ -35,6 +34,7 @@ public:
         facts_.geometry.t = nesting.t;
         facts_.axes = nesting.letters + "YX" + (samples > 1 ? "S" : "");
         facts_.axesRule = nesting.rule;
+        facts_.axesBy = nesting.by;
     }
 
     void read(const Box& box, const PixelTarget& target) override
@@ -89,10 +89,11 @@ std::size_t countPages(const std::vector<Level>& levels)
     return pages;
 }
 
-Nesting nest(const std::vector<Level>& levels, const std::string& rule)
+Nesting nest(const std::vector<Level>& levels, const std::string& rule, AxesBy by)
 {
     Nesting nesting;
     nesting.rule = rule;
+    nesting.by = by;
     for (const Level& level : levels) {
         nesting.*findSize(level.axis) = level.size;
         if (level.size > 1) {
@@ -114,12 +115,6 @@ Nesting nest(const std::vector<Level>& levels, const std::string& rule)
 
 Nesting nestByOption(const std::string& order, std::size_t pages, const std::string& file)
 {
-    const auto parseSize = [](std::string_view text) {
-        std::size_t number = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-        const bool isWhole = error == std::errc{} && end == text.data() + text.size();
-        return isWhole && number > 0 && number < (std::size_t{1} << 32) ? std::optional{number} : std::nullopt;
-    };
     std::vector<Level> levels;
     std::istringstream parts{order};
     for (std::string part; std::getline(parts, part, ',');) {
@@ -138,7 +133,7 @@ Nesting nestByOption(const std::string& order, std::size_t pages, const std::str
         throw OptionError{"--pages " + order + " makes " + std::to_string(countPages(levels)) + " pages, but " +
                           std::filesystem::path{file}.filename().string() + " has " + std::to_string(pages)};
     }
-    return nest(levels, "--pages");
+    return nest(levels, "--pages", AxesBy::Pages);
 }
 
 namespace

@@ -24,7 +24,8 @@ struct Nesting
     std::size_t t = 1;
     std::vector<std::size_t> pages{}; ///< the page of every plan, z fastest, then c, then t
     std::string letters{};            ///< of the axes, slowest first: "TCZ"
-    std::string rule{};               ///< what gave them
+    std::string rule{};               ///< what gave them, in words
+    AxesBy by = AxesBy::File;
 
     std::size_t nbPlans() const { return z * c * t; }
 };
@@ -32,7 +33,7 @@ struct Nesting
 /// The number of pages; the largest number where there are more.
 std::size_t countPages(const std::vector<Level>& levels);
 /// Pages that nest as `levels` tell, fastest first.
-Nesting nest(const std::vector<Level>& levels, const std::string& rule);
+Nesting nest(const std::vector<Level>& levels, const std::string& rule, AxesBy by = AxesBy::File);
 /// The nesting that `order` ("z=4,c=2,t=3", fastest first) states. Throws OptionError where it makes no sense or does
 /// not fit the pages of the file.
 Nesting nestByOption(const std::string& order, std::size_t pages, const std::string& file);

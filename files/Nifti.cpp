@@ -54,6 +54,39 @@ std::string readHeader(const Source& source)
     return header;
 }
 
+/// The header's own sizes, which the library changes where they make no sense: their number, and each.
+std::vector<std::int64_t> readSizes(const Source& source, const std::string& header)
+{
+    const bool isFirst = findVersion(header) == 1;
+    constexpr std::size_t firstAt = 40;  // in version 1, 8 numbers of 2 bytes
+    constexpr std::size_t secondAt = 16; // in version 2, of 8 bytes
+    std::array<std::int64_t, 8> dim{};
+    const auto read = [&](bool isSwapped) {
+        for (std::size_t i = 0; i < dim.size(); ++i) {
+            std::array<std::byte, 8> number{};
+            const std::size_t size = isFirst ? 2 : 8;
+            std::memcpy(number.data(), header.data() + (isFirst ? firstAt : secondAt) + i * size, size);
+            if (isSwapped) {
+                swapBytes(number.data(), size, 1);
+            }
+            std::int16_t narrow = 0;
+            std::memcpy(&narrow, number.data(), sizeof narrow);
+            std::memcpy(&dim[i], number.data(), sizeof dim[i]);
+            dim[i] = isFirst ? narrow : dim[i];
+        }
+        return dim[0] >= 1 && dim[0] <= 7;
+    };
+    if (!read(false) && !read(true)) {
+        source.fail("its header states no number of dimensions from 1 to 7");
+    }
+    for (std::int64_t i = 1; i <= dim[0]; ++i) {
+        if (dim[static_cast<std::size_t>(i)] < 1) {
+            source.fail("its header states a size of " + std::to_string(dim[static_cast<std::size_t>(i)]));
+        }
+    }
+    return {dim.begin() + 1, dim.begin() + 1 + dim[0]};
+}
+
 /// What the library makes of the header.
 std::unique_ptr<::nifti_image, Closer> parse(const Source& source, const std::string& header)
 {
@@ -136,21 +169,19 @@ void findType(const Source& source, int datatype, PixelArray& array)
 
 ReaderPtr openNifti(const Source& source)
 {
-    const auto image = parse(source, readHeader(source));
+    const std::string header = readHeader(source);
+    const std::vector<std::int64_t> sizes = readSizes(source, header);
+    const auto image = parse(source, header);
     PixelArray array{source.describe("NIfTI")};
     array.fastestFirst = true;
-    const std::int64_t* const dim = image->dim;
-    for (std::int64_t i = 1; i <= std::clamp<std::int64_t>(dim[0], 0, 7); ++i) {
-        if (dim[i] < 0) {
-            source.fail("its header states a size of " + std::to_string(dim[i]));
-        }
-        array.sizes.push_back(static_cast<std::uint64_t>(dim[i]));
-        array.axes += "XYZTCVW"[i - 1];
-    }
+    array.sizes.assign(sizes.begin(), sizes.end());
+    array.axes = std::string{"XYZTCVW"}.substr(0, sizes.size());
     array.axesBy = "NIfTI";
     findType(source, image->datatype, array);
-    array.facts.pixelSize = {std::abs(image->dx), std::abs(image->dy), std::abs(image->dz)};
-    array.facts.unit = image->xyz_units == NIFTI_UNITS_UNKNOWN ? "" : ::nifti_units_string(image->xyz_units);
+    const std::string unit = image->xyz_units == NIFTI_UNITS_UNKNOWN ? "" : ::nifti_units_string(image->xyz_units);
+    setPixelSize(array.facts, 0, std::abs(image->dx), unit);
+    setPixelSize(array.facts, 1, std::abs(image->dy), unit);
+    setPixelSize(array.facts, 2, std::abs(image->dz), unit);
     if (image->scl_slope != 0 && std::isfinite(image->scl_slope) && std::isfinite(image->scl_inter)) {
         array.facts.scale = {image->scl_slope, image->scl_inter};
     }

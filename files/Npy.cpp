@@ -27,17 +27,7 @@ StoredType findType(const Source& source, const std::string& descr)
         source.fail("its elements are records, not numbers: save one field of them");
     }
     const std::string code = descr.substr(2, end - 2);
-    const auto size = static_cast<std::size_t>(std::strtoul(code.c_str() + 1, nullptr, 10));
-    std::optional<StoredType> type;
-    if (code == "b1") {
-        return StoredType::Binary;
-    }
-    if (code[0] == 'u' || code[0] == 'i' || code[0] == 'f') {
-        type = findStoredType(code[0] == 'u'   ? NumberKind::Unsigned
-                              : code[0] == 'i' ? NumberKind::Signed
-                                               : NumberKind::Float,
-                              size);
-    }
+    const auto type = findNumpyType(code);
     if (!type) {
         source.fail((code[0] == 'c' ? "complex" : "its elements") + (" of type " + code) +
                     " are no pixels: save numbers, such as float32");

@@ -1,5 +1,6 @@
 #include <files/ArrayReader.hpp>
 #include <files/HeaderText.hpp>
+#include <files/Names.hpp>
 
 #include <algorithm>
 #include <bit>
@@ -72,11 +73,15 @@ std::string findAxes(const HeaderText& header, std::size_t dimensions)
     std::size_t space = 0;
     for (std::size_t i = 0; i < dimensions; ++i) {
         const std::string kind = i < kinds.size() ? toLower(kinds[i]) : "";
-        const std::string label = i < labels.size() && labels.size() == dimensions ? toLower(labels[i]) : "";
+        const std::string label = labels.size() == dimensions ? labels[i] : "";
+        const char named = label.size() > 2 ? nameAxis(label.substr(1, label.size() - 2)) : '?'; // in quotes
         const bool isSpace = kind.empty() || kind == "domain" || kind == "space" || kind == "???" || kind == "none";
-        if (kind == "time" || (isSpace && (label == "\"t\"" || label == "\"time\""))) {
+        if (isSpace && named != '?') {
+            axes += named;
+            space += named == 'X' || named == 'Y' || named == 'Z' ? 1 : 0;
+        } else if (kind == "time") {
             axes += 'T';
-        } else if (!isSpace || label == "\"c\"" || label == "\"channel\"") {
+        } else if (!isSpace) {
             axes += 'C';
         } else {
             axes += space < 3 ? "XYZ"[space] : '?';
@@ -223,7 +228,8 @@ ReaderPtr openNrrd(const Source& source)
     }
     std::vector<std::string> paths{source.path};
     if (!data.empty()) {
-        const std::size_t list = head.find("LIST");
+        const std::size_t field = std::min(head.find("\ndata file:"), head.find("\ndatafile:"));
+        const std::size_t list = head.find("LIST", std::min(field, head.size()));
         const std::size_t behind = list == std::string::npos ? list : head.find('\n', list);
         paths =
             findDataFiles(source, listDataFiles(source, data, behind == std::string::npos ? "" : head.substr(behind)));

@@ -78,7 +78,7 @@ void OutputFile::keep() const
     }
 }
 
-void checkOutputPath(const std::string& path, const std::string& input)
+void checkOutputPath(const std::string& path)
 {
     std::error_code error;
     const fs::path folder = fs::absolute(path).parent_path();
@@ -94,9 +94,6 @@ void checkOutputPath(const std::string& path, const std::string& input)
     const std::string target = fs::exists(status) ? path : folder.string();
     if (::access(target.c_str(), W_OK) != 0) {
         throw FileError{path + ": it cannot be written (" + std::strerror(errno) + ")"};
-    }
-    if (fs::equivalent(path, input, error)) {
-        throw FileError{path + ": it is the image that is read: name another file"};
     }
 }
 

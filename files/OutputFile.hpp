@@ -25,9 +25,8 @@ private:
     std::string path_;
 };
 
-/// Throws FileError where no file can be written: no folder, or something there that is no regular file, or the file
-/// that is read.
-void checkOutputPath(const std::string& path, const std::string& input);
+/// Throws FileError where no file can be written: no folder, or something there that is no regular file.
+void checkOutputPath(const std::string& path);
 
 /// Writes a text file, whole or not at all. Throws FileError.
 void writeText(const std::string& path, const std::string& text);

@@ -30,6 +30,27 @@ struct Half
                                                 : std::ldexp(fraction + 1024, exponent - 25);
         return (bits & 0x8000) != 0 ? -magnitude : magnitude;
     }
+
+    /// The nearest one.
+    static Half from(double number)
+    {
+        const double magnitude = std::abs(number);
+        const std::uint16_t sign = std::signbit(number) ? 0x8000 : 0;
+        constexpr double overflow = 65520;
+        constexpr double smallestNormal = 0x1p-14;
+        int exponent = 0;
+        double fraction = magnitude * 0x1p24;
+        if (std::isnan(number)) {
+            fraction = 0x7e00;
+        } else if (magnitude >= overflow) {
+            fraction = 0x7c00;
+        } else if (magnitude >= smallestNormal) {
+            exponent = std::ilogb(magnitude) + 14;
+            fraction = std::ldexp(magnitude, 24 - exponent);
+        }
+        // The highest bit of a normal number's fraction counts as 1 in its exponent.
+        return {static_cast<std::uint16_t>(sign | ((exponent << 10) + static_cast<int>(std::nearbyint(fraction))))};
+    }
 };
 
 struct Bit
@@ -90,7 +111,7 @@ To convert(From value)
     if constexpr (std::is_same_v<To, Bit>) {
         return {static_cast<std::uint8_t>(value != 0 ? 1 : 0)};
     } else if constexpr (std::is_same_v<To, Half>) {
-        return {}; // nothing is converted to it
+        return Half::from(static_cast<double>(value));
     } else if constexpr (std::is_floating_point_v<To>) {
         return static_cast<To>(value);
     } else if constexpr (std::is_integral_v<From>) {
@@ -113,7 +134,7 @@ bool isSame(From from, To to)
     if constexpr (std::is_same_v<To, Bit>) {
         return from == static_cast<From>(to.value);
     } else if constexpr (std::is_same_v<To, Half>) {
-        return false;
+        return static_cast<double>(from) == static_cast<double>(to.toFloat());
     } else if constexpr (std::is_integral_v<From> && std::is_integral_v<To>) {
         return std::cmp_equal(from, to);
     } else if constexpr (std::is_integral_v<From>) {

@@ -338,6 +338,7 @@ void addFileOptions(CLI::App& command, const Verb& verb, Options& options)
         command.add_option("--axes", open.axes, "the axes of an array, slowest first, such as TCZYX (S: samples)")
             ->type_name("LETTERS"));
     added.push_back(command.add_option("--series", open.series, "which image of a file that holds several, from 0")
+                        ->check(wholeIn(0, 0x7fffffff))
                         ->type_name("N"));
     if (verb.name != "info") {
         std::vector<std::string> types{pixelTypes.begin(), pixelTypes.end()};
@@ -577,6 +578,13 @@ public:
         // What is in a folder may grow; what was asked for is one image.
         writesToFolder_ = verb.isProjection() && (options.axis == "z" || options.axis == "t") &&
                           (isForSeveral() || fs::is_directory(options.output));
+        for (const auto& list : {images_, others_, masks_}) {
+            for (const ImageArgument& image : list) {
+                for (const std::string& file : image.files) {
+                    inputs_.insert(identify(file));
+                }
+            }
+        }
         if (writesToFolder_ && !fs::is_directory(options.output)) {
             throw UsageError{"-o " + options.output +
                              ": of several images each makes a file: name a folder that is there"};
@@ -584,6 +592,15 @@ public:
     }
 
     bool isForSeveral() const { return images_.size() > 1 || (images_.size() == 1 && !images_[0].folder.empty()); }
+
+    /// Throws FileError where a file that is to be written cannot be, or is one of those that are read.
+    void checkOutput(const std::string& path) const
+    {
+        files::checkOutputPath(path);
+        if (inputs_.contains(identify(path)) || members_.contains(identify(path))) {
+            throw FileError{path + ": it is an image that is read: name another file"};
+        }
+    }
 
     /// Runs the verb on every image. Returns whether all went well.
     template <class Print>
@@ -649,6 +666,7 @@ private:
     std::string nameOutput(const std::string& image)
     {
         std::string path = (fs::path{options_.output} / (fs::path{image}.stem().string() + ".tif")).string();
+        checkOutput(path);
         if (!outputs_.insert(path).second) {
             throw FileError{image + ": " + path + " was written for another image: give them names of their own"};
         }
@@ -676,6 +694,7 @@ private:
     std::vector<ImageArgument> others_;
     std::vector<ImageArgument> masks_;
     bool writesToFolder_ = false;
+    std::set<std::string> inputs_;
     std::set<std::string> members_; // files that belong to images that were read
     std::set<std::string> outputs_;
 };
@@ -702,18 +721,23 @@ int runVerb(const Verb& verb, const Options& options, std::ostream& output, cons
         const bool isForSeveral = loop.isForSeveral();
         ReportPrinter printer{stream, form, isForSeveral && verb.name == "info" ? nullptr : difference.forPeople,
                               isForSeveral};
+        if (!options.output.empty() && !fs::is_directory(options.output)) {
+            loop.checkOutput(options.output);
+        }
         isFine = loop.run([&](Report report) { printer.print(std::move(report)); }, complain);
         printer.finish();
+        if (goesToFile) {
+            loop.checkOutput(options.output); // sets of files are known now
+        }
     };
     if (!goesToFile) {
         run(output);
         return isFine ? 0 : 1;
     }
-    for (const std::string& image : options.images) {
-        files::checkOutputPath(options.output, image);
-    }
     run(collected);
-    files::writeText(options.output, collected.str());
+    if (isFine || !collected.str().empty()) {
+        files::writeText(options.output, collected.str());
+    }
     return isFine ? 0 : 1;
 }
 

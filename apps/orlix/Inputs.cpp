@@ -2,6 +2,8 @@
 
 #include <orlix/Errors.hpp>
 
+#include <files/Names.hpp>
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -22,37 +24,6 @@ using image::eImageBufferType;
 namespace
 {
 
-/// Numbers in names are compared by their values: f2 comes before f10.
-bool isNaturallyLess(const std::string& a, const std::string& b)
-{
-    const auto isDigit = [](char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; };
-    std::size_t i = 0;
-    std::size_t j = 0;
-    while (i < a.size() && j < b.size()) {
-        if (isDigit(a[i]) && isDigit(b[j])) {
-            const auto takeNumber = [&](const std::string& text, std::size_t& at) {
-                const std::size_t begin = std::min(text.find_first_not_of('0', at), text.size());
-                at = begin;
-                while (at < text.size() && isDigit(text[at])) {
-                    ++at;
-                }
-                return std::string_view{text}.substr(begin, at - begin);
-            };
-            const std::string_view first = takeNumber(a, i);
-            const std::string_view second = takeNumber(b, j);
-            if (first.size() != second.size() || first != second) {
-                return first.size() != second.size() ? first.size() < second.size() : first < second;
-            }
-        } else if (a[i] != b[j]) {
-            return a[i] < b[j];
-        } else {
-            ++i;
-            ++j;
-        }
-    }
-    return a.size() - i != b.size() - j ? a.size() - i < b.size() - j : a < b;
-}
-
 /// The images in a folder and those below it. Links to folders are not followed, hidden files are passed over.
 void listFolder(const fs::path& folder, std::vector<std::string>& found)
 {
@@ -66,7 +37,7 @@ void listFolder(const fs::path& folder, std::vector<std::string>& found)
     if (error) {
         throw FileError{folder.string() + ": " + error.message()};
     }
-    std::sort(names.begin(), names.end(), isNaturallyLess);
+    std::sort(names.begin(), names.end(), files::isNaturallyLess);
     for (const std::string& name : names) {
         const std::string path = (folder / name).string();
         if (fs::is_directory(path, error)) {
@@ -95,7 +66,7 @@ std::vector<std::string> matchPattern(const std::string& pattern)
         paths.assign(matches.gl_pathv, matches.gl_pathv + matches.gl_pathc);
     }
     ::globfree(&matches);
-    std::sort(paths.begin(), paths.end(), isNaturallyLess);
+    std::sort(paths.begin(), paths.end(), files::isNaturallyLess);
     return paths;
 }
 
@@ -122,6 +93,7 @@ void listWord(const std::string& word, std::vector<ImageArgument>& images)
         const std::vector<std::string> matches = matchPattern(word);
         for (const std::string& path : matches) {
             listWord(path, images);
+            images.back().folder = word;
         }
         if (matches.empty()) {
             images.push_back({word, {}, {}, word + ": no file matches this pattern"});
@@ -297,7 +269,7 @@ ImageArgument stackImages(const std::vector<ImageArgument>& images, const std::v
         stack.fault = stack.fault.empty() ? image.fault : stack.fault;
         stack.files.insert(stack.files.end(), image.files.begin(), image.files.end());
     }
-    std::stable_sort(stack.files.begin(), stack.files.end(), isNaturallyLess);
+    std::stable_sort(stack.files.begin(), stack.files.end(), files::isNaturallyLess);
     return stack;
 }
 
@@ -314,6 +286,9 @@ files::Part parsePart(const std::string& plane, const std::string& region)
         if (!range || axis == nullptr) {
             throw UsageError{"--plane " + plane +
                              ": an index or a range of z, c or t is needed, such as z=3,c=1 or z=10:20"};
+        }
+        if (axis->begin != 0 || axis->end != files::Range{}.end) {
+            throw UsageError{"--plane " + plane + ": each axis once"};
         }
         *axis = *range;
     }

@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 #include <limits>
 
 namespace orlix::app
@@ -553,12 +554,13 @@ bool isOfWholeImages(const Measure& measure)
 Report runProject(const Measure& measure, const Options& options)
 {
     const bool isProfile = options.axis == "x" || options.axis == "y";
-    if (!isProfile) {
-        for (const std::string& file : options.image.files) {
-            files::checkOutputPath(options.output, file);
+    const Inputs inputs{options};
+    for (const std::string& member : isProfile ? std::vector<std::string>{} : inputs.report.members) {
+        std::error_code none;
+        if (std::filesystem::equivalent(member, options.output, none)) {
+            throw FileError{options.output + ": it is an image that is read: name another file"};
         }
     }
-    const Inputs inputs{options};
     const MeasureForm& form = findProjection(measure, options);
     Report report = inputs.report;
     report.measure = form.function;

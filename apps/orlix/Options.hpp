@@ -16,7 +16,7 @@ struct ImageArgument
 {
     std::string name; ///< as a report calls it
     std::vector<std::string> files{};
-    std::string folder{}; ///< that it was found in; empty: it was named itself
+    std::string folder{}; ///< or pattern, that it was found by; empty: it was named itself
     std::string fault{};  ///< why there is none
 };
 

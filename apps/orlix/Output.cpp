@@ -86,31 +86,36 @@ std::string printCell(const Json& value)
     return value.dump();
 }
 
-/// A cell of CSV as programs read it; `isUnknown`: null is nothing, not NaN.
-std::string printCsvCell(const Json& value, bool isUnknown)
+/// A value of CSV as programs read it; `isUnknown`: null is nothing, not NaN.
+std::string printCsvText(const Json& value, bool isUnknown)
 {
-    std::string text;
     if (value.is_null()) {
         return isUnknown ? "" : "nan";
     }
     if (value.is_string()) {
-        text = value.get<std::string>();
-        if (text == "Infinity" || text == "-Infinity") {
-            return text[0] == '-' ? "-inf" : "inf";
-        }
-    } else if (value.is_array()) {
-        for (const Json& each : value) {
-            text.append(text.empty() ? "" : "; ").append(printCsvCell(each, isUnknown));
-        }
-    } else {
-        text = value.dump();
+        const auto text = value.get<std::string>();
+        return text == "Infinity" ? "inf" : text == "-Infinity" ? "-inf" : text;
     }
+    if (!value.is_array()) {
+        return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    }
+    std::string text;
+    for (const Json& each : value) {
+        text.append(text.empty() ? "" : "; ").append(printCsvText(each, isUnknown));
+    }
+    return text;
+}
+
+/// The same as a cell, in quotes where it needs them.
+std::string printCsvCell(const Json& value, bool isUnknown)
+{
+    const std::string text = printCsvText(value, isUnknown);
     if (text.find_first_of(",\"\r\n") == std::string::npos) {
         return text;
     }
     std::string quoted = "\"";
     for (const char c : text) {
-        quoted += c == '"' ? "\"\"" : std::string{c};
+        quoted.append(c == '"' ? 2 : 1, c);
     }
     return quoted + "\"";
 }

@@ -1,12 +1,12 @@
 #include <files/tiff/TiffAxes.hpp>
 
 #include <files/Errors.hpp>
+#include <files/Names.hpp>
 
 #include <nlohmann/json.hpp>
 #include <pugixml.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 #include <limits>
 #include <numeric>
@@ -23,14 +23,6 @@ namespace
 namespace fs = std::filesystem;
 
 constexpr std::size_t noPage = std::numeric_limits<std::size_t>::max();
-
-std::optional<std::size_t> parseCount(std::string_view text)
-{
-    std::size_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    const bool isWhole = error == std::errc{} && end == text.data() + text.size();
-    return isWhole && number > 0 && number < (std::size_t{1} << 32) ? std::optional{number} : std::nullopt;
-}
 
 std::string fileName(const std::string& path)
 {
@@ -67,12 +59,12 @@ double findImageJNumber(const std::string& description, const std::string& key, 
 StatedAxes parseImageJ(const Source& source, const std::string& description)
 {
     const auto count = [&](const char* key) {
-        return parseCount(findImageJ(description, key).value_or("1")).value_or(1);
+        return parseSize(findImageJ(description, key).value_or("1")).value_or(1);
     };
     StatedAxes stated;
     stated.isImageJ = true;
     stated.rule = "ImageJ";
-    stated.images = parseCount(findImageJ(description, "images").value_or("")).value_or(0);
+    stated.images = parseSize(findImageJ(description, "images").value_or("")).value_or(0);
     // "order=zct": fastest first; it may begin with the axes of a plane.
     std::string order = findImageJ(description, "order").value_or("czt");
     order = order.substr(order.starts_with("xy") ? 2 : 0);
@@ -87,9 +79,6 @@ StatedAxes parseImageJ(const Source& source, const std::string& description)
     }
     stated.spacing = findImageJNumber(description, "spacing", 0);
     stated.unit = findImageJ(description, "unit").value_or("");
-    if (stated.unit == "micron" || stated.unit == "microns" || stated.unit == "\\u00B5m" || stated.unit == "\u00b5m") {
-        stated.unit = "um";
-    }
     if (findImageJ(description, "cf") == "0") { // a straight line
         stated.scale = {findImageJNumber(description, "c1", 1), findImageJNumber(description, "c0", 0)};
     }
@@ -123,9 +112,29 @@ std::vector<Level> assignAxes(const Source& source, const std::vector<std::size_
     return levels;
 }
 
+/// The dimensions of a page are y and x, with samples before or behind, or a volume.
+void checkPageLetters(const Source& source, const std::string& letters, const std::vector<std::size_t>& sizes)
+{
+    std::string longer;
+    for (std::size_t i = 0; i < letters.size(); ++i) {
+        longer += sizes[i] == 1 ? "" : letters.substr(i, 1);
+    }
+    for (const char* const known : {"YX", "YXS", "SYX", "ZYX", "ZYXS", "SZYX"}) {
+        // In that order, though sides of one pixel are left out.
+        std::size_t at = 0;
+        for (const char* letter = known; *letter != '\0' && at < longer.size(); ++letter) {
+            at += longer[at] == *letter ? 1 : 0;
+        }
+        if (at == longer.size()) {
+            return;
+        }
+    }
+    source.fail("its axes (tifffile) are " + letters + " in a page, where YX is read" + hintAtPages(2));
+}
+
 StatedAxes parseShape(const Source& source, const std::string& description, std::size_t pagePixels)
 {
-    const nlohmann::json json = nlohmann::json::parse(description, nullptr, false);
+    const nlohmann::json json = parseJson(description);
     if (!json.is_object() || !json.contains("shape") || !json["shape"].is_array()) {
         return {};
     }
@@ -147,9 +156,13 @@ StatedAxes parseShape(const Source& source, const std::string& description, std:
     while (before > 0 && sizes[before - 1] == 1 && sizes.size() - before < 2) {
         --before; // sides of one pixel belong to the page
     }
+    const std::vector<std::size_t> inner(sizes.begin() + static_cast<std::ptrdiff_t>(before), sizes.end());
     sizes.resize(before);
     std::string letters = json.contains("axes") && json["axes"].is_string() ? json["axes"].get<std::string>() : "";
     const bool hasLetters = letters.size() == json["shape"].size();
+    if (hasLetters) {
+        checkPageLetters(source, letters.substr(before), inner);
+    }
     letters = hasLetters    ? letters.substr(0, before)
               : before <= 3 ? std::string{"TCZ"}.substr(3 - before)
                             : std::string(before, '?');
@@ -178,6 +191,10 @@ Nesting findNesting(const Source& source, const StatedAxes& stated, std::size_t 
     if (!source.options.pages.empty()) {
         return nestByOption(source.options.pages, pages, source.name);
     }
+    if (stated.levels.empty() && stated.images > 1 && stated.images != pages) {
+        source.fail("it states " + std::to_string(stated.images) + " images (" + stated.rule + "), but has " +
+                    std::to_string(pages) + " pages" + hintAtPages(pages));
+    }
     if (stated.levels.empty()) {
         return nest({{'z', pages}}, !stated.rule.empty() ? stated.rule
                                     : pages == 1         ? "a single page"
@@ -192,10 +209,16 @@ Nesting findNesting(const Source& source, const StatedAxes& stated, std::size_t 
 
 bool isOme(const std::string& description)
 {
-    const std::size_t at = description.find("<OME");
-    const std::size_t prefixed = description.find(":OME");
     constexpr std::size_t farthest = 4096;
-    return std::min(at, prefixed) < farthest;
+    const std::string_view start = std::string_view{description}.substr(0, farthest);
+    // The element may carry a prefix of a namespace.
+    const std::size_t prefixed = start.find(":OME");
+    const std::size_t open = prefixed == std::string_view::npos ? prefixed : start.rfind('<', prefixed);
+    const bool isPrefixed = open != std::string_view::npos &&
+                            std::all_of(start.begin() + static_cast<std::ptrdiff_t>(open) + 1,
+                                        start.begin() + static_cast<std::ptrdiff_t>(prefixed),
+                                        [](unsigned char c) { return std::isalnum(c) != 0 || c == '_' || c == '-'; });
+    return isPrefixed || start.find("<OME") != std::string_view::npos;
 }
 
 namespace
@@ -232,8 +255,8 @@ pugi::xml_node child(const pugi::xml_node& node, std::string_view name)
 class OmePixels
 {
 public:
-    OmePixels(const Source& source, const pugi::xml_node& ome, const pugi::xml_node& pixels)
-        : source_{source}, ome_{ome}, pixels_{pixels}
+    OmePixels(const Source& source, const pugi::xml_node& ome, const pugi::xml_node& pixels, std::size_t nbPages)
+        : source_{source}, ome_{ome}, pixels_{pixels}, nbPages_{nbPages}
     {}
 
     void parse(OmeImage& image, const std::function<std::size_t(const PageRef&)>& samplesOf)
@@ -254,7 +277,7 @@ public:
         const std::size_t samples = samplesOf(first);
         std::vector<Level> levels;
         for (const char letter : order.substr(2)) {
-            const auto size = parseCount(pixels_.attribute((std::string{"Size"} + letter).c_str()).as_string());
+            const auto size = parseSize(pixels_.attribute((std::string{"Size"} + letter).c_str()).as_string());
             if (!size || std::string_view{"ZCT"}.find(letter) == std::string_view::npos) {
                 throw OmeFault{"lack a size"};
             }
@@ -267,9 +290,12 @@ public:
                 levels.back().size = *size / samples; // a sample is a channel there
             }
         }
-        constexpr std::size_t mostPages = std::size_t{1} << 28;
-        if (countPages(levels) > mostPages) {
-            throw OmeFault{"state " + std::to_string(countPages(levels)) + " planes"};
+        // Elements that name other files may place more than there are pages here.
+        constexpr std::size_t mostInSets = std::size_t{1} << 22;
+        const bool isSet = std::any_of(data.begin(), data.end(), [&](const auto& each) { return child(each, "UUID"); });
+        if (countPages(levels) > (isSet ? mostInSets : nbPages_)) {
+            throw OmeFault{"state " + std::to_string(countPages(levels)) + " planes, where there are " +
+                           std::to_string(nbPages_) + " pages"};
         }
         image.nesting = nest(levels, "OME-XML");
         const std::vector<std::size_t> planOfPage = invert(image.nesting.pages);
@@ -299,13 +325,12 @@ private:
 
     void findPixelSize(OmeImage& image) const
     {
-        const char* const names[] = {"PhysicalSizeX", "PhysicalSizeY", "PhysicalSizeZ"};
         for (std::size_t axis = 0; axis < 3; ++axis) {
-            image.pixelSize[axis] = pixels_.attribute(names[axis]).as_double();
-        }
-        if (image.pixelSize[0] != 0) {
-            const std::string unit = pixels_.attribute("PhysicalSizeXUnit").as_string("\u00b5m");
-            image.unit = unit == "\u00b5m" || unit == "\u03bcm" ? "um" : unit;
+            std::string name = "PhysicalSize";
+            name += "XYZ"[axis];
+            if (const double size = pixels_.attribute(name.c_str()).as_double(); size != 0) {
+                setPixelSize(image.facts, axis, size, pixels_.attribute(name.append("Unit").c_str()).as_string("um"));
+            }
         }
     }
 
@@ -315,7 +340,7 @@ private:
         const pugi::xml_node uuid = child(data, "UUID");
         const std::string name = uuid.attribute("FileName").as_string();
         const std::string own = ome_.attribute("UUID").as_string();
-        if (name.empty() || name == fileName(source_.name) || name == fileName(source_.path) ||
+        if (name.empty() || name == fileName(source_.path) ||
             (!own.empty() && own == trimmed(uuid.text().as_string()))) {
             return source_.path;
         }
@@ -361,11 +386,12 @@ private:
     const Source& source_;
     pugi::xml_node ome_;
     pugi::xml_node pixels_;
+    std::size_t nbPages_;
 };
 
 } // namespace
 
-std::vector<OmeImage> parseOme(const Source& source, const std::string& xml,
+std::vector<OmeImage> parseOme(const Source& source, const std::string& xml, std::size_t nbPages,
                                const std::function<std::size_t(const PageRef&)>& samplesOf)
 {
     pugi::xml_document document;
@@ -378,7 +404,7 @@ std::vector<OmeImage> parseOme(const Source& source, const std::string& xml,
         OmeImage image;
         image.name = node.attribute("Name").as_string();
         try {
-            OmePixels{source, ome, child(node, "Pixels")}.parse(image, samplesOf);
+            OmePixels{source, ome, child(node, "Pixels"), nbPages}.parse(image, samplesOf);
         } catch (const OmeFault& fault) {
             image.fault = fault.text;
         }

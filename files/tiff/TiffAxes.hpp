@@ -48,15 +48,15 @@ struct OmeImage
     std::size_t y = 0;
     Nesting nesting{};            ///< its pages are those of `pages`
     std::vector<PageRef> pages{}; ///< a page each for the plans, z fastest, then c, then t
-    std::array<double, 3> pixelSize{};
-    std::string unit{};
-    std::string fault{}; ///< why it cannot be read, if it cannot
+    ImageFacts facts{};           ///< but for the size of pixels, nothing
+    std::string fault{};          ///< why it cannot be read, if it cannot
 };
 
 bool isOme(const std::string& description);
 
-/// Parses OME-XML. `samplesOf` tells the samples of a page's pixels, which use up channels. Throws FileError.
-std::vector<OmeImage> parseOme(const Source& source, const std::string& xml,
+/// Parses OME-XML of a file with so many pages. `samplesOf` tells the samples of a page's pixels, which use up
+/// channels. Throws FileError.
+std::vector<OmeImage> parseOme(const Source& source, const std::string& xml, std::size_t nbPages,
                                const std::function<std::size_t(const PageRef&)>& samplesOf);
 
 } // namespace orlix::files

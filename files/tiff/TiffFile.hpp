@@ -3,6 +3,8 @@
 #include <files/tiff/LibTiff.hpp>
 #include <files/tiff/TiffAxes.hpp>
 
+#include <iterator>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -80,30 +82,29 @@ private:
     std::string description_;
 };
 
-/// The files of a set; those that are not the first are opened when they are needed.
+/// The files of a set, opened when they are needed.
 class TiffSet
 {
 public:
-    TiffSet(const Source& source) : name_{source.name}, path_{source.path} {}
+    explicit TiffSet(const Source& source) : name_{source.name}, path_{source.path} {}
 
     TiffFile& get(const std::string& path)
     {
-        auto& slot = path == path_ ? main_ : other_;
-        if (!slot || (&slot == &other_ && otherPath_ != path)) {
-            slot = std::make_unique<TiffFile>(path, path == path_ ? name_ : path);
-            if (&slot == &other_) {
-                otherPath_ = path;
+        auto found = files_.find(path);
+        if (found == files_.end()) {
+            constexpr std::size_t mostOpen = 64;
+            if (files_.size() == mostOpen) {
+                files_.erase(files_.begin()->first == path_ ? std::next(files_.begin()) : files_.begin());
             }
+            found = files_.emplace(path, std::make_unique<TiffFile>(path, path == path_ ? name_ : path)).first;
         }
-        return *slot;
+        return *found->second;
     }
 
 private:
     std::string name_;
-    std::string path_;
-    std::unique_ptr<TiffFile> main_;
-    std::unique_ptr<TiffFile> other_;
-    std::string otherPath_;
+    std::string path_; // of the first one, which stays open
+    std::map<std::string, std::unique_ptr<TiffFile>> files_;
 };
 
 } // namespace orlix::files

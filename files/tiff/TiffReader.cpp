@@ -34,9 +34,10 @@ public:
         }
         const auto type = findType(page_);
         if (!type) {
-            fail(nameSamples(page_) + " pixels are not read: convert the image to " +
-                 (page_.format == SAMPLEFORMAT_UINT || page_.format == SAMPLEFORMAT_INT ? "uint32 or int32"
-                                                                                        : "float32"));
+            const bool isComplex =
+                page_.format == SAMPLEFORMAT_COMPLEXINT || page_.format == SAMPLEFORMAT_COMPLEXIEEEFP;
+            fail(nameSamples(page_) + " pixels are not read: save " +
+                 (isComplex ? "their magnitude, say" : "numbers of 8, 16, 32 or 64 bits"));
         }
         facts_.type = *type;
         facts_.geometry = {page_.x, page_.y, pages_.size() * page_.depth, page_.samples, 1};
@@ -47,6 +48,9 @@ public:
                              : photometric == PHOTOMETRIC_RGB || photometric == PHOTOMETRIC_YCBCR ? Photometric::Rgb
                              : photometric == PHOTOMETRIC_PALETTE                                 ? Photometric::Palette
                                                                   : Photometric::BlackIsZero;
+        if (facts_.photometric == Photometric::Palette) {
+            note("its pixels are indices of a palette, and measured as such");
+        }
         findPixelSize(file);
         file.forgetWarnings(); // those about directories say nothing about the pixels
     }
@@ -65,17 +69,21 @@ public:
         }
     }
 
-    /// What the file says beyond its pages.
-    void setFacts(const std::array<double, 3>& pixelSize, const std::string& unit, const Scale& scale)
+    /// What ImageJ says of the pages: its unit is that of the resolution, whatever the tag says.
+    void setFacts(const StatedAxes& stated)
     {
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            facts_.pixelSize[axis] = pixelSize[axis] != 0 ? pixelSize[axis] : facts_.pixelSize[axis];
-        }
-        facts_.unit = unit.empty() ? facts_.unit : unit;
-        facts_.scale = scale;
-        if (facts_.unit.empty()) { // sizes in no unit say nothing
+        if (!stated.unit.empty()) {
             facts_.pixelSize = {};
+            setPixelSize(facts_, 0, length_[0], stated.unit);
+            setPixelSize(facts_, 1, length_[1], stated.unit);
+            setPixelSize(facts_, 2, stated.spacing, stated.unit);
         }
+        facts_.scale = stated.scale;
+    }
+    void setPixelSizes(const ImageFacts& facts)
+    {
+        facts_.pixelSize = facts.pixelSize;
+        facts_.unit = facts.unit;
     }
     void setSeries(const std::vector<std::string>& series, const std::vector<std::string>& members)
     {
@@ -93,11 +101,14 @@ private:
         if (!(x > 0 && y > 0 && std::isfinite(x) && std::isfinite(y))) {
             return;
         }
-        constexpr double centimetre = 1e4;
-        constexpr double inch = 25400;
-        const double length = unit == RESUNIT_CENTIMETER ? centimetre : unit == RESUNIT_INCH ? inch : 1; // um
-        facts_.pixelSize = {length / static_cast<double>(x), length / static_cast<double>(y), 0};
-        facts_.unit = unit == RESUNIT_NONE ? "" : "um";
+        length_ = {1 / static_cast<double>(x), 1 / static_cast<double>(y)};
+        if (unit == RESUNIT_CENTIMETER || unit == RESUNIT_INCH) {
+            constexpr double centimetre = 1e4;
+            constexpr double inch = 25400;
+            const double micrometres = unit == RESUNIT_CENTIMETER ? centimetre : inch;
+            setPixelSize(facts_, 0, length_[0] * micrometres, "um");
+            setPixelSize(facts_, 1, length_[1] * micrometres, "um");
+        }
     }
 
     void readPage(TiffFile& file, std::size_t number, std::size_t plane, const Box& box, const PixelTarget& target)
@@ -167,6 +178,18 @@ private:
                 TIFFComputeStrip(file.get(), static_cast<std::uint32_t>(y), static_cast<std::uint16_t>(samples.plane));
             const bool isInPlace = samples.together == 1 && isWide() && last - first == rows && box.size.x == page_.x &&
                                    target.strides.y == static_cast<std::ptrdiff_t>(rowBytes);
+            constexpr std::size_t largeStrip = std::size_t{64} << 20;
+            if (!isInPlace && rows * rowBytes > largeStrip) { // row by row, from the first one of the strip on
+                for (std::size_t row = first; row < last; ++row) {
+                    std::byte* const samplesOfRow = scratch(rowBytes);
+                    if (TIFFReadScanline(file.get(), samplesOfRow, static_cast<std::uint32_t>(row),
+                                         static_cast<std::uint16_t>(samples.plane)) != 1) {
+                        failPixels(file, page);
+                    }
+                    unpack(samplesOfRow, box.begin.x, box.size.x, samples, target, row - box.begin.y, 0);
+                }
+                continue;
+            }
             std::byte* const buffer = isInPlace ? target.row(y - box.begin.y) : scratch(rows * rowBytes);
             const auto bytes = static_cast<tmsize_t>(rows * rowBytes);
             if (TIFFReadEncodedStrip(file.get(), strip, buffer, bytes) != bytes) {
@@ -290,6 +313,7 @@ private:
     std::shared_ptr<TiffSet> set_;
     std::vector<PageRef> pages_;
     TiffPage page_;
+    std::array<double, 2> length_{}; // of a pixel, along x and y, in the unit of the resolution
     std::unique_ptr<std::byte[]> scratch_;
     std::size_t scratchSize_ = 0;
 };
@@ -354,13 +378,13 @@ std::vector<Series> listOmeImages(const Source& source, TiffSet& set, const std:
         return std::size_t{file.getPage(file.findPage(ref)).samples};
     };
     std::vector<Series> series;
-    for (OmeImage& image : parseOme(described, xml, samplesOf)) {
+    for (OmeImage& image : parseOme(described, xml, set.get(source.path).nbPages(), samplesOf)) {
         Series each;
         each.text = std::to_string(image.x) + " x " + std::to_string(image.y);
         each.text += image.pages.size() > 1 ? ", " + std::to_string(image.pages.size()) + " pages" : "";
         each.text += image.name.empty() ? "" : ", \"" + image.name + "\"";
+        const TiffFile& file = set.get(source.path);
         for (const PageRef& ref : image.pages) {
-            const TiffFile& file = set.get(source.path);
             const std::size_t count = ref.countsAll ? file.nbPages() : file.getFullPages().size();
             if (ref.path == source.path && image.fault.empty() && ref.page >= count) {
                 image.fault = "want page " + std::to_string(ref.page) + ", where there are " + std::to_string(count);
@@ -421,7 +445,16 @@ ReaderPtr openTiff(const Source& source)
     for (const Series& each : all) {
         names.push_back(each.text);
     }
-    Series& series = all[source.chooseSeries(names)];
+    std::size_t chosen = source.chooseSeries(names);
+    if (source.options.listsSeries && !source.options.series) { // the first one that can be read
+        const auto isReadable = [&](const Series& each) {
+            return !each.pages.empty() && (each.ome ? each.ome->fault.empty()
+                                                    : findType(file.getPage(file.findPage(each.pages[0]))).has_value());
+        };
+        const auto readable = std::find_if(all.begin(), all.end(), isReadable);
+        chosen = readable == all.end() ? chosen : static_cast<std::size_t>(readable - all.begin());
+    }
+    Series& series = all[chosen];
     if (series.ome && !series.ome->fault.empty()) {
         source.fail("its OME axes " + series.ome->fault +
                     ": tell how its pages nest, such as --pages z=" + std::to_string(file.getFullPages().size()));
@@ -442,20 +475,26 @@ ReaderPtr openTiff(const Source& source)
             source.fail("its OME axes state " + std::to_string(ome.x) + " x " + std::to_string(ome.y) +
                         " pixels, but its pages have " + std::to_string(size.x) + " x " + std::to_string(size.y));
         }
-        pages->setFacts(ome.pixelSize, ome.unit, {});
+        pages->setPixelSizes(ome.facts);
         return nestPages(std::move(pages), ome.nesting);
     }
     const TiffPage& page = pages->getPage();
     const StatedAxes stated = all.size() == 1 ? parseDescription(source, description, page.nbPixels()) : StatedAxes{};
-    pages->setFacts({0, 0, stated.spacing}, stated.unit, stated.scale);
+    pages->setFacts(stated);
     if (count == 1 && page.depth == 1) {
         if (auto hidden = findHiddenPages(source, file, stated, pages->getFacts())) {
             return nestPages(std::move(hidden), findNesting(source, stated, stated.images));
         }
     }
     const std::size_t planes = count * page.depth;
-    if (page.depth > 1 && stated.levels.empty() && source.options.pages.empty()) {
-        return nestPages(std::move(pages), nest({{'z', page.depth}, {'t', count}}, "TIFF image depth"));
+    if (page.depth > 1 && source.options.pages.empty()) {
+        std::vector<Level> levels = stated.levels.empty() ? std::vector<Level>{{'t', count}} : stated.levels;
+        std::erase_if(levels, [](const Level& level) { return level.axis == 'z' && level.size == 1; });
+        if (countPages(levels) == count &&
+            std::none_of(levels.begin(), levels.end(), [](const Level& level) { return level.axis == 'z'; })) {
+            levels.insert(levels.begin(), {'z', page.depth});
+            return nestPages(std::move(pages), nest(levels, "TIFF image depth"));
+        }
     }
     return nestPages(std::move(pages), findNesting(source, stated, planes));
 }

@@ -1,8 +1,10 @@
 #include <files/zarr/ZarrNode.hpp>
 
-#include <files/Bytes.hpp>
+#include <files/ArrayReader.hpp>
+#include <files/Names.hpp>
 
 #include <algorithm>
+#include <cstring>
 
 namespace orlix::files
 {
@@ -16,16 +18,15 @@ using Json = nlohmann::json;
 Json readJson(const Source& source, const fs::path& path)
 {
     const std::string text = readText(path.string(), path.string());
-    Json json = Json::parse(text, nullptr, false);
+    Json json = parseJson(text);
     if (!json.is_object()) {
         source.fail("its " + path.filename().string() + " is no JSON");
     }
     return json;
 }
 
-StoredType findType(const Source& source, NumberKind kind, std::size_t bytes, const std::string& name)
+StoredType need(const Source& source, std::optional<StoredType> type, const std::string& name)
 {
-    const auto type = findStoredType(kind, bytes);
     if (!type) {
         source.fail("its elements of type " + name + " are not read: numbers are");
     }
@@ -34,6 +35,7 @@ StoredType findType(const Source& source, NumberKind kind, std::size_t bytes, co
 
 std::vector<std::byte> makeFill(const Json& value, StoredType type)
 {
+    std::vector<std::byte> fill(getPixelSize(type));
     double number = 0;
     if (value.is_number()) {
         number = value.get<double>();
@@ -41,11 +43,12 @@ std::vector<std::byte> makeFill(const Json& value, StoredType type)
         number = value.get<bool>() ? 1 : 0;
     } else if (value.is_string()) {
         const auto text = value.get<std::string>();
-        number = std::strtod(text.c_str(), nullptr); // "NaN", "Infinity", "-Infinity", "0x..." of integers
-    }
-    std::vector<std::byte> fill(getPixelSize(type));
-    if (type == StoredType::Float16) {
-        return fill; // zero, as nothing is converted to half floats
+        if (text.starts_with("0x")) { // the bits
+            const std::uint64_t bits = std::strtoull(text.c_str(), nullptr, 16);
+            std::memcpy(fill.data(), &bits, fill.size());
+            return fill;
+        }
+        number = std::strtod(text.c_str(), nullptr); // "NaN", "Infinity", "-Infinity"
     }
     convertPixels(reinterpret_cast<const std::byte*>(&number), StoredType::Float64, fill.data(), type, 1);
     return fill;
@@ -79,13 +82,7 @@ ZarrArray parseVersion2(const Source& source, const Json& json)
         source.fail("its elements are records, not numbers");
     }
     const auto name = dtype.get<std::string>();
-    const auto bytes = static_cast<std::size_t>(std::strtoul(name.c_str() + 2, nullptr, 10));
-    array.type = name[1] == 'b' ? StoredType::Binary
-                                : findType(source,
-                                           name[1] == 'u'   ? NumberKind::Unsigned
-                                           : name[1] == 'i' ? NumberKind::Signed
-                                                            : NumberKind::Float,
-                                           name[1] == 'u' || name[1] == 'i' || name[1] == 'f' ? bytes : 0, name);
+    array.type = need(source, findNumpyType(name.substr(1)), name);
     array.chunks.isSwapped = name[0] == '>';
     array.chunks.order = countUp(array.sizes.size());
     if (json.value("order", "C") == "F") {
@@ -139,8 +136,15 @@ void parseCodecs(const Source& source, const Json& list, ZarrChunks& chunks, std
                                                [](const std::string& each) { return each != "crc32c"; })) {
                 source.fail("the indices of its shards are compressed or big-endian, which is not read");
             }
+            if (!std::is_sorted(chunks.order.begin(), chunks.order.end()) || !chunks.codecs.empty() ||
+                chunks.inner->inner) {
+                source.fail("its shards are transposed, compressed or nested, which is not read");
+            }
             chunks.isIndexAtEnd = configuration.value("index_location", "end") == "end";
         } else {
+            if (chunks.inner) {
+                source.fail("its shards are compressed with " + name + ", which is not read");
+            }
             addCodec(source, name, chunks.codecs);
             compression = name == "crc32c" ? compression : name;
         }
@@ -155,16 +159,16 @@ ZarrArray parseVersion3(const Source& source, const Json& json)
         source.fail("its elements are no numbers");
     }
     const auto name = json["data_type"].get<std::string>();
-    const std::size_t digits = name.find_first_of("0123456789");
+    const std::size_t digits = std::min(name.find_first_of("0123456789"), name.size());
     const std::string kind = name.substr(0, digits);
-    const std::size_t bits = digits == std::string::npos ? 0 : std::strtoul(name.c_str() + digits, nullptr, 10);
-    const bool isNumber = kind == "uint" || kind == "int" || kind == "float";
-    array.type = name == "bool" ? StoredType::Binary
-                                : findType(source,
-                                           kind == "uint"  ? NumberKind::Unsigned
-                                           : kind == "int" ? NumberKind::Signed
-                                                           : NumberKind::Float,
-                                           isNumber ? bits / 8 : 0, name);
+    const std::size_t bytes = std::strtoul(name.c_str() + digits, nullptr, 10) / 8;
+    array.type = need(source,
+                      name == "bool"    ? std::optional{StoredType::Binary}
+                      : kind == "uint"  ? findStoredType(NumberKind::Unsigned, bytes)
+                      : kind == "int"   ? findStoredType(NumberKind::Signed, bytes)
+                      : kind == "float" ? findStoredType(NumberKind::Float, bytes)
+                                        : std::nullopt,
+                      name);
     const Json& grid = json.at("chunk_grid");
     if (grid.value("name", "") != "regular") {
         source.fail("its chunks lie on no regular grid, which is not read");
@@ -178,7 +182,7 @@ ZarrArray parseVersion3(const Source& source, const Json& json)
     array.fill = makeFill(json.value("fill_value", Json{}), array.type);
     if (json.contains("dimension_names") && json["dimension_names"].is_array()) {
         for (const Json& each : json["dimension_names"]) {
-            array.letters += each.is_string() && !each.get<std::string>().empty() ? each.get<std::string>()[0] : '?';
+            array.letters += each.is_string() ? nameAxis(each.get<std::string>()) : '?';
         }
         array.rule = "Zarr dimension names";
     }
@@ -222,7 +226,7 @@ ZarrArray ZarrNode::parseArray(const Source& source) const
     ZarrArray array = version_ == 3 ? parseVersion3(source, json_) : parseVersion2(source, json_);
     if (array.letters.empty() && attributes_.contains("_ARRAY_DIMENSIONS")) {
         for (const Json& name : attributes_["_ARRAY_DIMENSIONS"]) {
-            array.letters += name.is_string() && !name.get<std::string>().empty() ? name.get<std::string>()[0] : '?';
+            array.letters += name.is_string() ? nameAxis(name.get<std::string>()) : '?';
         }
         array.rule = "_ARRAY_DIMENSIONS";
     }
@@ -242,7 +246,7 @@ std::vector<ZarrMultiscale> ZarrNode::parseMultiscales() const
         for (const Json& axis : image.value("axes", Json::array())) {
             const std::string name = axis.is_string() ? axis.get<std::string>() : axis.value("name", "?");
             const std::string type = axis.is_object() ? axis.value("type", "") : "";
-            scale.letters += type == "time" ? 'T' : type == "channel" ? 'C' : name.empty() ? '?' : name[0];
+            scale.letters += type == "time" ? 'T' : type == "channel" ? 'C' : nameAxis(name);
             scale.units.push_back(axis.is_object() ? axis.value("unit", "") : "");
         }
         scale.scales = findScales(datasets[0]);
@@ -263,7 +267,9 @@ std::vector<fs::path> ZarrNode::listChildren() const
             children.push_back(entry.path());
         }
     }
-    std::sort(children.begin(), children.end());
+    std::sort(children.begin(), children.end(), [](const fs::path& a, const fs::path& b) {
+        return isNaturallyLess(a.filename().string(), b.filename().string());
+    });
     return children;
 }
 

@@ -38,17 +38,15 @@ public:
         const bool isOme = found.scale.letters.size() == dimensions;
         axes_ = findArrayAxes(source, array_.sizes, isOme ? found.scale.letters : array_.letters,
                               isOme ? "OME-Zarr axes" : array_.rule);
-        facts_.geometry = axes_.getGeometry(array_.sizes);
-        facts_.axes = axes_.letters;
-        facts_.axesRule = axes_.rule;
+        axes_.describe(array_.sizes, facts_);
         for (std::size_t axis = 0; axis < 3; ++axis) {
             const std::size_t dimension = axes_.dimensions[axis];
             if (dimension < found.scale.scales.size()) {
-                facts_.pixelSize[axis] = found.scale.scales[dimension];
-                facts_.unit = dimension < found.scale.units.size() ? found.scale.units[dimension] : "";
+                const auto& units = found.scale.units;
+                setPixelSize(facts_, axis, found.scale.scales[dimension],
+                             dimension < units.size() ? units[dimension] : "");
             }
         }
-        facts_.unit = facts_.unit == "micrometer" ? "um" : facts_.unit;
     }
 
     void read(const Box& box, const PixelTarget& target) override
@@ -108,10 +106,11 @@ private:
 
     void checkShape(const ZarrChunks& chunks, std::size_t dimensions) const
     {
-        constexpr std::uint64_t largest = std::uint64_t{1} << 33; // bytes
+        // In bytes, of what is decoded at once, and of a shard, which is read in parts.
+        const std::uint64_t largest = std::uint64_t{1} << (chunks.inner ? 56 : 30);
         std::uint64_t bytes = getPixelSize(array_.type);
         for (const std::uint64_t side : chunks.shape) {
-            if (side == 0 || __builtin_mul_overflow(bytes, side, &bytes) || (bytes > largest && !chunks.inner)) {
+            if (side == 0 || __builtin_mul_overflow(bytes, side, &bytes) || bytes > largest) {
                 fail("its chunks are of no size that can be read");
             }
         }

@@ -752,7 +752,7 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         {{"project", good, "--axis", "x", "--stat", "max", "-o", path("x.tif")}, 2, "end its name in .json or .csv"},
         {{"project", good, "--axis", "t", "--stat", "max", "-o", path("x.tif"), "--out-type", "int64"}, 2, "int64"},
         {{"project", good, "--axis", "z", "--stat", "max", "-o", path("no/x.tif")}, 1, "there is no folder"},
-        {{"project", good, "--axis", "z", "--stat", "max", "-o", good}, 1, "it is the image that is read"},
+        {{"project", good, "--axis", "z", "--stat", "max", "-o", good}, 1, "it is an image that is read"},
         {{"project", good, "--axis", "z", "--stat", "max", "-o", "/dev/null"}, 1, "it is no regular file"},
         {{"project", cut, "--axis", "z", "--stat", "max", "-o", path("x.tif")}, 1, "cut.tif"},
         {{"ncc", good}, 2, "IMAGE2 is required"},
@@ -761,6 +761,14 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         {{"stats", good, "--plane", "z=4"}, 1, "good.tif: it has no z = 4: z goes from 0 to 3"},
         {{"stats", good, "--plane", "z=2:9"}, 1, "it has no z = 2:9"},
         {{"stats", good, "--plane", "x=2"}, 2, "--plane x=2"},
+        {{"stats", good, "--plane", "z=1,z=2"}, 2, "each axis once"},
+        {{"stats", good, "--series", "-1"}, 2, "-1"},
+        {{"stats", good, "--axes", "ZYX"}, 2, "--axes names the dimensions of an array"},
+        {{"stats", good, one, "--csv", "-o", one}, 1, "one.tif: it is an image that is read"},
+        {{"stats", path("good*"), "--csv", "-o", good}, 1, "good.tif: it is an image that is read"},
+        {{"ncc", good, one, "--csv", "-o", one}, 1, "one.tif: it is an image that is read"},
+        {{"stats", good, "--mask", one, "--json", "-o", one}, 1, "one.tif: it is an image that is read"},
+        {{"project", path("good*"), "--axis", "z", "--stat", "max", "-o", path("")}, 1, "it is an image that is read"},
         {{"stats", good, "--region", "1:5"}, 2, "--region 1:5: ranges of x and y are needed"},
         {{"stats", good, "--region", "5:1,0:2"}, 2, "--region"},
         {{"stats", good, "--region", "0:22,0:2"}, 1, "it has no x = 0:22: x goes from 0 to 20"},
@@ -768,14 +776,14 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
         {{"stats", good, "--max-pixels", "839"}, 1, "more than the 839 pixels that --max-pixels allows"},
         {{"stats", good, "--pages", "z=4", "--axes", "ZYX"}, 2, "--pages and --axes do not go together"},
         {{"stats", good, "-o", path("x.txt")}, 2, "end its name in .json or .csv"},
-        {{"stats", good, "-o", good, "--csv"}, 1, "it is the image that is read"},
+        {{"stats", good, "-o", good, "--csv"}, 1, "it is an image that is read"},
         {{"stats", path("none*.tif")}, 1, "no file matches this pattern"},
         {{"stats", path("none.h5:/a")}, 1, "none.h5:/a: No such file or directory"},
         {{"stats", good, "--as", "float64"}, 2, "--as: float64 not in"},
         {{"stats", good, "--mask", path("none.tif")}, 1, "none.tif: No such file or directory"},
         {{"stats", one, "--mask", good}, 1, "good.tif: the mask has 21 x 10, 4 planes, but"},
         {{"stats", floats, "--mask", floats}, 1, "f.tif: a float32 image is no mask"},
-        {{"stats", ome}, 1, "ome.tif: its OME axes want page 1, where there are 1"},
+        {{"stats", ome}, 1, "ome.tif: its OME axes state 2 planes, where there are 1 pages"},
     };
     for (const Case& each : cases) {
         const Outcome outcome = run(each.arguments);
@@ -899,6 +907,10 @@ TEST_F(CommandTest, MeasuresManyImages)
     EXPECT_EQ(table.output.find("path"), 0u) << table.output;
     const std::string file = path("table.csv");
     EXPECT_EQ(run({"stats", first, last, "-o", file}).output, "");
+    EXPECT_EQ(readBytes(file), run({"stats", first, last, "--csv"}).output);
+
+    // Nothing to write takes no older file's place.
+    EXPECT_EQ(run({"stats", path("many/f3.tif"), path("many/read me.txt"), "-o", file}).status, 1);
     EXPECT_EQ(readBytes(file), run({"stats", first, last, "--csv"}).output);
 
     // Pairs, one against all, and files that are one image.

@@ -208,6 +208,31 @@ def check_tiff_axes():
         tifffile.imwrite(f"set_{z}.ome.tif", parts[z], description=xml.replace("{own}", str(z)), metadata=None)
     for z in range(3):
         expect(f"set_{z}.ome.tif", parts, "ZYX")
+    expect("set_0.ome.tif", parts, "ZYX", "--stack", "z", "set_1.ome.tif", "set_2.ome.tif")  # they are one
+    with open("piped", "wb") as file:
+        file.write(pathlib.Path("set_2.ome.tif").read_bytes())
+    expect("piped", parts, "ZYX")  # a renamed file knows itself
+    # Its XML may be in another file: one of the set, or none of it.
+    tifffile.imwrite("n.ome.tif", parts[1:], metadata=None, description=(
+        '<?xml version="1.0"?><OME UUID="urn:uuid:n"><BinaryOnly MetadataFile="m.ome.tif" UUID="urn:uuid:m"/></OME>'))
+    planes = [("m", 0), ("n", 0), ("n", 1)]
+    companion = xml[:xml.index("<TiffData")] + "".join(
+        f'<TiffData FirstZ="{z}" IFD="{page}" PlaneCount="1"><UUID FileName="{name}.ome.tif">urn:uuid:{name}</UUID></TiffData>'
+        for z, (name, page) in enumerate(planes)) + "</Pixels></Image></OME>"
+    tifffile.imwrite("m.ome.tif", parts[0], metadata=None, description=companion.replace("{own}", "m"))
+    expect("m.ome.tif", parts, "ZYX")
+    expect("n.ome.tif", parts, "ZYX")
+    pathlib.Path("c.companion.ome").write_text(companion.replace("{own}", "c"))
+    for name, pages in (("m", parts[:1]), ("n", parts[1:])):
+        tifffile.imwrite(f"{name}.ome.tif", pages, metadata=None, description=(
+            f'<?xml version="1.0"?><OME UUID="urn:uuid:{name}"><BinaryOnly MetadataFile="c.companion.ome" '
+            'UUID="urn:uuid:c"/></OME>'))
+    expect("m.ome.tif", parts, "ZYX")
+    expect("n.ome.tif", parts, "ZYX")
+    tifffile.imwrite("a.ome.tif", parts, metadata={
+        "axes": "ZYX", "PhysicalSizeX": 0.1, "PhysicalSizeXUnit": "µm", "PhysicalSizeY": 200,
+        "PhysicalSizeYUnit": "nm", "PhysicalSizeZ": 0.0005, "PhysicalSizeZUnit": "mm"})
+    expect("a.ome.tif", parts, "ZYX", pixelSize=[0.1, 0.2, 0.5], unit="um")
     os.rename("set_1.ome.tif", "gone.tif")
     expect_error("set_0.ome.tif", "place planes in set_1.ome.tif, which is not there")
 
@@ -223,6 +248,14 @@ def check_tiff_axes():
     tifffile.imwrite("a.tif", pixels[0, 0, 0], description=description, metadata=None)
     expect("a.tif", pixels[0, 0, 0], "YX", scale=[1, -32768])
     expect("a.tif", pixels[0, 0, 0].astype("float32") - 32768, "YX", "--scaled")
+    description = "ImageJ=1.53\nimages=5\nunit=cm\n"
+    tifffile.imwrite("a.tif", pixels[0, :, 0], description=description, metadata=None, resolution=(100, 50),
+                     resolutionunit="CENTIMETER", photometric="minisblack")
+    expect_error("a.tif", "it states 5 images (ImageJ), but has 4 pages")
+    expect("a.tif", pixels[0, :, 0], "ZYX", "--pages", "z=4", pixelSize=[0.01, 0.02, 0], unit="cm")
+    tifffile.imwrite("a.tif", pixels[0, :, 0], description="from host:OMERO", metadata=None,
+                     photometric="minisblack")
+    expect("a.tif", pixels[0, :, 0], "ZYX")
     colour = make((3, 20, 30, 3), "uint8")
     tifffile.imwrite("a.tif", colour, imagej=True, photometric="rgb", metadata={"axes": "ZYXS"})
     expect("a.tif", colour, "ZYXS")
@@ -243,12 +276,18 @@ def check_tiff_axes():
     expect("a.tif", pixels, "TZCYX", rule="tifffile axes")
     expect("a.tif", pixels.reshape(24, 20, 30), "TYX", "--pages", "t=24")
 
+    tifffile.imwrite("a.tif", make((7, 9, 5), "uint8"), metadata={"axes": "YXZ"}, photometric="minisblack")
+    expect_error("a.tif", "its axes (tifffile) are XZ in a page, where YX is read")
+
     # Volumes in one page, pages of several sizes.
     volume = make((32, 48, 64), "uint16")
     for options in [{"tile": (16, 16, 32)}, {"tile": (16, 16, 32), "compression": "zlib"}, {"tile": (1, 16, 32)},
                     {"tile": (16, 16, 32), "byteorder": ">"}]:
         tifffile.imwrite("a.tif", volume, volumetric=True, metadata=None, **options)
         expect("a.tif", volume, "ZYX", rule="TIFF image depth")
+    volumes = np.stack([volume, volume[::-1]])
+    tifffile.imwrite("a.tif", volumes, volumetric=True, tile=(16, 16, 32), metadata={"axes": "TZYX"})
+    expect("a.tif", volumes, "TZYX")
     for options in [{"tile": (16, 16, 32), "compression": "lzw"}, {}]:
         tifffile.imwrite("a.tif", volume, volumetric=True, metadata=None, **options)
         expect_error("a.tif", "holds a volume in")
@@ -376,6 +415,15 @@ def check_nifti():
     _, notes = run("stats", "a.nii")
     if "its numbers stand for 0.5 * stored + 10; the stored ones are measured" not in notes:
         fault(f"no note of the scale: {notes}")
+    raw = bytearray(pathlib.Path("a.nii").read_bytes())
+    raw[44:46] = bytes(2)
+    pathlib.Path("b.nii").write_bytes(raw)
+    expect_error("b.nii", "its header states a size of 0")
+    compressed = gzip.compress(pathlib.Path("a.nii").read_bytes())
+    pathlib.Path("b.nii.gz").write_bytes(compressed + bytes(512))
+    expect("b.nii.gz", stored, "XYZ")
+    pathlib.Path("b.nii.gz").write_bytes(compressed[:-8] + b"12345678")
+    expect_error("b.nii.gz", "its compressed pixels are damaged")
     rgb = np.zeros((11, 12, 5), dtype=[("R", "u1"), ("G", "u1"), ("B", "u1")])
     for name in "RGB":
         rgb[name] = make((11, 12, 5), "uint8")
@@ -408,6 +456,8 @@ def check_nrrd():
     expect("a.nhdr", pixels, "XYZT")
     nrrd.write("a.nhdr", pixels, {"encoding": "gzip"})
     expect("a.nhdr", pixels, "XYZC")
+    nrrd.write("a.nrrd", pixels[:, :, :, 0], {"labels": ["z", "y", "x"]})
+    expect("a.nrrd", pixels[:, :, :, 0], "ZYX")
     planes = make((8, 9, 3), "uint16")
     for z in range(3):
         planes[:, :, z].T.tofile(f"plane{z + 1:03}.raw")
@@ -430,6 +480,11 @@ def check_metaimage():
     colour = make((8, 9, 3), "uint8")
     SimpleITK.WriteImage(SimpleITK.GetImageFromArray(colour, isVector=True), "a.mha")
     expect("a.mha", colour, "YXS")
+    for z in range(3):  # headers of several lengths before the pixels
+        pathlib.Path(f"slice{z}").write_bytes(bytes(z + 3) + colour[:, :, z].tobytes())
+    pathlib.Path("l.mhd").write_text("ObjectType = Image\nNDims = 3\nDimSize = 9 8 3\nElementType = MET_UCHAR\n"
+                                     "HeaderSize = -1\nElementDataFile = LIST\nslice0\nslice1\nslice2\n")
+    expect("l.mhd", np.moveaxis(colour, 2, 0), "ZYX")
     os.remove("a.raw") if os.path.exists("a.raw") else None
     os.remove("a.zraw") if os.path.exists("a.zraw") else None
     expect_error("a.mhd", "which is not there")
@@ -520,6 +575,26 @@ def check_hdf5():
     expect("a.h5", tagged, "TYXC", rule="axistags", scale=[0.5, -1])
     expect("a.h5", (tagged * 0.5 - 1).astype("float32"), "TYXC", "--scaled")
     with h5py.File("a.h5", "w") as file:
+        file["data"] = tagged[..., 0]
+        for dimension, label in enumerate(("trial", "", "x")):
+            file["data"].dims[dimension].label = label
+        numbers = h5py.enum_dtype({"background": 0, "set": 255}, basetype="u1")
+        file.create_dataset("numbers", data=np.zeros((4, 5), "u1"), dtype=numbers)
+    expect("a.h5", tagged[..., 0], "ZYX", rule="the number of dimensions")
+    piped, _ = run("info", "-", "--json", stdin=subprocess.Popen(["cat", "a.h5"], stdout=subprocess.PIPE).stdout)
+    if json.loads(piped)["results"][0]["z"] != 3:
+        fault(f"HDF5 from a pipe: {piped}")
+    layout = h5py.VirtualLayout(shape=(2, 18, 19), dtype="uint8")
+    for z in range(2):
+        with h5py.File(f"v{z}.h5", "w") as file:
+            file["data"] = tagged[z, ..., 0]
+        layout[z] = h5py.VirtualSource(f"v{z}.h5", "data", shape=(18, 19))
+    with h5py.File("v.h5", "w") as file:
+        file.create_virtual_dataset("data", layout)
+    expect("v.h5", tagged[:2, ..., 0], "ZYX")
+    os.remove("v1.h5")
+    expect_error("v.h5", "its pixels are in v1.h5, which is not there")
+    with h5py.File("a.h5", "w") as file:
         file["half"] = make((6, 7), "float16")
         half = file["half"][...]
     expect("a.h5", half.astype("float32"), "YX", "--as", "float32", notes=[])
@@ -555,6 +630,18 @@ def check_zarr():
     array[16:32, 16:32] = whole[16:32, 16:32] = 9
     expect("a.zarr", whole, "YX")
     expect_note("a.zarr", "chunks that were read are not there, which stands for the fill value")
+    for dtype, fill in (("float16", 1.5), ("float32", np.nan), ("float32", 1.5)):
+        for version in (2, 3):
+            array = zarr.create_array("a.zarr", shape=(40, 50), chunks=(16, 16), dtype=dtype, fill_value=fill,
+                                      zarr_format=version, overwrite=True)
+            expect("a.zarr", np.full((40, 50), fill, "float32"), "YX", "--as", "float32")
+    array = zarr.create(shape=(8, 8), chunks=(8, 8), dtype="uint8", zarr_format=3, store="a.zarr", overwrite=True, codecs=[
+        zarr.codecs.TransposeCodec(order=(1, 0)),
+        zarr.codecs.ShardingCodec(chunk_shape=(4, 4))])
+    expect_error("a.zarr", "its shards are transposed, compressed or nested, which is not read")
+    pathlib.Path("deep.zarr").mkdir()
+    pathlib.Path("deep.zarr/zarr.json").write_text('{"node_type": "group", "attributes": ' + "[" * 200000 + "]" * 200000 + "}")
+    expect_error("deep.zarr", "is no JSON")
     for version in (2, 3):
         write_ome_zarr(version)
     with open("a.zarr/0/c/0/0/0/0", "r+b") if os.path.exists("a.zarr/0/c") else open(os.devnull, "wb") as file:
@@ -633,6 +720,12 @@ def check_csv():
     if profile[profile.z == 1].value.tolist() != labels[1, 10:18, 5:25].sum(axis=0).tolist() or \
             profile["index"].tolist() != list(range(5, 25)) * 2:
         fault(f"a profile as CSV: {profile}")
+    with tifffile.TiffWriter("sizes.tif") as tiff:
+        for shape in ((10, 12), (10, 12), (5, 6)):
+            tiff.write(make(shape, "uint8"), metadata=None)
+    series = read("info", "sizes.tif").series.tolist()
+    if series != ["12 x 10, 2 pages, 8-bit unsigned integer; 6 x 5, 8-bit unsigned integer"]:
+        fault(f"a list as CSV: {series}")
     info = read("info", name, "l.tif")
     if info.type.tolist() != ["float32", "uint8"] or info.bytes.tolist() != [4800, 1200]:
         fault(f"info as CSV: {info}")
