@@ -93,7 +93,7 @@ std::string printCsvText(const Json& value, bool isUnknown)
         return isUnknown ? "" : "nan";
     }
     if (value.is_string()) {
-        const auto text = value.get<std::string>();
+        auto text = value.get<std::string>();
         return text == "Infinity" ? "inf" : text == "-Infinity" ? "-inf" : text;
     }
     if (!value.is_array()) {
