@@ -109,7 +109,7 @@ std::string printCsvText(const Json& value, bool isUnknown)
 /// The same as a cell, in quotes where it needs them.
 std::string printCsvCell(const Json& value, bool isUnknown)
 {
-    const std::string text = printCsvText(value, isUnknown);
+    std::string text = printCsvText(value, isUnknown);
     if (text.find_first_of(",\"\r\n") == std::string::npos) {
         return text;
     }

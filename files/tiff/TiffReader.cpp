@@ -9,7 +9,7 @@
 #include <cmath>
 #include <cstring>
 #include <filesystem>
-#include <map>
+#include <set>
 
 namespace orlix::files
 {
@@ -460,14 +460,13 @@ ReaderPtr openTiff(const Source& source)
                     ": tell how its pages nest, such as --pages z=" + std::to_string(file.getFullPages().size()));
     }
     const std::size_t count = series.pages.size();
-    std::vector<std::string> members;
+    std::set<std::string> members;
     for (const PageRef& ref : series.pages) {
-        if (ref.path != source.path && (members.empty() || members.back() != ref.path)) {
-            members.push_back(ref.path);
-        }
+        members.insert(ref.path);
     }
+    members.erase(source.path);
     auto pages = std::make_unique<TiffPages>(source, set, series.pages);
-    pages->setSeries(all.size() > 1 ? names : std::vector<std::string>{}, members);
+    pages->setSeries(all.size() > 1 ? names : std::vector<std::string>{}, {members.begin(), members.end()});
     if (series.ome) {
         const OmeImage& ome = *series.ome;
         const image::ImageGeometry& size = pages->getFacts().geometry;
