@@ -40,26 +40,35 @@ public:
 
     void read(const Box& box, const PixelTarget& target) override
     {
-        // A block of rows at a time, in the order of the file: with the samples of a pixel, where they lie together.
+        // Blocks of planes, or of rows of one, in the order of the file: large ones, as what is compressed together is
+        // decoded for every block that it reaches into.
         const image::ImageGeometry& size = box.size;
         const std::size_t pixelSize = getPixelSize(from_);
-        const bool isInterleaved = facts_.axes.ends_with('S') || facts_.axes.ends_with('C');
-        const std::size_t together = isInterleaved ? size.c : 1;
-        constexpr std::size_t blockBytes = std::size_t{4} << 20;
-        const std::size_t rows = std::clamp<std::size_t>(blockBytes / (size.x * together * pixelSize), 1, size.y);
-        std::vector<std::byte> block(rows * size.x * together * pixelSize);
-        const std::size_t plans = size.z * (size.c / together) * size.t;
-        for (std::size_t plan = 0; plan < plans; ++plan) {
-            const Position at = locate(plan, size, together);
+        const std::string& axes = facts_.axes;
+        const bool isInterleaved = axes.ends_with('S') || axes.ends_with('C');
+        const std::size_t channels = isInterleaved ? size.c : 1;
+        const std::size_t rowBytes = size.x * channels * pixelSize;
+        constexpr std::size_t blockBytes = std::size_t{256} << 20;
+        const std::size_t rows = std::clamp<std::size_t>(blockBytes / rowBytes, 1, size.y);
+        const bool isZFastest = axes.find("ZY") != std::string::npos && rows == size.y;
+        const std::size_t planes = isZFastest ? std::clamp<std::size_t>(blockBytes / (rowBytes * rows), 1, size.z) : 1;
+        std::vector<std::byte> block(rowBytes * rows * planes);
+        const std::size_t layers = (size.z + planes - 1) / planes;
+        const image::ImageGeometry grid{1, 1, layers, size.c / channels, size.t};
+        for (std::size_t i = 0; i < grid.nbPixels(); ++i) {
+            const Position at = locate(i, grid);
             for (std::size_t y = 0; y < size.y; y += rows) {
-                const Box part{
-                    {box.begin.x, box.begin.y + y, box.begin.z + at.z, box.begin.c + at.c, box.begin.t + at.t},
-                    {size.x, std::min(rows, size.y - y), 1, together, 1}};
+                Box part{{box.begin.x, box.begin.y + y, box.begin.z + at.z * planes, box.begin.c + at.c * channels,
+                          box.begin.t + at.t},
+                         {size.x, std::min(rows, size.y - y), std::min(planes, size.z - at.z * planes), channels, 1}};
                 const PixelTarget pixels{block.data(), image::ImageStrides::contiguous(part.size, pixelSize)};
                 inner_->read(part, pixels);
-                for (std::size_t c = 0; c < together; ++c) {
-                    for (std::size_t row = 0; row < part.size.y; ++row) {
-                        convert(pixels.row(row, 0, c), target.row(y + row, at.z, at.c + c, at.t), size.x);
+                for (std::size_t c = 0; c < channels; ++c) {
+                    for (std::size_t z = 0; z < part.size.z; ++z) {
+                        for (std::size_t row = 0; row < part.size.y; ++row) {
+                            convert(pixels.row(row, z, c),
+                                    target.row(y + row, at.z * planes + z, at.c * channels + c, at.t), size.x);
+                        }
                     }
                 }
             }
@@ -79,26 +88,27 @@ public:
     }
 
 private:
-    /// The place in a box of its plan that is stored as number `plan`.
-    Position locate(std::size_t plan, const image::ImageGeometry& size, std::size_t together) const
+    /// The place in a grid of z, c and t of what is stored as number `i`.
+    Position locate(std::size_t i, const image::ImageGeometry& grid) const
     {
         Position at;
         const auto take = [&](std::size_t& place, std::size_t count) {
-            place += plan % count;
-            plan /= count;
+            place = i % count;
+            i /= count;
         };
         std::string axes = facts_.axes;
         std::replace(axes.begin(), axes.end(), 'S', 'C');
         for (const char axis : std::string_view{"ZCT"}) { // those that are not stored have one element
             axes.insert(0, axes.find(axis) == std::string::npos ? 1 : 0, axis);
         }
+        std::size_t cTaken = 0;
         for (auto letter = axes.rbegin(); letter != axes.rend(); ++letter) {
             if (*letter == 'Z') {
-                take(at.z, size.z);
-            } else if (*letter == 'C' && together == 1) {
-                take(at.c, size.c);
+                take(at.z, grid.z);
+            } else if (*letter == 'C' && cTaken++ == 0) {
+                take(at.c, grid.c);
             } else if (*letter == 'T') {
-                take(at.t, size.t);
+                take(at.t, grid.t);
             }
         }
         return at;

@@ -66,6 +66,10 @@ std::size_t TiffFile::findPage(const PageRef& ref) const
 
 void TiffFile::select(std::size_t page)
 {
+    if (page == selected_) { // what is being decoded goes on
+        return;
+    }
+    selected_ = page;
     const std::string damage = messages_.warning;
     if (TIFFSetSubDirectory(tiff_.get(), offsets_[page]) == 0) {
         failReading("page " + std::to_string(page) + " cannot be read");

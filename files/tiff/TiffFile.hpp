@@ -79,6 +79,7 @@ private:
     std::vector<TiffPage> pages_;
     std::vector<std::uint64_t> offsets_; // of the directories
     std::vector<std::size_t> fullPages_;
+    std::size_t selected_ = ~std::size_t{0};
     std::string description_;
 };
 
