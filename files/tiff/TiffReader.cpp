@@ -179,14 +179,18 @@ private:
             const bool isInPlace = samples.together == 1 && isWide() && last - first == rows && box.size.x == page_.x &&
                                    target.strides.y == static_cast<std::ptrdiff_t>(rowBytes);
             constexpr std::size_t largeStrip = std::size_t{64} << 20;
-            if (!isInPlace && rows * rowBytes > largeStrip) { // row by row, from the first one of the strip on
-                for (std::size_t row = first; row < last; ++row) {
+            if (!isInPlace && rows * rowBytes > largeStrip) { // row by row, from where the last read ended or the first
+                const std::size_t next = TIFFCurrentRow(file.get());
+                const bool goesOn = TIFFCurrentStrip(file.get()) == strip && next > y && next <= first;
+                for (std::size_t row = goesOn ? next : y; row < last; ++row) {
                     std::byte* const samplesOfRow = scratch(rowBytes);
                     if (TIFFReadScanline(file.get(), samplesOfRow, static_cast<std::uint32_t>(row),
                                          static_cast<std::uint16_t>(samples.plane)) != 1) {
                         failPixels(file, page);
                     }
-                    unpack(samplesOfRow, box.begin.x, box.size.x, samples, target, row - box.begin.y, 0);
+                    if (row >= first) {
+                        unpack(samplesOfRow, box.begin.x, box.size.x, samples, target, row - box.begin.y, 0);
+                    }
                 }
                 continue;
             }
