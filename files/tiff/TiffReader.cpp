@@ -182,8 +182,11 @@ private:
             if (!isInPlace && rows * rowBytes > largeStrip) { // row by row, from where the last read ended or the first
                 const std::size_t next = TIFFCurrentRow(file.get());
                 const bool goesOn = TIFFCurrentStrip(file.get()) == strip && next > y && next <= first;
+                std::byte* const samplesOfRow = scratch(rowBytes);
+                if (!goesOn) { // reading nothing begins the strip again
+                    TIFFReadEncodedStrip(file.get(), strip, samplesOfRow, 0);
+                }
                 for (std::size_t row = goesOn ? next : y; row < last; ++row) {
-                    std::byte* const samplesOfRow = scratch(rowBytes);
                     if (TIFFReadScanline(file.get(), samplesOfRow, static_cast<std::uint32_t>(row),
                                          static_cast<std::uint16_t>(samples.plane)) != 1) {
                         failPixels(file, page);
