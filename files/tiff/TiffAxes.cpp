@@ -62,7 +62,6 @@ StatedAxes parseImageJ(const Source& source, const std::string& description)
         return parseSize(findImageJ(description, key).value_or("1")).value_or(1);
     };
     StatedAxes stated;
-    stated.isImageJ = true;
     stated.rule = "ImageJ";
     stated.images = parseSize(findImageJ(description, "images").value_or("")).value_or(0);
     // "order=zct": fastest first; it may begin with the axes of a plane.

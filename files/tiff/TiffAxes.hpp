@@ -13,7 +13,6 @@ namespace orlix::files
 /// What the description of a file's first page says of its pages.
 struct StatedAxes
 {
-    bool isImageJ = false;
     std::size_t images = 0;      ///< stated, if any; there may be fewer pages, with the pixels of all behind the first
     std::vector<Level> levels{}; ///< fastest first; empty: not stated
     std::string rule{};
