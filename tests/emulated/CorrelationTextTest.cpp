@@ -10,6 +10,7 @@
 namespace orlix::test
 {
 
+using namespace imaproc;
 using namespace imaproc::glbmsr;
 
 template <class T>

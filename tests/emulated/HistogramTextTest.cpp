@@ -8,6 +8,7 @@
 namespace orlix::test
 {
 
+using namespace imaproc;
 using namespace imaproc::glbmsr;
 
 namespace

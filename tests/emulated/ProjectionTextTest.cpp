@@ -12,6 +12,7 @@
 namespace orlix::test
 {
 
+using namespace imaproc;
 using namespace imaproc::glbmsr;
 
 namespace

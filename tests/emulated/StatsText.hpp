@@ -10,6 +10,7 @@
 namespace orlix::test
 {
 
+using namespace imaproc;
 using namespace imaproc::glbmsr;
 
 namespace // each file has a text of its own

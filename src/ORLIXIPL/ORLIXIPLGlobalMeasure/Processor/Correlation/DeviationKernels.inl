@@ -2,9 +2,9 @@
 // deviations of one image are read into a buffer, those of the other are read on the way. Two images of one type need
 // no buffer; of 8 and 16 bits not even deviations: sums over pixels are exact, and the means are taken off at the end.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/ExactSums.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Correlation/DeviationKernels.hpp>
+#include <framework/kernel/ExactSums.hpp>
+#include <framework/kernel/Prefetch.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

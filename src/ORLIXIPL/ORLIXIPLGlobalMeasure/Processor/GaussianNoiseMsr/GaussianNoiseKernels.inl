@@ -5,8 +5,8 @@
 // those of 8 bits fit 16, those of 16 bits fit 32, and those of 32 bits fit a double; so all integer sums are exact.
 // Float responses are formed and added in double, in 16 lanes; so all sets give the same bits.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GaussianNoiseMsr/GaussianNoiseKernels.hpp>
+#include <framework/kernel/Prefetch.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

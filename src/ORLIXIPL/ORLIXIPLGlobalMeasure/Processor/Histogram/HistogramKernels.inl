@@ -4,8 +4,8 @@
 // kernels multiply by the reciprocal of the width in single precision, and where the product is so close to a bin
 // border that rounding might decide, ask the rule, which divides in double.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramKernels.hpp>
+#include <framework/kernel/Prefetch.hpp>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -262,7 +262,7 @@ ORLIX_KERNEL void countIntoBins(R run, const BinCounts& c)
         }
         addEntries<block>(entries, c);
     }
-    countOneByOne(glbmsr::part(run, i, run.size - i), c);
+    countOneByOne(imaproc::part(run, i, run.size - i), c);
 }
 
 template <class R, Domain::domain D>

@@ -1,9 +1,9 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramLevels.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Define.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/StripRuns.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/CountTables.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramBins.hpp>
+#include <framework/kernel/StripRuns.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

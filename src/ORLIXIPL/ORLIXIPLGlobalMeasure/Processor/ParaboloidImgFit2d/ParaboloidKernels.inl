@@ -3,8 +3,8 @@
 // Pixels of 8 and 16 bits: exact integer sums over segments of 512 columns. Others: in double, in 16 lanes. So all sets
 // give the same bits. What does not count is 0 and adds nothing.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/ParaboloidImgFit2d/ParaboloidKernels.hpp>
+#include <framework/kernel/Prefetch.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

@@ -1,7 +1,7 @@
 // Sums, largest values and masked values of binary and label images, once for every pixel type and instruction set.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Percent/PercentKernels.hpp>
+#include <framework/kernel/Prefetch.hpp>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -48,11 +48,11 @@ std::uint32_t largest(Run<T> run)
         for (; i + 4 * step <= run.size; i += 4 * step) {
             prefetch.stepOf<4 * step>(run, i);
             for (std::size_t k = 0; k < 4; ++k) {
-                packs[k] = glbmsr::maximum(packs[k], load<P>(run.pixels + i + k * step));
+                packs[k] = imaproc::maximum(packs[k], load<P>(run.pixels + i + k * step));
             }
         }
         label =
-            maximumLane<T>(glbmsr::maximum(glbmsr::maximum(packs[0], packs[1]), glbmsr::maximum(packs[2], packs[3])));
+            maximumLane<T>(imaproc::maximum(imaproc::maximum(packs[0], packs[1]), imaproc::maximum(packs[2], packs[3])));
     }
     for (; i < run.size; ++i) {
         label = label < run.pixels[i] ? run.pixels[i] : label;

@@ -1,9 +1,9 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Percent/PercentLevels.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Define.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/StripRuns.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/MeasureMessages.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Percent/LabelCounts.hpp>
+#include <framework/kernel/StripRuns.hpp>
 
 #include <framework/core/Settings.hpp>
 

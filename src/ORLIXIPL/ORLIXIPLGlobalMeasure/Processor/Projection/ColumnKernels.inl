@@ -3,9 +3,9 @@
 // Sums are those of the pixels and of their squares as doubles, one after the other. Integers of 8 and 16 bits are
 // summed in integer lanes over blocks of rows, which comes to the same: below 2^53 every sum is exact.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/RankSelection.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Projection/ColumnKernels.hpp>
+#include <framework/kernel/Prefetch.hpp>
+#include <framework/kernel/RankSelection.hpp>
 
 #include <algorithm>
 

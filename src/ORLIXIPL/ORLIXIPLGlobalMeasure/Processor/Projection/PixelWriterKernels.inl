@@ -1,8 +1,8 @@
 // From sums to pixels, once for every pixel type and instruction set; mostly plain loops, which compilers make vectors
 // of.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Pack.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Projection/PixelWriterKernels.hpp>
+#include <framework/kernel/Pack.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

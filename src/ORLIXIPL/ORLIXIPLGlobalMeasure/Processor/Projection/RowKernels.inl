@@ -1,7 +1,7 @@
 // What is made of rows of pixels: parts of the statistics kernels, and the median.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/RankSelection.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Projection/RowKernels.hpp>
+#include <framework/kernel/RankSelection.hpp>
 
 #include "../Stats/StatsKernels.inl"
 

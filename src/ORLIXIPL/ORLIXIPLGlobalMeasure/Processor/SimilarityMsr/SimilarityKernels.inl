@@ -3,9 +3,9 @@
 // Integers: the differences' magnitudes are pixels of the unsigned type; their squares are added exactly, and rounded
 // to double once, at the end of the strip. Float: in double, in 16 lanes; so all vector sets give the same bits.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/ExactSums.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/SimilarityMsr/SimilarityKernels.hpp>
+#include <framework/kernel/ExactSums.hpp>
+#include <framework/kernel/Prefetch.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

@@ -6,9 +6,9 @@
 // into runs, and the square of a float is exact in double; so all vector sets give the same bits.
 // Masks: a pixel that does not count adds 0 to its lane, and the neutral value takes its place in the extremes.
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/ExactSums.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Prefetch.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Stats/StatsKernels.hpp>
+#include <framework/kernel/ExactSums.hpp>
+#include <framework/kernel/Prefetch.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

@@ -1,8 +1,8 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Stats/Stats.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Define.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/StripRuns.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Stats/MomentSums.hpp>
+#include <framework/kernel/StripRuns.hpp>
 
 namespace orlix::imaproc::glbmsr
 {

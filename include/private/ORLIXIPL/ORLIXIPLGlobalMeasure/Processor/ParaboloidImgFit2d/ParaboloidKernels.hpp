@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
+#include <framework/kernel/Run.hpp>
 #include <framework/process/KernelsByType.hpp>
 
 namespace orlix::imaproc::glbmsr

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Columns.hpp>
+#include <framework/kernel/Columns.hpp>
 #include <framework/process/KernelsByType.hpp>
 
 namespace orlix::imaproc::glbmsr

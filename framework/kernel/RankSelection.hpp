@@ -1,8 +1,8 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Columns.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Pack.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
+#include <framework/kernel/Columns.hpp>
+#include <framework/kernel/Pack.hpp>
+#include <framework/kernel/Run.hpp>
 
 /// The selection of the pixel of a rank, for many columns at once or for one row.
 ///
@@ -10,7 +10,7 @@
 /// keys that byte is taken (0 where a key is below those that begin like the wanted one, 255 where it is above), and
 /// the byte of the rank is found bit by bit, counting the bytes below a candidate in lanes of one byte. So a pixel of n
 /// bytes costs 8 n counts of a byte, whatever the order of the pixels.
-namespace orlix::imaproc::glbmsr
+namespace orlix::imaproc
 {
 
 namespace
@@ -339,4 +339,4 @@ T medianOfRow(Run<T> row, unsigned char* scratch)
 
 } // namespace
 
-} // namespace orlix::imaproc::glbmsr
+} // namespace orlix::imaproc

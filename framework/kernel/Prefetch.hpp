@@ -1,10 +1,10 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Pack.hpp>
+#include <framework/kernel/Pack.hpp>
 
 #include <framework/core/Prefetch.hpp>
 
-namespace orlix::imaproc::glbmsr
+namespace orlix::imaproc
 {
 
 namespace
@@ -85,4 +85,4 @@ ORLIX_KERNEL void choosePrefetch(std::size_t bytes, Loop loop)
 
 } // namespace
 
-} // namespace orlix::imaproc::glbmsr
+} // namespace orlix::imaproc

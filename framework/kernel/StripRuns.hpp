@@ -1,12 +1,12 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
+#include <framework/kernel/Run.hpp>
 
 #include <framework/image/Strip.hpp>
 #include <framework/process/AlgorithmFunctionSelector.hpp>
 
 /// A strip as the runs that kernels take; for files with baseline flags.
-namespace orlix::imaproc::glbmsr
+namespace orlix::imaproc
 {
 
 /// Calls `visit` with every run of a strip of pixels of type T, in their order.
@@ -27,4 +27,4 @@ void forEachRun(ProcessingInfo info, const image::StripParser& strip, const imag
     }
 }
 
-} // namespace orlix::imaproc::glbmsr
+} // namespace orlix::imaproc

@@ -11,7 +11,7 @@
 /// flags include this header, so whatever it defines is always inlined and, in an unnamed namespace, local to the file.
 #define ORLIX_KERNEL [[gnu::always_inline]] inline
 
-namespace orlix::imaproc::glbmsr
+namespace orlix::imaproc
 {
 
 using Domain = core::eInstructionSet;
@@ -486,4 +486,4 @@ ORLIX_KERNEL Sum addLanes(P pack)
 
 } // namespace
 
-} // namespace orlix::imaproc::glbmsr
+} // namespace orlix::imaproc

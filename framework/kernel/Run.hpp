@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace orlix::imaproc::glbmsr
+namespace orlix::imaproc
 {
 
 /// Holds any sum of pixels or of their squares.
@@ -75,4 +75,4 @@ template <class T>
 
 } // namespace
 
-} // namespace orlix::imaproc::glbmsr
+} // namespace orlix::imaproc

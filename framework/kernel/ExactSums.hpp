@@ -1,11 +1,11 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Pack.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Kernel/Run.hpp>
+#include <framework/kernel/Pack.hpp>
+#include <framework/kernel/Run.hpp>
 
 /// Sums and sums of squares of integer pixels, exact whatever their number. Pixels of either sign are brought to one
 /// canonical type per width by flipping their highest bit: y = x - bias.
-namespace orlix::imaproc::glbmsr
+namespace orlix::imaproc
 {
 
 namespace
@@ -225,4 +225,4 @@ struct ExactSums<std::uint32_t, Domain::eIS_AVX512>
 
 } // namespace
 
-} // namespace orlix::imaproc::glbmsr
+} // namespace orlix::imaproc

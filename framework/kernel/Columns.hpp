@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace orlix::imaproc::glbmsr
+namespace orlix::imaproc
 {
 
 /// Columns of pixels side by side: those of a plan, or the pixels of a row at all times of a sequence.
@@ -26,4 +26,4 @@ struct Columns
     }
 };
 
-} // namespace orlix::imaproc::glbmsr
+} // namespace orlix::imaproc
