@@ -1,7 +1,8 @@
 # Writes and compiles the kernel files of a target. A kernel text <Name>Kernels.inl has, for each of TABLES, a variable
 # template <table>Kernels<domain>; the header <Name>Kernels.hpp beside its public names declares get<Table>Kernels().
 # Every set has a file with its own compiler flags; an extension of AVX-512 replaces the kernels that it has.
-#     orlix_add_kernels(target folder Name [TABLES Table...] SETS set...)
+#     orlix_add_kernels(target folder Name [TABLES Table...] SETS set... [NAMESPACE namespace] [HEADERS folder])
+# The header lies in `folder`, below that of HEADERS if it is given.
 set(orlix_avx512 -mavx512f -mavx512bw -mavx512dq -mavx512vl -mfma)
 set(orlix_flags_generic "")
 set(orlix_flags_sse2 -msse2)
@@ -20,12 +21,19 @@ set(orlix_domain_avx512ifma AVX512)
 set(orlix_cmake_folder ${CMAKE_CURRENT_LIST_DIR})
 
 function(orlix_add_kernels target folder name)
-    cmake_parse_arguments(PARSE_ARGV 3 arg "" "" "TABLES;SETS")
+    cmake_parse_arguments(PARSE_ARGV 3 arg "" "NAMESPACE;HEADERS" "TABLES;SETS")
     if(NOT arg_TABLES)
         set(arg_TABLES ${name})
     endif()
+    set(namespace orlix::imaproc::glbmsr)
+    if(arg_NAMESPACE)
+        set(namespace ${arg_NAMESPACE})
+    endif()
     set(text ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/${name}Kernels.inl)
     set(header ${folder}/${name}Kernels.hpp)
+    if(arg_HEADERS)
+        string(PREPEND header ${arg_HEADERS}/)
+    endif()
     set(sources "")
     foreach(set ${arg_SETS})
         set(definitions "")

@@ -7,7 +7,7 @@ import sys
 
 # A folder may include itself and what stands before it.
 LAYERS = ["framework/core", "framework/maths", "framework/data", "framework/image", "framework/attribute",
-          "framework/process", "framework/kernel", "framework/gpu", "files", "ORLIXIPL", "orlix"]
+          "framework/process", "framework/kernel", "framework/gpu", "files", "ORLIX", "ORLIXIPL", "orlix"]
 FOLDERS = {"include": "ORLIXIPL", "src": "ORLIXIPL", "apps": "orlix"}
 
 

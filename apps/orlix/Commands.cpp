@@ -5,6 +5,7 @@
 #include <orlix/Inputs.hpp>
 #include <orlix/Manual.hpp>
 #include <orlix/Measures.hpp>
+#include <orlix/States.hpp>
 #include <orlix/Tables.hpp>
 
 #include <files/OutputFile.hpp>
@@ -135,6 +136,7 @@ struct OwnVerb
 
 constexpr OwnVerb ownVerbs[] = {
     {"info", "what a file is: type, sizes, axes, size of pixels, compression, images in it", &runInfo},
+    {"merge", "what states that --save-state wrote make together", &runMerge},
     {"measures", "the measures, their forms, parameters and fields", &runMeasures},
     {"processors", "the processor classes and their kernels", &runProcessors},
 };
@@ -156,6 +158,8 @@ constexpr Difference differences[] = {
      .gpuHelp = "what GPU there is, instead of an image",
      .forPeople = &listFacts},
     {.verb = "measures", .example = "measures", .forPeople = &listNames},
+    {.verb = "merge", .example = "merge samples/cells-*.state"},
+    {.verb = "describe", .example = "describe samples/cells.tif --percentiles 5,95", .forPeople = &listFigures},
     {.verb = "processors", .example = "processors", .forPeople = &summariseKernels},
     {.verb = "stats", .example = "stats samples/cells.tif --mask samples/labels.tif", .gpuHelp = "measure on the GPU"},
     {.verb = "noise", .example = "noise samples/stack.ome.tif --per volume"},
@@ -207,7 +211,8 @@ struct Verb
     }
     Report run(const Options& options) const
     {
-        return own != nullptr ? own->run(options) : (isProjection() ? runProject : runMeasure)(measure, options);
+        const auto run = measure.state != nullptr ? runState : isProjection() ? runProject : runMeasure;
+        return own != nullptr ? own->run(options) : run(measure, options);
     }
 };
 
@@ -263,6 +268,29 @@ CLI::Validator wholeIn(std::uint32_t lowest, std::uint32_t highest)
     return CLI::Validator{check, ""};
 }
 
+CLI::Validator wholeIn(const data::FieldInfo& info)
+{
+    constexpr double most = std::numeric_limits<std::uint32_t>::max();
+    return wholeIn(static_cast<std::uint32_t>(std::max(0.0, info.lowest)),
+                   static_cast<std::uint32_t>(std::min(most, info.highest)));
+}
+
+/// Numbers in limits, or the word none.
+CLI::Validator listOf(double lowest, double highest)
+{
+    const auto check = [lowest, highest](const std::string& text) -> std::string {
+        std::istringstream list{text == "none" ? "" : text + ","};
+        for (std::string each; std::getline(list, each, ',');) {
+            double x = 0;
+            if (!CLI::detail::lexical_cast(each, x) || !(lowest <= x && x <= highest)) {
+                return "'" + each + "' is not a number from " + toJson(lowest).dump() + " to " + toJson(highest).dump();
+            }
+        }
+        return "";
+    };
+    return CLI::Validator{check, ""};
+}
+
 constexpr auto pixelTypes = {"uint8", "int8", "uint16", "int16", "uint32", "int32", "float32"};
 
 /// An option that takes one of several words, whatever their case.
@@ -289,7 +317,11 @@ void addParameter(CLI::App& command, const attr::Parameter& parameter, Options& 
     }
     std::string& target = options.parameters[name];
     const auto& enumerators = parameter.info.enumerators;
-    if (name == "bandwidth") {
+    if (parameter.defaultValue && std::holds_alternative<std::vector<double>>(*parameter.defaultValue)) {
+        command.add_option(option, target, help)
+            ->check(listOf(parameter.info.lowest, parameter.info.highest))
+            ->type_name("X,X...");
+    } else if (name == "bandwidth") {
         command.add_option(option, target, "rule (default: silverman) or number")
             ->transform(bandwidth())
             ->type_name("silverman|scott|X");
@@ -298,7 +330,7 @@ void addParameter(CLI::App& command, const attr::Parameter& parameter, Options& 
     } else if (parameter.isWhole) {
         const bool countsBins = name == "classes";
         command.add_option(option, target, help)
-            ->check(wholeIn(countsBins ? 1 : 0, countsBins ? 0x7fffffff : 0xffffffff))
+            ->check(countsBins ? wholeIn(1, 0x7fffffff) : wholeIn(parameter.info))
             ->type_name("N");
     } else {
         command.add_option(option, target, help)
@@ -412,6 +444,22 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
     if (verb.takesImages()) {
         addFileOptions(command, verb, options);
     }
+    if (verb.measure.state != nullptr) {
+        command
+            .add_option("--next-pass", options.nextPass,
+                        "go on with the state that merged all pieces, where it needs another pass")
+            ->type_name("STATE")
+            ->group("States");
+    }
+    if (verb.measure.state != nullptr || verb.name == "merge") {
+        command
+            .add_option("--save-state", options.saveState, "write a state that orlix merge takes, instead of a result")
+            ->type_name("FILE")
+            ->group("States");
+    }
+    if (verb.name == "merge") {
+        command.add_option("STATE", options.images, "files that --save-state wrote")->required();
+    }
     command.add_flag("--json", options.json, "a JSON object on a line for each image")->group("Output");
     command.add_flag("--csv", options.csv, "a table for programs: one header line, a row for each result")
         ->group("Output");
@@ -494,6 +542,9 @@ void settle(const Verb& verb, Options& options)
         options.open.as = image::findImageBufferType(options.as);
     }
     options.part = parsePart(options.plane, options.region);
+    if (!options.saveState.empty() && (!options.output.empty() || options.json || options.csv)) {
+        throw UsageError{"--save-state writes a state instead of a result: leave out -o, --json and --csv"};
+    }
     const bool makesImage = options.axis == "z" || options.axis == "t";
     if (makesImage) {
         if (options.output.empty()) {
@@ -564,6 +615,15 @@ private:
     std::ostream& stream_;
 };
 
+void printNotes(const Report& report, const Options& options, const Complaints& complain)
+{
+    for (const std::string& note : report.notes) {
+        if (!options.quiet) {
+            complain("note: " + note);
+        }
+    }
+}
+
 /// The images of a command, one after the other: with each of them its second image and its mask.
 class ImageLoop
 {
@@ -624,11 +684,7 @@ public:
                 for (const std::string& member : report.members) {
                     members_.insert(identify(member));
                 }
-                for (const std::string& note : report.notes) {
-                    if (!options.quiet) {
-                        complain("note: " + note);
-                    }
-                }
+                printNotes(report, options, complain);
                 print(std::move(report));
             } catch (const std::exception& error) {
                 if (!isForSeveral()) {
@@ -712,8 +768,14 @@ int runVerb(const Verb& verb, const Options& options, std::ostream& output, cons
     bool isFine = true;
     const auto run = [&](std::ostream& stream) {
         if (!verb.takesImages() || options.images.empty()) {
-            ReportPrinter printer{stream, form, verb.name == "info" ? nullptr : difference.forPeople, false};
-            printer.print(verb.run(options));
+            Report report = verb.run(options);
+            printNotes(report, options, complain);
+            // What is merged is printed as its measure prints it.
+            const auto forPeople = verb.name == "info"    ? nullptr
+                                   : verb.name == "merge" ? findDifference(report.measure).forPeople
+                                                          : difference.forPeople;
+            ReportPrinter printer{stream, form, forPeople, false};
+            printer.print(std::move(report));
             printer.finish();
             return;
         }
@@ -723,6 +785,12 @@ int runVerb(const Verb& verb, const Options& options, std::ostream& output, cons
                               isForSeveral};
         if (!options.output.empty() && !fs::is_directory(options.output)) {
             loop.checkOutput(options.output);
+        }
+        if (!options.saveState.empty()) {
+            if (isForSeveral) {
+                throw UsageError{"--save-state is for one image: give one, or --stack z, c or t"};
+            }
+            loop.checkOutput(options.saveState);
         }
         isFine = loop.run([&](Report report) { printer.print(std::move(report)); }, complain);
         printer.finish();

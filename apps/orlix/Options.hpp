@@ -36,8 +36,10 @@ struct Options
     std::string outType; ///< empty: the image's type
     std::string plane;
     std::string region;
-    std::string stack; ///< an axis
-    std::string as;    ///< a pixel type
+    std::string stack;     ///< an axis
+    std::string as;        ///< a pixel type
+    std::string saveState; ///< a file
+    std::string nextPass;  ///< a file
     files::OpenOptions open{};
     files::Part part{}; ///< what `plane` and `region` say
     std::optional<unsigned> seed;

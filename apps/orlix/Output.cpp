@@ -15,8 +15,9 @@ Json toJson(double value)
     return std::isnan(value) ? Json(nullptr) : Json(value);
 }
 
-Json toJson(const data::Value& value, std::size_t columns)
+Json toJson(const data::Value& value, const data::FieldInfo& info)
 {
+    const std::size_t columns = info.columns;
     const auto convert = [&](const auto& each) -> Json {
         using T = std::remove_cvref_t<decltype(each)>;
         if constexpr (std::is_same_v<T, double>) {
@@ -24,10 +25,15 @@ Json toJson(const data::Value& value, std::size_t columns)
         } else if constexpr (std::is_same_v<T, std::vector<double>>) {
             Json list = Json::array();
             for (std::size_t i = 0; i < each.size(); ++i) {
-                if (columns > 1 && i % columns == 0) {
-                    list.push_back(Json::array());
+                const std::size_t column = i % columns;
+                if (columns > 1 && column == 0) {
+                    list.push_back(info.columnNames.empty() ? Json::array() : Json::object());
                 }
-                (columns > 1 ? list.back() : list).push_back(toJson(each[i]));
+                if (columns > 1 && !info.columnNames.empty()) {
+                    list.back()[info.columnNames[column]] = toJson(each[i]);
+                } else {
+                    (columns > 1 ? list.back() : list).push_back(toJson(each[i]));
+                }
             }
             return list;
         } else {
@@ -41,7 +47,7 @@ Json toJson(const data::BaseDataItem& record)
 {
     Json object = Json::object();
     for (const data::FieldInfo& field : record.getFields()) {
-        object[field.name] = toJson(record.getField(field.name), field.columns);
+        object[field.name] = toJson(record.getField(field.name), field);
     }
     return object;
 }
@@ -120,25 +126,38 @@ std::string printCsvCell(const Json& value, bool isUnknown)
     return quoted + "\"";
 }
 
-/// The fields of objects as fields of the row: Coefficients.a.
-Json flatten(const Json& row)
+/// The fields of objects as fields of the row: Coefficients.a. So are the elements of lists that have names, and of
+/// lists of objects, whose first value names the second one: MinPosition.x, Percentiles.5.
+Json flatten(const Json& row, const Report& report)
 {
     Json flat = Json::object();
     for (const auto& [key, value] : row.items()) {
-        if (!value.is_object()) {
+        const auto add = [&, name = key](const std::string& inner, const Json& each) {
+            std::string whole = name;
+            flat[whole.append(".").append(inner)] = each;
+        };
+        const auto names = report.columnNames.find(key);
+        if (value.is_object()) {
+            for (const auto& [inner, each] : value.items()) {
+                add(inner, each);
+            }
+        } else if (value.is_array() && !value.empty() && value[0].is_object()) {
+            for (const Json& each : value) {
+                add(printCell(*each.begin()), *std::next(each.begin()));
+            }
+        } else if (value.is_array() && names != report.columnNames.end()) {
+            for (std::size_t i = 0; i < value.size(); ++i) {
+                add(names->second[i], value[i]);
+            }
+        } else {
             flat[key] = value;
-            continue;
-        }
-        for (const auto& [inner, each] : value.items()) {
-            std::string name = key;
-            flat[name.append(".").append(inner)] = each;
         }
     }
     return flat;
 }
 
 /// A result that is a vector as a row for every element: of a histogram its bins, of positions one each.
-std::vector<Json> spread(const Json& result, std::size_t firstIndex)
+std::vector<Json> spread(const Json& result, const Report& report)
 {
     const auto without = [&](std::initializer_list<const char*> fields) {
         Json row = result;
@@ -175,14 +194,14 @@ std::vector<Json> spread(const Json& result, std::size_t firstIndex)
         if (result.contains(vector)) {
             for (std::size_t i = 0; i < result[vector].size(); ++i) {
                 Json row = without({vector});
-                row["index"] = i + firstIndex;
+                row["index"] = i + report.firstIndex;
                 row["value"] = result[vector][i];
                 rows.push_back(std::move(row));
             }
             return rows;
         }
     }
-    return {flatten(result)};
+    return {flatten(result, report)};
 }
 
 /// The columns of rows that there are none of: of an image without any set pixel, say.
@@ -237,6 +256,9 @@ ReportPrinter::ReportPrinter(std::ostream& output, Form form, ForPeople forPeopl
 
 void ReportPrinter::print(Report report)
 {
+    if (report.isSilent) {
+        return;
+    }
     if (form_ == Form::Csv) {
         printCsv(report);
         return;
@@ -300,7 +322,7 @@ void ReportPrinter::printCsv(const Report& report)
         output_ << line << "\r\n";
     };
     for (const Json& result : report.results) {
-        const std::vector<Json> rows = spread(result, report.firstIndex);
+        const std::vector<Json> rows = spread(result, report);
         if (columns_.empty()) {
             Json all = prefix;
             if (rows.empty()) {

@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <map>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -24,13 +25,15 @@ struct Report
     std::vector<std::string> members{};               ///< other files that the image lies in
     std::size_t firstIndex = 0;                       ///< of the elements of vectors
     bool omitsUnknown = false;                        ///< fields that are null are not known, instead of NaN
+    bool isSilent = false;                            ///< it is not printed: what it would say went to a file
+    std::map<std::string, std::vector<std::string>> columnNames{}; ///< of the elements of lists, in CSV
 };
 
 /// A number as JSON: NaN is null, infinities are "Infinity" and "-Infinity".
 Json toJson(double value);
 
-/// The value of a field; a list of several numbers each as a list of lists.
-Json toJson(const data::Value& value, std::size_t columns = 1);
+/// The value of a field. A list of several numbers each becomes a list of lists, or of objects where they have names.
+Json toJson(const data::Value& value, const data::FieldInfo& info = {});
 /// The fields of a record, in the order of their declaration.
 Json toJson(const data::BaseDataItem& record);
 

@@ -145,6 +145,36 @@ void showInfinity(Report& report)
     }
 }
 
+void listFigures(Report& report)
+{
+    if (report.results.size() > 1) {
+        for (Json& row : report.results) {
+            Json kept = Json::object();
+            for (const char* const field : {"z", "c", "t", "NbPixels", "Mean", "StdDev", "Min", "Median", "Max"}) {
+                if (row.contains(field)) {
+                    kept[field] = row[field];
+                }
+            }
+            row = std::move(kept);
+        }
+        return;
+    }
+    std::vector<Json> rows;
+    for (const Json& result : report.results) {
+        for (const auto& [name, value] : result.items()) {
+            if (!value.is_array() || value.empty() || !value[0].is_object()) {
+                rows.push_back({{"figure", name}, {"value", value}});
+                continue;
+            }
+            for (const Json& each : value) {
+                std::string percent = each.begin()->dump();
+                rows.push_back({{"figure", percent.append(" %")}, {"value", *std::next(each.begin())}});
+            }
+        }
+    }
+    report.results = std::move(rows);
+}
+
 void listNames(Report& report)
 {
     for (Json& row : report.results) {

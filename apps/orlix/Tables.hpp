@@ -24,6 +24,8 @@ void countSamples(Report& report);
 void keepCorrelation(Report& report);
 /// Similarities: the ratio of equal images is infinite.
 void showInfinity(Report& report);
+/// Descriptions: a row for every figure, of one; the most important figures of several.
+void listFigures(Report& report);
 /// Measures: the names of things.
 void listNames(Report& report);
 

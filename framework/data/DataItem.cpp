@@ -15,6 +15,13 @@ using core::ProcessingResult;
 
 FieldVisitor::~FieldVisitor() = default;
 
+void FieldVisitor::operator()(const FieldInfo& info, std::optional<double>& value)
+{
+    if (value) {
+        (*this)(info, *value);
+    }
+}
+
 namespace
 {
 
@@ -30,6 +37,7 @@ public:
     void operator()(const FieldInfo& info, double& value) override { visit_(info, value); }
     void operator()(const FieldInfo& info, std::vector<double>& values) override { visit_(info, values); }
     void operator()(const FieldInfo& info, std::vector<std::uint64_t>& values) override { visit_(info, values); }
+    using FieldVisitor::operator();
 
 private:
     Visit visit_;
@@ -189,6 +197,44 @@ void FieldSetter::operator()(const FieldInfo& info, std::vector<double>& values)
 void FieldSetter::operator()(const FieldInfo& info, std::vector<std::uint64_t>& values)
 {
     set(info, values);
+}
+
+void FieldSetter::operator()(const FieldInfo& info, std::optional<double>& value)
+{
+    if (info.name == name_) {
+        double number = 0;
+        set(info, number);
+        value = number;
+    }
+}
+
+void FieldCollector::operator()(const FieldInfo& info, bool& value)
+{
+    fields.push_back({info, value});
+}
+void FieldCollector::operator()(const FieldInfo& info, unsigned& value)
+{
+    fields.push_back({info, toValue(info, value)});
+}
+void FieldCollector::operator()(const FieldInfo& info, std::uint64_t& value)
+{
+    fields.push_back({info, value});
+}
+void FieldCollector::operator()(const FieldInfo& info, double& value)
+{
+    fields.push_back({info, value});
+}
+void FieldCollector::operator()(const FieldInfo& info, std::vector<double>& values)
+{
+    fields.push_back({info, values});
+}
+void FieldCollector::operator()(const FieldInfo& info, std::vector<std::uint64_t>& values)
+{
+    fields.push_back({info, values});
+}
+void FieldCollector::operator()(const FieldInfo& info, std::optional<double>& value)
+{
+    fields.push_back({info, value.value_or(std::numeric_limits<double>::quiet_NaN()), value.has_value()});
 }
 
 void BaseDataItem::setField(std::string_view name, const Value& value)

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -27,11 +28,13 @@ struct FieldInfo
     double lowest = -std::numeric_limits<double>::infinity(); ///< of a parameter
     double highest = std::numeric_limits<double>::infinity();
     std::size_t columns = 1;                    ///< numbers of one element of a list
+    std::span<const char* const> columnNames{}; ///< of a list with columns; or of a list that has one element a name
     std::span<const char* const> enumerators{}; ///< the names of the values of an enumeration, from 0
 };
 
 /// The value of a field; an enumerator is its name.
-using Value = std::variant<bool, std::uint64_t, double, std::string, std::vector<double>, std::vector<std::uint64_t>>;
+using Value = std::variant<bool, std::uint64_t, double, std::string, std::vector<double>, std::vector<std::uint64_t>,
+                           std::int64_t>;
 
 /// Is shown every field of a record, and may change it.
 class ORLIX_API FieldVisitor
@@ -45,6 +48,8 @@ public:
     virtual void operator()(const FieldInfo& info, double& value) = 0;
     virtual void operator()(const FieldInfo& info, std::vector<double>& values) = 0;
     virtual void operator()(const FieldInfo& info, std::vector<std::uint64_t>& values) = 0;
+    /// A number that need not be there; unless a visitor says otherwise, it then is passed over.
+    virtual void operator()(const FieldInfo& info, std::optional<double>& value);
 
     /// An enumerator, by its number; `namesOf(Enum)` beside its enumeration has the names.
     template <class Enum>
@@ -76,6 +81,7 @@ public:
     void operator()(const FieldInfo& info, double& value) override;
     void operator()(const FieldInfo& info, std::vector<double>& values) override;
     void operator()(const FieldInfo& info, std::vector<std::uint64_t>& values) override;
+    void operator()(const FieldInfo& info, std::optional<double>& value) override;
     using FieldVisitor::operator();
 
 private:
@@ -87,5 +93,38 @@ private:
     std::string owner_;
     bool isDone_ = false;
 };
+
+/// A field of a record with its value.
+struct Field
+{
+    FieldInfo info;
+    Value value;
+    bool isThere = true; ///< else a number that need not be
+};
+
+/// Lists fields.
+class ORLIX_API FieldCollector final : public FieldVisitor
+{
+public:
+    void operator()(const FieldInfo& info, bool& value) override;
+    void operator()(const FieldInfo& info, unsigned& value) override;
+    void operator()(const FieldInfo& info, std::uint64_t& value) override;
+    void operator()(const FieldInfo& info, double& value) override;
+    void operator()(const FieldInfo& info, std::vector<double>& values) override;
+    void operator()(const FieldInfo& info, std::vector<std::uint64_t>& values) override;
+    void operator()(const FieldInfo& info, std::optional<double>& value) override;
+    using FieldVisitor::operator();
+
+    std::vector<Field> fields;
+};
+
+/// The fields of a plain record, which shows them to visitFields().
+template <class Record>
+std::vector<Field> collectFields(Record record)
+{
+    FieldCollector collector;
+    record.visitFields(collector);
+    return std::move(collector.fields);
+}
 
 } // namespace orlix::data

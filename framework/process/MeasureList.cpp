@@ -58,6 +58,33 @@ Measure makeMeasure(const MeasureDescription& description)
     return measure;
 }
 
+/// One form for each thing that a result may cover.
+Measure makeMeasure(const StateMeasure& state)
+{
+    Measure measure{state.name, state.verb, state.help, state.remark, {}, {}, {}, &state};
+    for (const char* const per : namesOf(Per{})) {
+        MeasureForm form{state.verb, per, {}, nullptr};
+        for (const StateInput& input : state.inputs) {
+            form.inputs.push_back({input.name, false, input.isList, input.isList});
+        }
+        if (state.takesMask) {
+            form.inputs.push_back({"Mask", true, true});
+        }
+        measure.forms.push_back(std::move(form));
+    }
+    for (data::Field& option : state.entry.getOptions()) {
+        if (*option.info.option != 0) {
+            const bool isWhole = std::holds_alternative<std::uint64_t>(option.value);
+            measure.parameters.push_back(
+                {option.info, isWhole, option.isThere ? std::optional{std::move(option.value)} : std::nullopt});
+        }
+    }
+    for (const data::Field& field : state.entry.getFields()) {
+        measure.fields.push_back(field.info);
+    }
+    return measure;
+}
+
 } // namespace
 
 bool MeasureForm::takesMask() const
@@ -91,6 +118,9 @@ std::vector<Measure> MeasureList::getMeasures() const
     for (const MeasureDescription* const description : descriptions_) {
         measures.push_back(makeMeasure(*description));
     }
+    for (const StateMeasure* const state : states_) {
+        measures.push_back(makeMeasure(*state));
+    }
     std::sort(measures.begin(), measures.end(), [](const Measure& a, const Measure& b) { return a.verb < b.verb; });
     return measures;
 }
@@ -102,11 +132,19 @@ MeasureRegistration::MeasureRegistration(MeasureDescription description) : descr
     list.descriptions_.push_back(&description_);
 }
 
+MeasureRegistration::MeasureRegistration(const StateMeasure* measure) : state_{measure}
+{
+    MeasureList& list = MeasureList::getInstance();
+    const std::lock_guard lock{list.mutex_};
+    list.states_.push_back(state_);
+}
+
 MeasureRegistration::~MeasureRegistration()
 {
     MeasureList& list = MeasureList::getInstance();
     const std::lock_guard lock{list.mutex_};
     std::erase(list.descriptions_, &description_);
+    std::erase(list.states_, state_);
 }
 
 } // namespace orlix::imaproc

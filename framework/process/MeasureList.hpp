@@ -2,6 +2,7 @@
 
 #include <framework/attribute/Attribute.hpp>
 #include <framework/process/BaseProcessor.hpp>
+#include <framework/process/MeasureState.hpp>
 
 #include <mutex>
 #include <string>
@@ -27,6 +28,7 @@ struct MeasureInput
     std::string name; ///< of the attribute
     bool isMask = false;
     bool isOptional = false;
+    bool isList = false; ///< any number of images
 };
 
 /// A form of a measure: what one result covers, and what it takes.
@@ -35,7 +37,7 @@ struct ORLIX_API MeasureForm
     std::string function; ///< the entry function of the form, without multiSlice_
     std::string per;      ///< "image", "plan" or "volume"
     std::vector<MeasureInput> inputs;
-    const ProcessorClass* processorClass;
+    const ProcessorClass* processorClass; ///< null where the measure is a state
 
     bool takesMask() const;
     bool needsMask() const;
@@ -52,6 +54,7 @@ struct Measure
     std::vector<MeasureForm> forms;
     std::vector<attr::Parameter> parameters;
     std::vector<data::FieldInfo> fields; ///< of one result; none where it is an image
+    const StateMeasure* state = nullptr; ///< of a measure that is one: its forms have no processor
 };
 
 class ORLIX_API MeasureList
@@ -67,6 +70,7 @@ private:
 
     mutable std::mutex mutex_;
     std::vector<const MeasureDescription*> descriptions_;
+    std::vector<const StateMeasure*> states_;
 };
 
 /// Lists a measure as long as it lives.
@@ -74,12 +78,14 @@ class ORLIX_API MeasureRegistration
 {
 public:
     explicit MeasureRegistration(MeasureDescription description);
+    explicit MeasureRegistration(const StateMeasure* measure);
     ~MeasureRegistration();
     MeasureRegistration(const MeasureRegistration&) = delete;
     MeasureRegistration& operator=(const MeasureRegistration&) = delete;
 
 private:
-    MeasureDescription description_;
+    MeasureDescription description_{};
+    const StateMeasure* state_ = nullptr;
 };
 
 } // namespace orlix::imaproc

@@ -1,8 +1,8 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramLevels.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Define.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/CountTables.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramBins.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/StripCounts.hpp>
 #include <framework/kernel/StripRuns.hpp>
 
 namespace orlix::imaproc::glbmsr

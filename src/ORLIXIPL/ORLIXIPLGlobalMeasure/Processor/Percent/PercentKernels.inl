@@ -51,8 +51,8 @@ std::uint32_t largest(Run<T> run)
                 packs[k] = imaproc::maximum(packs[k], load<P>(run.pixels + i + k * step));
             }
         }
-        label =
-            maximumLane<T>(imaproc::maximum(imaproc::maximum(packs[0], packs[1]), imaproc::maximum(packs[2], packs[3])));
+        label = maximumLane<T>(
+            imaproc::maximum(imaproc::maximum(packs[0], packs[1]), imaproc::maximum(packs[2], packs[3])));
     }
     for (; i < run.size; ++i) {
         label = label < run.pixels[i] ? run.pixels[i] : label;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <framework/kernel/Run.hpp>
+#include <framework/kernel/ValueTables.hpp>
 #include <framework/process/KernelsByType.hpp>
 
 namespace orlix::imaproc::glbmsr
@@ -16,21 +17,11 @@ struct BinRule
     std::uint32_t size; ///< bins and the guard bin
 };
 
-/// What a histogram kernel counts into: one, two or eight tables, so that equal neighbours need not wait for each
-/// other. Each has an entry `size` for what does not count.
-struct BinCounts
+/// What a histogram kernel counts into.
+struct BinCounts : ValueTables
 {
-    /// Where there are eight, they lie this far apart.
-    static constexpr std::size_t stride = 2048 + 32;
-
-    std::uint32_t* tables;
-    bool eight;
-    std::size_t distance; ///< between two tables; 0 where there is one
-    std::uint32_t size;
-    /// Integer pixels: entry i counts the pixels of value first + i, and bins come later. Pixels of 8 bits are
-    /// always counted so, in eight tables, by their byte, with 256 entries more for what a mask excludes.
+    /// Integer pixels: they are counted by value, and bins come later; as pixels of 8 bits always are.
     bool byValue;
-    std::int64_t first;
     /// Else entry i is bin i.
     BinRule rule;
     /// Vector kernels find the bin of a pixel as (pixel - base) * inverse in single precision, and ask the rule where

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/CountTables.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/StripCounts.hpp>
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Percent/PercentKernels.hpp>
 
 #include <framework/core/ProcessingResult.hpp>
@@ -25,7 +25,7 @@ const LabelKernel<T>& labelKernelOf(const PercentKernels& kernels)
 }
 
 /// The counts of the labels of one strip.
-class LabelCounts final : public CountTables
+class LabelCounts final : public CountTables<BinCounts>
 {
 public:
     /// Labels from 0 to `largest`, below 2^31, in pixels of a size. `tables` is memory that lives on from strip to

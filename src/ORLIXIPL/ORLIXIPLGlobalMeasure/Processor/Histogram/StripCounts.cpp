@@ -1,4 +1,4 @@
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/CountTables.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/StripCounts.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -35,26 +35,6 @@ void approximate(BinCounts& counts, eImageBufferType type)
 }
 
 } // namespace
-
-void CountTables::allocate(std::size_t pixelSize, std::size_t nbPixels, std::vector<std::uint32_t>& tables)
-{
-    // Together the tables stay in the cache, and few pixels are not worth many tables.
-    const std::size_t entries = pixelSize == 1 ? 512 : std::size_t{counts_.size} + 1;
-    counts_.eight = pixelSize == 1 || (entries <= BinCounts::stride && nbPixels >= 8192);
-    nbTables_ = counts_.eight ? 8 : entries <= 32768 ? 2 : 1;
-    counts_.distance = counts_.eight ? BinCounts::stride : nbTables_ == 2 ? (entries + 15) / 16 * 16 + 16 : 0;
-    tables.resize(std::max(tables.size(), (nbTables_ - 1) * counts_.distance + entries));
-    counts_.tables = tables.data();
-    clear();
-}
-
-void CountTables::clear()
-{
-    for (std::size_t k = 0; k < nbTables_; ++k) {
-        std::fill_n(counts_.tables + k * counts_.distance, counts_.size, 0);
-    }
-    room_ = capacity;
-}
 
 StripCounts::StripCounts(attr::HistogramData& histogram, eImageBufferType type, std::size_t nbPixels, bool isMasked,
                          std::vector<std::uint32_t>& tables)

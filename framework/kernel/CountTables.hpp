@@ -1,17 +1,17 @@
 #pragma once
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramKernels.hpp>
-#include <framework/process/KernelTables.hpp>
-
-#include <framework/attribute/HistogramData.hpp>
+#include <framework/kernel/Run.hpp>
+#include <framework/kernel/ValueTables.hpp>
 
 #include <algorithm>
 #include <vector>
 
-namespace orlix::imaproc::glbmsr
+namespace orlix::imaproc
 {
 
-/// The tables of one strip.
+/// The tables that kernels count into, with what they are described by: ValueTables or more. For files with baseline
+/// flags.
+template <class Counts>
 class CountTables
 {
 public:
@@ -41,7 +41,17 @@ protected:
     ~CountTables() = default;
 
     /// Empty tables of counts_.size entries, in memory that lives on from strip to strip.
-    void allocate(std::size_t pixelSize, std::size_t nbPixels, std::vector<std::uint32_t>& tables);
+    void allocate(std::size_t pixelSize, std::size_t nbPixels, std::vector<std::uint32_t>& tables)
+    {
+        // Together the tables stay in the cache, and few pixels are not worth many tables.
+        const std::size_t entries = pixelSize == 1 ? 512 : std::size_t{counts_.size} + 1;
+        counts_.eight = pixelSize == 1 || (entries <= ValueTables::stride && nbPixels >= 8192);
+        nbTables_ = counts_.eight ? 8 : entries <= 32768 ? 2 : 1;
+        counts_.distance = counts_.eight ? ValueTables::stride : nbTables_ == 2 ? (entries + 15) / 16 * 16 + 16 : 0;
+        tables.resize(std::max(tables.size(), (nbTables_ - 1) * counts_.distance + entries));
+        counts_.tables = tables.data();
+        clear();
+    }
     std::uint64_t countOf(std::size_t entry) const
     {
         std::uint64_t sum = 0;
@@ -51,35 +61,22 @@ protected:
         return sum;
     }
 
-    BinCounts counts_{};
+    Counts counts_{};
 
 private:
     static constexpr std::size_t capacity = std::size_t{1} << 31; ///< of a table's entry, and more
 
     virtual void collect() = 0;
-    void clear();
+    void clear()
+    {
+        for (std::size_t k = 0; k < nbTables_; ++k) {
+            std::fill_n(counts_.tables + k * counts_.distance, counts_.size, 0);
+        }
+        room_ = capacity;
+    }
 
     std::size_t nbTables_ = 1;
     std::size_t room_ = capacity;
 };
 
-/// The counts of one strip, from the histogram's bins to its frequencies.
-class StripCounts final : public CountTables
-{
-public:
-    /// The histogram has from 2 to 2^31 frequencies. `tables` is memory that lives on from strip to strip.
-    StripCounts(attr::HistogramData& histogram, image::eImageBufferType type, std::size_t nbPixels, bool isMasked,
-                std::vector<std::uint32_t>& tables);
-
-private:
-    /// The value of an entry that counts by value.
-    float valueOf(std::size_t entry) const;
-    void collect() override;
-
-    attr::HistogramData& histogram_;
-    image::eImageBufferType type_;
-    bool entryIsBin_ = true; ///< entry i counts bin firstBin_ + i
-    std::size_t firstBin_ = 0;
-};
-
-} // namespace orlix::imaproc::glbmsr
+} // namespace orlix::imaproc

@@ -1,0 +1,125 @@
+#include <framework/process/StateModel.hpp>
+
+namespace orlix::imaproc
+{
+
+using image::eImageBufferType;
+
+namespace
+{
+
+constexpr std::size_t pieceBytes = std::size_t{1} << 19;
+
+[[noreturn]] void fail(const std::string& text)
+{
+    throw MeasureException{text, ORLIX_HERE};
+}
+
+} // namespace
+
+PieceCut::PieceCut(const StateMeasure& measure, Per per, std::span<const ImageView> images, const ImageView& mask,
+                   const Position& offset)
+    : per_{per}, images_{images.begin(), images.end()}, mask_{mask}, offset_{offset}
+{
+    const std::string verb = measure.verb;
+    if (images.empty()) {
+        fail(verb + ": there is no image");
+    }
+    std::size_t pixelBytes = 0;
+    for (const ImageView& image : images) {
+        if (!image) {
+            fail(verb + ": there is no image");
+        }
+        if (image->isGpuImage()) {
+            fail(verb + ": the image lies on a GPU, where this measure does not run: copy it to memory");
+        }
+        if (!(image->getGeometry() == images[0]->getGeometry())) {
+            fail(verb + ": all images have one size, but one has " + toString(images[0]->getGeometry()) + ", another " +
+                 toString(image->getGeometry()));
+        }
+        const bool isBinary = image->getType() == eImageBufferType::eIBT_Binary;
+        types_.push_back(isBinary ? eImageBufferType::eIBT_UInt8 : image->getType());
+        pixelBytes += image->getPixelSize();
+    }
+    const image::ImageGeometry& size = images[0]->getGeometry();
+    if (mask) {
+        if (mask->isGpuImage() || !image::maskTypes.contains(mask->getType())) {
+            fail(verb + ": a mask has pixels of one byte in memory: binary, uint8 or int8");
+        }
+        if (!(mask->getGeometry() == size)) {
+            fail(verb + ": the mask has " + toString(mask->getGeometry()) + ", but the image " + toString(size));
+        }
+    }
+    if (size.empty()) {
+        return;
+    }
+    // Planes go together where they are small, and one result covers them.
+    const std::size_t rowBytes = size.x * pixelBytes;
+    const std::size_t rows = std::min(size.y, std::max<std::size_t>(1, pieceBytes / rowBytes));
+    const bool isOfPlanes = rows == size.y && per != Per::Plan;
+    const std::size_t planes =
+        isOfPlanes ? std::min(size.z, std::max<std::size_t>(1, pieceBytes / (rowBytes * size.y))) : 1;
+    for (std::size_t t = 0; t < size.t; ++t) {
+        for (std::size_t c = 0; c < size.c; ++c) {
+            for (std::size_t z = 0; z < size.z; z += planes) {
+                for (std::size_t y = 0; y < size.y; y += rows) {
+                    starts_.push_back({y, z, c, t, std::min(rows, size.y - y), std::min(planes, size.z - z)});
+                }
+            }
+        }
+    }
+}
+
+Piece PieceCut::operator[](std::size_t i) const
+{
+    const Start& start = starts_[i];
+    Piece piece;
+    piece.types = types_;
+    piece.whole = images_;
+    piece.at = {0, start.y, start.z, start.c, start.t};
+    piece.offset = offset_;
+    const auto parse = [&](const ImageView& image) {
+        const image::ImageStrides& strides = image->getStrides();
+        return image::StripParser{image::PixelBox{image->getRow(start.y, start.z, start.c, start.t),
+                                                  image->getGeometry().x, start.rows, start.planes, strides.y,
+                                                  strides.z, image->getPixelSize()}};
+    };
+    for (const ImageView& image : images_) {
+        piece.images.push_back(parse(image));
+    }
+    piece.runSize = piece.nbPixels();
+    for (const image::StripParser& parser : piece.images) {
+        piece.runSize = std::min(piece.runSize, parser.longestRun());
+    }
+    if (mask_) {
+        piece.mask = parse(mask_);
+        piece.runSize = std::min(piece.runSize, piece.mask->longestRun());
+    }
+    return piece;
+}
+
+Extent PieceCut::getExtent() const
+{
+    const image::ImageGeometry& size = images_[0]->getGeometry();
+    if (size.empty()) {
+        return {};
+    }
+    return {offset_,
+            {offset_.x + size.x, offset_.y + size.y, offset_.z + size.z, offset_.c + size.c, offset_.t + size.t}};
+}
+
+image::PlanIndex PieceCut::partOf(std::size_t i) const
+{
+    const auto index = [](std::uint64_t a, std::size_t b) { return static_cast<unsigned>(a + b); };
+    const Start& start = starts_[i];
+    switch (per_) {
+    case Per::Plan:
+        return {index(offset_.z, start.z), index(offset_.c, start.c), index(offset_.t, start.t)};
+    case Per::Volume:
+        return {0, index(offset_.c, start.c), index(offset_.t, start.t)};
+    default:
+        return {};
+    }
+}
+
+} // namespace orlix::imaproc

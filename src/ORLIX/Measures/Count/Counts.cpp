@@ -1,0 +1,347 @@
+#include <ORLIX/Measures/Counts.hpp>
+
+#include <ORLIX/Measures/Count/CountKernels.hpp>
+#include <ORLIX/Measures/KeyIndex.hpp>
+#include <ORLIX/Measures/Pieces.hpp>
+
+#include <algorithm>
+#include <bit>
+#include <numeric>
+
+namespace orlix::measures
+{
+
+using image::eImageBufferType;
+
+void ValueCounts::merge(const ValueCounts& other)
+{
+    if (entries_.empty() || other.entries_.empty()) {
+        entries_ = entries_.empty() ? other.entries_ : entries_;
+        return;
+    }
+    std::vector<Entry> merged;
+    merged.reserve(entries_.size() + other.entries_.size());
+    auto a = entries_.begin();
+    auto b = other.entries_.begin();
+    while (a != entries_.end() && b != other.entries_.end()) {
+        if (a->key == b->key) {
+            merged.push_back({a->key, a->count + b->count});
+            ++a, ++b;
+        } else {
+            merged.push_back(a->key < b->key ? *a++ : *b++);
+        }
+    }
+    merged.insert(merged.end(), a, entries_.end());
+    merged.insert(merged.end(), b, other.entries_.end());
+    entries_ = std::move(merged);
+}
+
+std::uint64_t ValueCounts::getTotal() const
+{
+    std::uint64_t total = 0;
+    for (const Entry& entry : entries_) {
+        total += entry.count;
+    }
+    return total;
+}
+
+void ValueCounts::checkOrder() const
+{
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        if (entries_[i].count == 0 || (i != 0 && entries_[i - 1].key >= entries_[i].key)) {
+            data::ByteReader::fail("its counts are not in order");
+        }
+    }
+}
+
+double valueOf(std::uint32_t key, eImageBufferType type)
+{
+    switch (type) {
+    case eImageBufferType::eIBT_Int8:
+        return static_cast<double>(key) - 128;
+    case eImageBufferType::eIBT_Int16:
+        return static_cast<double>(key) - 32768;
+    case eImageBufferType::eIBT_Int32:
+        return static_cast<double>(key) - 2147483648.0;
+    case eImageBufferType::eIBT_Float32:
+        return std::bit_cast<float>((key >> 31) != 0 ? key ^ 0x80000000u : ~key);
+    default:
+        return key;
+    }
+}
+
+namespace
+{
+
+/// What may enter a table of 32-bit counts before it is full.
+constexpr std::uint64_t capacity = std::uint64_t{1} << 31;
+
+} // namespace
+
+ValueCounter::ValueCounter(eImageBufferType type) : type_{type}
+{
+    const std::size_t pixelSize = image::getPixelSize(type);
+    counts_.size = pixelSize == 1 ? 256 : 65536;
+    counts_.first = type == eImageBufferType::eIBT_Int16 ? -32768 : 0;
+    allocate(pixelSize, 65536, memory_);
+}
+
+void ValueCounter::add(const Piece& piece)
+{
+    withPixelType(type_, [&]<class T>(std::type_identity<T>) {
+        forEachRun<T>(piece, getCountKernels(), getCountMaskKernels(),
+                      [&](auto kernel, auto run, std::size_t) { CountTables::add(kernel, run); });
+    });
+}
+
+ValueCounts ValueCounter::take()
+{
+    flush();
+    return std::exchange(found_, {});
+}
+
+void ValueCounter::collect()
+{
+    // A signed byte counts as an unsigned one.
+    const std::uint32_t turn = type_ == eImageBufferType::eIBT_Int8 ? 0x80 : 0;
+    ValueCounts found;
+    for (std::uint32_t key = 0; key < counts_.size; ++key) {
+        if (const std::uint64_t count = countOf(key ^ turn); count != 0) {
+            found.append(key, count);
+        }
+    }
+    found_.merge(found);
+}
+
+/// The tables of one pass: a pixel goes by its upper 16 bits to a target, or to a group of targets and by its next 8
+/// bits to one of them, and by its next bits to a count. What goes to none is counted where nobody looks.
+struct RankSearch::Scan
+{
+    static constexpr std::uint32_t nowhere = 16;
+
+    std::vector<std::uint16_t> groupOf = std::vector<std::uint16_t>(65536);
+    std::vector<std::uint16_t> targetOf; ///< by group and next 8 bits; empty: a group is a target
+    std::vector<std::uint32_t> counts;
+    unsigned bits = 0;  ///< that a count goes by
+    unsigned shift = 0; ///< what is below them
+    std::uint64_t room = capacity;
+
+    explicit Scan(const RankSearch& search) : bits{search.nextBits_}, shift{32 - search.known_ - search.nextBits_}
+    {
+        counts.resize(nowhere + (search.targets_.size() << bits));
+        std::uint16_t groups = 0;
+        for (std::size_t i = 0; i < search.targets_.size(); ++i) {
+            const std::uint32_t prefix = search.targets_[i].prefix;
+            const auto target = static_cast<std::uint16_t>(i + 1);
+            if (search.known_ == 16) {
+                groupOf[prefix] = target;
+                continue;
+            }
+            std::uint16_t& group = groupOf[prefix >> 8];
+            if (group == 0) {
+                group = ++groups;
+                targetOf.resize((groups + std::size_t{1}) << 8);
+            }
+            targetOf[std::size_t{group} << 8 | (prefix & 0xff)] = target;
+        }
+    }
+
+    template <bool HasGroups, class R>
+    void add(const R& run)
+    {
+        const std::uint32_t mask = (std::uint32_t{1} << bits) - 1;
+        for (std::size_t i = 0; i < run.size; ++i) {
+            if (!isSelected(run, i)) {
+                continue;
+            }
+            const std::uint32_t key = orderedBits(run.pixels[i]);
+            std::uint32_t target = groupOf[key >> 16];
+            if constexpr (HasGroups) {
+                target = targetOf[target << 8 | (key >> 8 & 0xff)];
+            }
+            const std::uint32_t entry = nowhere + ((target - 1) << bits) + (key >> shift & mask);
+            ++counts[target != 0 ? entry : i % nowhere];
+        }
+    }
+
+    void take(ValueCounts& into)
+    {
+        ValueCounts found;
+        for (std::size_t i = nowhere; i < counts.size(); ++i) {
+            if (counts[i] != 0) {
+                found.append(static_cast<std::uint32_t>(i - nowhere), counts[i]);
+            }
+        }
+        into.merge(found);
+        std::fill(counts.begin(), counts.end(), 0);
+        room = capacity;
+    }
+};
+
+void RankSearch::add(const Piece& piece)
+{
+    if (known_ == 32) {
+        return;
+    }
+    if (!scan_) {
+        scan_ = std::make_shared<Scan>(*this);
+    }
+    if (scan_->room < piece.nbPixels()) {
+        scan_->take(counts_);
+    }
+    scan_->room -= std::min(scan_->room, piece.nbPixels());
+    withPixelType(piece.types[0], [&]<class T>(std::type_identity<T>) {
+        if constexpr (sizeof(T) == 4) {
+            const image::StripParser& parser = piece.images[0];
+            for (std::size_t i = 0; i < piece.nbRuns(); ++i) {
+                const Run<T> run{parser.run<T>(i, piece.runSize), piece.runSize};
+                const auto add = [&](const auto& pixels) {
+                    scan_->targetOf.empty() ? scan_->add<false>(pixels) : scan_->add<true>(pixels);
+                };
+                piece.mask ? add(MaskedRun<T>{run.pixels, run.size, piece.maskRun(i)}) : add(run);
+            }
+        }
+    });
+}
+
+void RankSearch::settle()
+{
+    if (scan_) {
+        scan_->take(counts_);
+        scan_.reset();
+    }
+}
+
+RankSearch RankSearch::fork() const
+{
+    RankSearch search;
+    search.known_ = known_;
+    search.nextBits_ = nextBits_;
+    search.targets_ = targets_;
+    return search;
+}
+
+namespace
+{
+
+[[noreturn]] void failPass()
+{
+    throw MeasureException{"the pixels that entered in this pass are not those of the pass before", ORLIX_HERE};
+}
+
+} // namespace
+
+void RankSearch::setTargets(std::vector<Target> targets)
+{
+    // All that is left in one pass, where its tables stay below 2 MiB; else in steps of 8 bits.
+    constexpr std::size_t mostTargets = 6;
+    targets_ = std::move(targets);
+    nextBits_ = known_ == 32 ? 0 : known_ == 16 && targets_.size() <= mostTargets ? 16 : 8;
+    counts_ = {};
+}
+
+void RankSearch::start(const ValueCounts& upperHalves, const std::vector<std::uint64_t>& ranks)
+{
+    known_ = 16;
+    std::vector<Target> targets;
+    std::uint64_t below = 0;
+    auto rank = ranks.begin();
+    for (const ValueCounts::Entry& entry : upperHalves.getEntries()) {
+        if (rank != ranks.end() && *rank < below + entry.count) {
+            targets.push_back({entry.key, below, entry.count});
+            rank = std::lower_bound(rank, ranks.end(), below + entry.count);
+        }
+        below += entry.count;
+    }
+    setTargets(std::move(targets));
+}
+
+void RankSearch::next(const std::vector<std::uint64_t>& ranks)
+{
+    if (known_ == 32) {
+        return;
+    }
+    std::vector<Target> targets;
+    auto entry = counts_.getEntries().begin();
+    const auto end = counts_.getEntries().end();
+    for (std::size_t i = 0; i < targets_.size(); ++i) {
+        const Target& known = targets_[i];
+        std::uint64_t below = known.below;
+        auto rank = std::lower_bound(ranks.begin(), ranks.end(), below);
+        for (; entry != end && entry->key >> nextBits_ == i; ++entry) {
+            if (rank != ranks.end() && *rank < below + entry->count) {
+                const std::uint32_t bits = entry->key & ((std::uint32_t{1} << nextBits_) - 1);
+                targets.push_back({known.prefix << nextBits_ | bits, below, entry->count});
+                rank = std::lower_bound(rank, ranks.end(), below + entry->count);
+            }
+            below += entry->count;
+        }
+        if (below != known.below + known.count) {
+            failPass();
+        }
+    }
+    known_ += nextBits_;
+    setTargets(std::move(targets));
+}
+
+std::uint32_t RankSearch::find(std::uint64_t rank) const
+{
+    const auto target = std::partition_point(targets_.begin(), targets_.end(),
+                                             [&](const Target& each) { return each.below + each.count <= rank; });
+    if (target == targets_.end() || rank < target->below) {
+        throw MeasureException{"this percentile was not looked for", ORLIX_HERE};
+    }
+    return target->prefix;
+}
+
+void RankSearch::check() const
+{
+    const auto fail = [](bool isWrong) {
+        if (isWrong) {
+            data::ByteReader::fail("what it looks for is wrong");
+        }
+    };
+    fail(known_ != 0 && known_ != 16 && known_ != 24 && known_ != 32);
+    fail(nextBits_ > 16 || known_ + nextBits_ > 32 || (known_ % 32 != 0 && nextBits_ != 8 && nextBits_ != 16));
+    fail(targets_.size() > 65535);
+    for (std::size_t i = 0; i < targets_.size(); ++i) {
+        fail(known_ < 32 && targets_[i].prefix >> known_ != 0);
+        fail(targets_[i].count == 0 || (i != 0 && targets_[i - 1].prefix >= targets_[i].prefix));
+    }
+    for (const ValueCounts::Entry& entry : counts_.getEntries()) {
+        fail(entry.key >> nextBits_ >= targets_.size());
+    }
+}
+
+void KeyCounter::add(const Piece& piece)
+{
+    withPixelType(piece.types[0], [&]<class T>(std::type_identity<T>) {
+        for (std::size_t i = 0; i < piece.nbRuns(); ++i) {
+            const T* const pixels = piece.images[0].run<T>(i, piece.runSize);
+            const std::uint8_t* const mask = piece.maskRun(i);
+            for (std::size_t k = 0; k < piece.runSize; ++k) {
+                if (mask == nullptr || mask[k] != 0) {
+                    const std::uint32_t number = index_.find(orderedBits(pixels[k]));
+                    counts_.resize(index_.size());
+                    ++counts_[number];
+                }
+            }
+        }
+    });
+}
+
+ValueCounts KeyCounter::take()
+{
+    const std::vector<std::uint32_t>& keys = index_.getKeys();
+    std::vector<std::size_t> order(keys.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return keys[a] < keys[b]; });
+    ValueCounts counts;
+    for (const std::size_t i : order) {
+        counts.append(keys[i], counts_[i]);
+    }
+    *this = {};
+    return counts;
+}
+
+} // namespace orlix::measures

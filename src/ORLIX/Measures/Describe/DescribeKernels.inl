@@ -1,0 +1,327 @@
+// Number, exact sum, exact sum of squares, minimum and maximum, once for every pixel type and instruction set, and for
+// runs with a mask and without. Everything is exact, so all instruction sets give the same bits.
+
+#include <ORLIX/Measures/Describe/DescribeKernels.hpp>
+#include <framework/kernel/FloatSums.hpp>
+#include <framework/kernel/IntegerMoments.hpp>
+
+namespace orlix::measures
+{
+
+namespace
+{
+
+/// Extremes of the block that begins at `at`.
+ORLIX_KERNEL void extend(DescribeFigures& f, double lo, double hi, const void* at)
+{
+    if (!(f.min <= lo)) {
+        f.min = lo;
+        f.minBlock = at;
+    }
+    if (!(f.max >= hi)) {
+        f.max = hi;
+        f.maxBlock = at;
+    }
+}
+
+template <class R>
+ORLIX_KERNEL std::uint64_t countSaturated(R run)
+{
+    using T = typename R::Pixel;
+    std::uint64_t count = 0;
+    for (std::size_t i = 0; i < run.size; ++i) {
+        count += isSelected(run, i) && (run.pixels[i] == lowestOf<T> || run.pixels[i] == highestOf<T>);
+    }
+    return count;
+}
+
+template <Domain::domain D, class R>
+void describeIntegers(R run, DescribeFigures& f)
+{
+    using T = typename R::Pixel;
+    constexpr std::size_t block = extremeBlock / sizeof(T);
+    struct
+    {
+        double min;
+        double max;
+        Int128 sum;
+        Int128 sumSq;
+        std::uint64_t selected;
+    } m{};
+    for (std::size_t i = 0; i < run.size; i += block) {
+        const R pixels = part(run, i, run.size - i < block ? run.size - i : block);
+        const std::uint64_t before = m.selected;
+        m.min = __builtin_inf();
+        m.max = -m.min;
+        if constexpr (D == Domain::eIS_Generic) {
+            accumulateIntegersOneByOne<Figures::All>(pixels, m);
+        } else {
+            accumulateIntegers<D, Figures::All>(pixels, m);
+        }
+        if (R::isMasked && m.selected == before) {
+            continue;
+        }
+        extend(f, m.min, m.max, pixels.pixels);
+        if (f.countsSaturated && (m.min == double(lowestOf<T>) || m.max == double(highestOf<T>))) {
+            f.nbSaturated += countSaturated(pixels);
+        }
+    }
+    f.nbNumbers += R::isMasked ? m.selected : run.size;
+    addShifted(f.sum, m.sum, 0);
+    addShifted(f.squares, m.sumSq, 0);
+}
+
+// The bits of a float without its sign grow with its magnitude.
+inline constexpr std::int32_t infinityBits = 0x7f800000;
+
+/// The exponent that floats of these bits have, and those of the window that it is the top of: no less than lets the
+/// smallest float be one of its units.
+template <Domain::domain D>
+ORLIX_KERNEL int topOf(std::int32_t bits)
+{
+    const int exponent = int(bits >> 23) - 127;
+    const int least = BinadeSums<D>::binades - 126;
+    return exponent < least ? least : exponent;
+}
+
+/// The lowest bits of a normal float in that window; 0 where it reaches down to the smallest.
+template <Domain::domain D>
+ORLIX_KERNEL std::int32_t bottomOf(int top)
+{
+    const int exponent = top - BinadeSums<D>::binades;
+    return exponent <= -126 ? 0 : std::int32_t(exponent + 127) << 23;
+}
+
+/// A block of whole steps.
+template <Domain::domain D, class R>
+struct FloatBlock
+{
+    using Floats = Pack<float, D>;
+    using Bits = Pack<std::int32_t, D>;
+    using Selection = LaneMask<float, D>;
+    using Sums = BinadeSums<D>;
+    static constexpr std::size_t lane = lanes<float, D>;
+    static constexpr std::size_t step = Sums::packs / 2 * lane;
+    static constexpr std::size_t size = Sums::additions * step;
+
+    R run;
+
+    ORLIX_KERNEL static Bits magnitudeBits(Floats x) { return (Bits)x & 0x7fffffff; }
+    ORLIX_KERNEL Selection selected(std::size_t i) const
+    {
+        if constexpr (R::isMasked) {
+            return loadLaneMask<float, D>(run.mask + i);
+        } else {
+            return ~Selection{};
+        }
+    }
+    template <class Visit>
+    ORLIX_KERNEL void forEachPack(Visit visit) const
+    {
+        for (std::size_t i = 0; i < run.size; i += step) {
+#pragma GCC unroll 2
+            for (std::size_t k = 0; k < Sums::packs / 2; ++k) {
+                visit(k, load<Floats>(run.pixels + i + k * lane), selected(i + k * lane));
+            }
+        }
+    }
+
+    /// `at` is where the pixels come from.
+    ORLIX_KERNEL void describe(const float* at, DescribeFigures& f) const
+    {
+        constexpr float infinity = __builtin_inff();
+        const Floats none = splat<Floats>(infinity);
+        Floats lo[2] = {none, none};
+        Floats hi[2] = {-none, -none};
+        // What is least behind 0, where counting starts from the smallest float and 0 is the greatest.
+        Bits least[2] = {splat<Bits>(0x7fffffff), splat<Bits>(0x7fffffff)};
+        LaneMaskCount<float, D> count;
+        const Prefetch prefetch{run.size * sizeof(float)};
+        for (std::size_t i = 0; i < run.size; i += step) {
+            prefetch.template stepOf<step>(run, i);
+#pragma GCC unroll 2
+            for (std::size_t k = 0; k < Sums::packs / 2; ++k) {
+                const Floats x = load<Floats>(run.pixels + i + k * lane);
+                const Selection selection = selected(i + k * lane);
+                if constexpr (R::isMasked) {
+                    count.add(selection);
+                }
+                const Floats forLo = R::isMasked ? (Floats)(selection ? x : none) : x;
+                const Floats forHi = R::isMasked ? (Floats)(selection ? x : -none) : x;
+                lo[k] = minimum(forLo, lo[k]); // a NaN never replaces a number
+                hi[k] = maximum(forHi, hi[k]);
+                const auto fromOne = (Bits)((Pack<std::uint32_t, D>)magnitudeBits(x) + 0x7fffffffu);
+                least[k] = minimum(R::isMasked ? (Bits)(selection ? fromOne : least[k]) : fromOne, least[k]);
+            }
+        }
+        const std::uint64_t n = R::isMasked ? count.flush() : run.size;
+        if (n == 0) {
+            return;
+        }
+        f.nbNumbers += n;
+        const float min = minimumLane<float>(minimum(lo[0], lo[1]));
+        const float max = maximumLane<float>(maximum(hi[0], hi[1]));
+        if (min <= max) {
+            extend(f, min, max, at);
+        }
+        const std::int32_t greatest = bitsOf(max > -min ? max : -min);
+        const std::int32_t smallest =
+            std::int32_t(std::uint32_t(minimumLane<std::int32_t>(minimum(least[0], least[1]))) - 0x7fffffffu);
+        const int top = topOf<D>(greatest & 0x7fffffff);
+        const bool isZero = smallest == 0;
+        if (min <= max && greatest < infinityBits && (isZero || smallest >= bottomOf<D>(top)) && sumWindow(top, f)) {
+            return;
+        }
+        sumCarefully(f);
+    }
+
+    ORLIX_KERNEL static std::int32_t bitsOf(float x)
+    {
+        std::int32_t bits;
+        __builtin_memcpy(&bits, &x, sizeof bits);
+        return bits;
+    }
+
+    /// Pixels that all lie in one window. Fails where one is NaN.
+    ORLIX_KERNEL bool sumWindow(int top, DescribeFigures& f) const
+    {
+        Sums sums{top};
+        forEachPack([&](std::size_t k, Floats x, Selection selection) __attribute__((always_inline)) {
+            const Floats counting = R::isMasked ? keep(selection, x) : x;
+            sums.add(2 * k, toDoubles<D, false>(counting));
+            sums.add(2 * k + 1, toDoubles<D, true>(counting));
+        });
+        return sums.flush(f.sum, f.squares);
+    }
+
+    /// Any pixels: window by window, from the greatest on.
+    [[gnu::noinline]] void sumCarefully(DescribeFigures& f) const
+    {
+        LaneMaskCount<float, D> nan;
+        LaneMaskCount<float, D> positive;
+        LaneMaskCount<float, D> negative;
+        Bits greatest{};
+        forEachPack([&](std::size_t, Floats x, Selection selection) __attribute__((always_inline)) {
+            const Bits bits = magnitudeBits(x);
+            nan.add(selection & (bits > infinityBits));
+            positive.add(selection & ((Bits)x == infinityBits));
+            negative.add(selection & (bits == infinityBits) & ((Bits)x < 0));
+            greatest = maximum(selection & (bits < infinityBits) ? bits : Bits{}, greatest);
+        });
+        const std::uint64_t nbNaN = nan.flush();
+        f.nbNaN += nbNaN;
+        f.nbNumbers -= nbNaN;
+        f.nbPositiveInfinity += positive.flush();
+        f.nbNegativeInfinity += negative.flush();
+        std::int32_t limit = infinityBits;
+        for (std::int32_t next = maximumLane<std::int32_t>(greatest); next != 0;) {
+            const int top = topOf<D>(next);
+            const std::int32_t bottom = bottomOf<D>(top);
+            Sums sums{top};
+            greatest = Bits{};
+            forEachPack([&](std::size_t k, Floats x, Selection selection) __attribute__((always_inline)) {
+                const Bits bits = magnitudeBits(x);
+                const Floats counting = keep((Selection)(selection & (bits < limit) & (bits >= bottom)), x);
+                greatest = maximum(selection & (bits < bottom) ? bits : Bits{}, greatest);
+                sums.add(2 * k, toDoubles<D, false>(counting));
+                sums.add(2 * k + 1, toDoubles<D, true>(counting));
+            });
+            sums.flush(f.sum, f.squares);
+            limit = bottom;
+            next = maximumLane<std::int32_t>(greatest);
+        }
+    }
+};
+
+template <Domain::domain D, class R>
+void describeFloats(R run, DescribeFigures& f)
+{
+    using Block = FloatBlock<D, R>;
+    const std::size_t whole = run.size / Block::step * Block::step;
+    for (std::size_t i = 0; i < whole; i += Block::size) {
+        Block{part(run, i, whole - i < Block::size ? whole - i : Block::size)}.describe(run.pixels + i, f);
+    }
+    if (whole != run.size) { // the last pixels, filled up with such as do not count
+        float filled[Block::step] = {};
+        std::uint8_t counts[Block::step] = {};
+        for (std::size_t i = 0; i < run.size - whole; ++i) {
+            filled[i] = run.pixels[whole + i];
+            counts[i] = isSelected(run, whole + i);
+        }
+        using Masked = MaskedRun<float>;
+        FloatBlock<D, Masked>{Masked{filled, Block::step, counts}}.describe(run.pixels + whole, f);
+    }
+}
+
+/// One pixel after the other: the generic domain.
+template <class R>
+void describeFloatsOneByOne(R run, DescribeFigures& f)
+{
+    for (std::size_t i = 0; i < run.size; ++i) {
+        if (!isSelected(run, i)) {
+            continue;
+        }
+        const float x = run.pixels[i];
+        if (x != x) {
+            ++f.nbNaN;
+            continue;
+        }
+        ++f.nbNumbers;
+        extend(f, x, x, run.pixels + i);
+        std::uint32_t bits;
+        __builtin_memcpy(&bits, &x, sizeof bits);
+        const std::uint32_t exponent = bits >> 23 & 0xff;
+        if (exponent == 0xff) {
+            ++(x > 0 ? f.nbPositiveInfinity : f.nbNegativeInfinity);
+            continue;
+        }
+        const std::int64_t digits = (bits & 0x7fffff) | (exponent != 0 ? 0x800000 : 0);
+        const unsigned shift = exponent != 0 ? exponent - 1 : 0;
+        addShifted(f.sum, x < 0 ? -digits : digits, shift);
+        addShifted(f.squares, digits * digits, 2 * shift);
+    }
+}
+
+template <class R, Domain::domain D>
+void describeRun(R run, DescribeFigures& f)
+{
+    if (run.size == 0) {
+        return;
+    }
+    if constexpr (!isFloat<typename R::Pixel>) {
+        describeIntegers<D>(run, f);
+    } else if constexpr (D == Domain::eIS_Generic) {
+        describeFloatsOneByOne(run, f);
+    } else {
+        describeFloats<D>(run, f);
+    }
+}
+
+/// Whether a file has kernels for pixels of type T: one with an extension of AVX-512 has what that is good for.
+template <class T>
+constexpr bool isWorthwhile =
+#if defined __AVX512VNNI__
+    sizeof(T) < 4;
+#elif defined __AVX512IFMA__
+    std::is_integral_v<T> && sizeof(T) == 4;
+#else
+    true;
+#endif
+
+template <template <class> class Kernel, template <class> class R, Domain::domain D>
+constexpr KernelsByType<Kernel> kernelsOf = makeKernels<Kernel, D>([]<class T>(std::type_identity<T>) -> Kernel<T> {
+    if constexpr (isWorthwhile<T>) {
+        return &describeRun<R<T>, D>;
+    } else {
+        return nullptr;
+    }
+});
+
+template <Domain::domain D>
+constexpr DescribeKernels describeKernels = kernelsOf<DescribeKernel, Run, D>;
+template <Domain::domain D>
+constexpr DescribeMaskKernels describeMaskKernels = kernelsOf<DescribeMaskKernel, MaskedRun, D>;
+
+} // namespace
+
+} // namespace orlix::measures
