@@ -54,7 +54,7 @@ struct BinadeSums
     ORLIX_KERNEL void add(std::size_t k, Doubles x)
     {
         const Doubles next = addSquare<D>(high[k], x);
-        sum[k] += x;
+        sum[k] = multiplyAdd<D>(x, splat<Doubles>(1.0), sum[k]); // where additions are not, multiplications have room
         low[k] += addSquare<D>(high[k] - next, x);
         high[k] = next;
     }

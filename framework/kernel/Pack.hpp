@@ -414,21 +414,28 @@ ORLIX_KERNEL Pack<double, D> loadIntegersAsDoubles(const T* pixels)
     }
 }
 
-/// sum + x * x where the product is exact, so that fusing the two changes nothing.
+/// a * b + c where the product is exact, so that fusing the two changes nothing.
 template <Domain::domain D, class P>
-ORLIX_KERNEL P addSquare(P sum, P x)
+ORLIX_KERNEL P multiplyAdd(P a, P b, P c)
 {
 #ifdef __FMA__
     if constexpr (D == Domain::eIS_AVX2) {
-        return (P)_mm256_fmadd_pd((__m256d)x, (__m256d)x, (__m256d)sum);
+        return (P)_mm256_fmadd_pd((__m256d)a, (__m256d)b, (__m256d)c);
     }
 #endif
 #ifdef __AVX512F__
     if constexpr (D == Domain::eIS_AVX512) {
-        return (P)_mm512_fmadd_pd((__m512d)x, (__m512d)x, (__m512d)sum);
+        return (P)_mm512_fmadd_pd((__m512d)a, (__m512d)b, (__m512d)c);
     }
 #endif
-    return sum + x * x;
+    return a * b + c;
+}
+
+/// sum + x * x where the product is exact.
+template <Domain::domain D, class P>
+ORLIX_KERNEL P addSquare(P sum, P x)
+{
+    return multiplyAdd<D>(x, x, sum);
 }
 
 /// Lane 0 of what `combine` makes of all lanes: the upper half of them with the lower half, and so on.

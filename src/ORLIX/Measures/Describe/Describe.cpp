@@ -449,10 +449,12 @@ private:
     static void addFigures(const Wanted& wanted, const Piece& piece, Part& part)
     {
         DescribeFigures figures{};
-        figures.min = figures.max = nan;
+        figures.min = part.min.value; // what is found lies behind it: pieces enter in their order
+        figures.max = part.max.value;
         figures.countsSaturated = wanted.saturated;
-        std::size_t minAt = 0;
-        std::size_t maxAt = 0;
+        constexpr std::size_t nowhere = std::numeric_limits<std::size_t>::max();
+        std::size_t minAt = nowhere;
+        std::size_t maxAt = nowhere;
         forEachRun<T>(piece, getDescribeKernels(), getDescribeMaskKernels(), [&](auto kernel, auto run, std::size_t i) {
             figures.minBlock = figures.maxBlock = nullptr;
             kernel(run, figures);
@@ -471,9 +473,11 @@ private:
         part.nbSaturated += figures.nbSaturated;
         imaproc::add(part.sum, figures.sum);
         imaproc::add(part.squares, figures.squares);
-        if (!std::isnan(figures.min)) {
-            replace(part.min, {figures.min + 0.0, findFirst<T>(piece, minAt, figures.min)}, std::less<>{});
-            replace(part.max, {figures.max + 0.0, findFirst<T>(piece, maxAt, figures.max)}, std::greater<>{});
+        if (minAt != nowhere) {
+            part.min = {figures.min + 0.0, findFirst<T>(piece, minAt, figures.min)}; // of both zeros one
+        }
+        if (maxAt != nowhere) {
+            part.max = {figures.max + 0.0, findFirst<T>(piece, maxAt, figures.max)};
         }
     }
 
@@ -486,6 +490,17 @@ private:
         const std::uint8_t* const mask = piece.maskRun(run);
         const auto wanted = static_cast<T>(value);
         std::size_t i = at % piece.runSize;
+        constexpr std::size_t group = 256 / sizeof(T); // looked through without a question at each pixel
+        const auto isInGroup = [&] {
+            Unsigned<T> found = 0; // as wide as a pixel, so that the compiler compares many at a time
+            for (std::size_t k = 0; k < group; ++k) {
+                found |= static_cast<Unsigned<T>>(pixels[i + k] == wanted);
+            }
+            return found != 0;
+        };
+        while (mask == nullptr && i + group <= piece.runSize && !isInGroup()) {
+            i += group;
+        }
         while (pixels[i] != wanted || (mask != nullptr && mask[i] == 0)) {
             ++i;
         }

@@ -133,8 +133,6 @@ struct FloatBlock
         const Floats none = splat<Floats>(infinity);
         Floats lo[2] = {none, none};
         Floats hi[2] = {-none, -none};
-        // What is least behind 0, where counting starts from the smallest float and 0 is the greatest.
-        Bits least[2] = {splat<Bits>(0x7fffffff), splat<Bits>(0x7fffffff)};
         LaneMaskCount<float, D> count;
         const Prefetch prefetch{run.size * sizeof(float)};
         for (std::size_t i = 0; i < run.size; i += step) {
@@ -150,8 +148,6 @@ struct FloatBlock
                 const Floats forHi = R::isMasked ? (Floats)(selection ? x : -none) : x;
                 lo[k] = minimum(forLo, lo[k]); // a NaN never replaces a number
                 hi[k] = maximum(forHi, hi[k]);
-                const auto fromOne = (Bits)((Pack<std::uint32_t, D>)magnitudeBits(x) + 0x7fffffffu);
-                least[k] = minimum(R::isMasked ? (Bits)(selection ? fromOne : least[k]) : fromOne, least[k]);
             }
         }
         const std::uint64_t n = R::isMasked ? count.flush() : run.size;
@@ -164,15 +160,30 @@ struct FloatBlock
         if (min <= max) {
             extend(f, min, max, at);
         }
-        const std::int32_t greatest = bitsOf(max > -min ? max : -min);
-        const std::int32_t smallest =
-            std::int32_t(std::uint32_t(minimumLane<std::int32_t>(minimum(least[0], least[1]))) - 0x7fffffffu);
-        const int top = topOf<D>(greatest & 0x7fffffff);
-        const bool isZero = smallest == 0;
-        if (min <= max && greatest < infinityBits && (isZero || smallest >= bottomOf<D>(top)) && sumWindow(top, f)) {
+        const std::int32_t greatest = bitsOf(max > -min ? max : -min) & 0x7fffffff;
+        const int top = topOf<D>(greatest);
+        const std::int32_t bottom = bottomOf<D>(top);
+        if (min <= max && greatest < infinityBits && (bottom == 0 || findSmallest(min, max) >= bottom) &&
+            sumWindow(top, f)) {
             return;
         }
         sumCarefully(f);
+    }
+
+    /// The least bits of a magnitude that is not 0; of nothing but zeros the greatest number.
+    ORLIX_KERNEL std::int32_t findSmallest(float min, float max) const
+    {
+        if (min > 0 || max < 0) {
+            return bitsOf(min > 0 ? min : -max);
+        }
+        // Counted so that the smallest float comes first, and 0 last.
+        Bits least[2] = {splat<Bits>(0x7fffffff), splat<Bits>(0x7fffffff)};
+        forEachPack([&](std::size_t k, Floats x, Selection selection) __attribute__((always_inline)) {
+            const auto fromOne = (Bits)((Pack<std::uint32_t, D>)magnitudeBits(x) + 0x7fffffffu);
+            least[k] = minimum(R::isMasked ? (Bits)(selection ? fromOne : least[k]) : fromOne, least[k]);
+        });
+        const std::int32_t fromOne = minimumLane<std::int32_t>(minimum(least[0], least[1]));
+        return fromOne == 0x7fffffff ? fromOne : std::int32_t(std::uint32_t(fromOne) - 0x7fffffffu);
     }
 
     ORLIX_KERNEL static std::int32_t bitsOf(float x)
@@ -186,11 +197,25 @@ struct FloatBlock
     ORLIX_KERNEL bool sumWindow(int top, DescribeFigures& f) const
     {
         Sums sums{top};
-        forEachPack([&](std::size_t k, Floats x, Selection selection) __attribute__((always_inline)) {
-            const Floats counting = R::isMasked ? keep(selection, x) : x;
-            sums.add(2 * k, toDoubles<D, false>(counting));
-            sums.add(2 * k + 1, toDoubles<D, true>(counting));
-        });
+        for (std::size_t i = 0; i < run.size; i += step) {
+            // The next block, which the first loop would wait for while this one asks for nothing.
+            if (run.size == size) {
+#pragma GCC unroll 8
+                for (std::size_t k = 0; k < step; k += 16) {
+                    _mm_prefetch(reinterpret_cast<const char*>(run.pixels + size + i + k), _MM_HINT_T1);
+                }
+            }
+#pragma GCC unroll 4
+            for (std::size_t k = 0; k < Sums::packs; ++k) {
+                const std::size_t at = i + k * lane / 2;
+                if constexpr (R::isMasked) {
+                    const Floats x = keep(selected(i + k / 2 * lane), load<Floats>(run.pixels + i + k / 2 * lane));
+                    sums.add(k, k % 2 == 0 ? toDoubles<D, false>(x) : toDoubles<D, true>(x));
+                } else {
+                    sums.add(k, loadAsDoubles<D>(run.pixels + at));
+                }
+            }
+        }
         return sums.flush(f.sum, f.squares);
     }
 
