@@ -1,5 +1,6 @@
 #pragma once
 
+#include <framework/core/Settings.hpp>
 #include <framework/image/Strip.hpp>
 #include <framework/process/Executor.hpp>
 #include <framework/process/MeasureState.hpp>
@@ -130,7 +131,8 @@ public:
                 failure = std::current_exception();
             }
         };
-        executor::parallelFor(pieces.size(), 1, ePriority::eP_Normal, RangeBody{enter});
+        const std::size_t grain = pieces.size() / (2 * std::size_t{core::settings::getNbThreads()}); // each has a part
+        executor::parallelFor(pieces.size(), std::max<std::size_t>(1, grain), ePriority::eP_Normal, RangeBody{enter});
         if (failure) {
             std::rethrow_exception(failure);
         }

@@ -71,13 +71,15 @@ class ValueCounter final : public CountTables<ValueTables>
 public:
     explicit ValueCounter(image::eImageBufferType type);
 
-    /// The pixels of a piece by values of 8 and 16 bits, or by the upper half of 32.
-    void add(const Piece& piece);
+    /// The pixels of a piece by values of 8 and 16 bits, or by the upper half of 32. None lies outside of the range.
+    void add(const Piece& piece, double lowest, double highest);
     /// What the tables hold, which are empty then.
     ValueCounts take();
 
 private:
     void collect() override;
+
+    void setRange(std::int64_t first, std::int64_t last);
 
     image::eImageBufferType type_;
     std::vector<std::uint32_t> memory_;
@@ -135,6 +137,9 @@ public:
 private:
     struct Scan;
 
+    std::uint64_t countTargets() const;
+    /// Whether there are so few pixels to count that they may be written down one by one.
+    bool isSmall() const { return countTargets() <= 65536; }
     void check() const;
     void setTargets(std::vector<Target> targets);
 

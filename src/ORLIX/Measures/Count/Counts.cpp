@@ -80,15 +80,38 @@ constexpr std::uint64_t capacity = std::uint64_t{1} << 31;
 
 ValueCounter::ValueCounter(eImageBufferType type) : type_{type}
 {
-    const std::size_t pixelSize = image::getPixelSize(type);
-    counts_.size = pixelSize == 1 ? 256 : 65536;
-    counts_.first = type == eImageBufferType::eIBT_Int16 ? -32768 : 0;
-    allocate(pixelSize, 65536, memory_);
+    if (image::getPixelSize(type) == 1) {
+        setRange(0, 255);
+    }
 }
 
-void ValueCounter::add(const Piece& piece)
+void ValueCounter::setRange(std::int64_t first, std::int64_t last)
+{
+    counts_.first = first;
+    counts_.size = static_cast<std::uint32_t>(last - first + 1);
+    allocate(image::getPixelSize(type_), 65536, memory_);
+}
+
+void ValueCounter::add(const Piece& piece, double lowest, double highest)
 {
     withPixelType(type_, [&]<class T>(std::type_identity<T>) {
+        if constexpr (sizeof(T) > 1) {
+            const auto numberOf = [](double pixel) -> std::int64_t {
+                return sizeof(T) == 4 ? static_cast<std::int64_t>(orderedBits(static_cast<T>(pixel)) >> 16)
+                                      : static_cast<std::int64_t>(pixel);
+            };
+            const std::int64_t first = numberOf(lowest);
+            const std::int64_t last = numberOf(highest);
+            if (first < counts_.first || last >= counts_.first + counts_.size) {
+                if (counts_.size != 0) {
+                    flush();
+                }
+                // With room for what may come, within the limits.
+                const std::int64_t room = (last - first) / 4;
+                const std::int64_t least = std::is_same_v<T, short> ? -32768 : 0;
+                setRange(std::max(least, first - room), std::min(least + 65535, last + room));
+            }
+        }
         forEachRun<T>(piece, getCountKernels(), getCountMaskKernels(),
                       [&](auto kernel, auto run, std::size_t) { CountTables::add(kernel, run); });
     });
@@ -104,10 +127,11 @@ void ValueCounter::collect()
 {
     // A signed byte counts as an unsigned one.
     const std::uint32_t turn = type_ == eImageBufferType::eIBT_Int8 ? 0x80 : 0;
+    const auto first = static_cast<std::uint32_t>(counts_.first + (type_ == eImageBufferType::eIBT_Int16 ? 32768 : 0));
     ValueCounts found;
-    for (std::uint32_t key = 0; key < counts_.size; ++key) {
-        if (const std::uint64_t count = countOf(key ^ turn); count != 0) {
-            found.append(key, count);
+    for (std::uint32_t entry = 0; entry < counts_.size; ++entry) {
+        if (const std::uint64_t count = countOf(entry ^ turn); count != 0) {
+            found.append(first + entry, count);
         }
     }
     found_.merge(found);
@@ -121,14 +145,28 @@ struct RankSearch::Scan
 
     std::vector<std::uint16_t> groupOf = std::vector<std::uint16_t>(65536);
     std::vector<std::uint16_t> targetOf; ///< by group and next 8 bits; empty: a group is a target
-    std::vector<std::uint32_t> counts;
-    unsigned bits = 0;  ///< that a count goes by
-    unsigned shift = 0; ///< what is below them
+    std::vector<std::uint32_t> counts;   ///< by target and next bits; empty where there are few pixels to count
+    std::vector<std::uint32_t> entries;  ///< and these are written down
+    unsigned bits = 0;                   ///< that a count goes by
+    unsigned shift = 0;                  ///< what is below them
     std::uint64_t room = capacity;
+    Prefixes prefixes{};                 ///< where there are few targets, and kernels look for them
+    std::vector<std::uint32_t> numbers_; ///< that a kernel found
 
     explicit Scan(const RankSearch& search) : bits{search.nextBits_}, shift{32 - search.known_ - search.nextBits_}
     {
-        counts.resize(nowhere + (search.targets_.size() << bits));
+        if (search.isSmall()) {
+            entries.reserve(search.countTargets());
+        } else {
+            counts.resize(nowhere + (search.targets_.size() << bits));
+        }
+        if (search.targets_.size() <= Prefixes::most && !search.targets_.empty()) {
+            prefixes.size = search.targets_.size();
+            prefixes.shift = 32 - search.known_;
+            for (std::size_t i = 0; i < Prefixes::most; ++i) {
+                prefixes.prefix[i] = search.targets_[i < prefixes.size ? i : 0].prefix;
+            }
+        }
         std::uint16_t groups = 0;
         for (std::size_t i = 0; i < search.targets_.size(); ++i) {
             const std::uint32_t prefix = search.targets_[i].prefix;
@@ -146,22 +184,52 @@ struct RankSearch::Scan
         }
     }
 
-    template <bool HasGroups, class R>
+    template <class R>
     void add(const R& run)
     {
-        const std::uint32_t mask = (std::uint32_t{1} << bits) - 1;
-        for (std::size_t i = 0; i < run.size; ++i) {
-            if (!isSelected(run, i)) {
-                continue;
+        if (prefixes.size != 0) {
+            numbers_.resize(std::max(numbers_.size(), run.size));
+            count(numbers_.data(), selectKernel<typename R::Pixel>(kernelsFor(run))(run, prefixes, numbers_.data()));
+            return;
+        }
+        std::uint32_t numbers[256];
+        for (std::size_t i = 0; i < run.size;) {
+            std::size_t size = 0;
+            for (; i < run.size && size < std::size(numbers); ++i) {
+                numbers[size] = orderedBits(run.pixels[i]);
+                size += isSelected(run, i) && run.pixels[i] == run.pixels[i];
             }
-            const std::uint32_t key = orderedBits(run.pixels[i]);
+            count(numbers, size);
+        }
+    }
+
+    void count(const std::uint32_t* numbers, std::size_t size)
+    {
+        const std::uint32_t mask = (std::uint32_t{1} << bits) - 1;
+        for (std::size_t i = 0; i < size; ++i) {
+            const std::uint32_t key = numbers[i];
             std::uint32_t target = groupOf[key >> 16];
-            if constexpr (HasGroups) {
+            if (!targetOf.empty()) {
                 target = targetOf[target << 8 | (key >> 8 & 0xff)];
             }
-            const std::uint32_t entry = nowhere + ((target - 1) << bits) + (key >> shift & mask);
-            ++counts[target != 0 ? entry : i % nowhere];
+            const std::uint32_t entry = ((target - 1) << bits) + (key >> shift & mask);
+            if (!counts.empty()) {
+                ++counts[target != 0 ? nowhere + entry : i % nowhere];
+            } else if (target != 0) {
+                entries.push_back(entry);
+            }
         }
+    }
+
+    template <class T>
+    static const auto& kernelsFor(const Run<T>&)
+    {
+        return getFindKernels();
+    }
+    template <class T>
+    static const auto& kernelsFor(const MaskedRun<T>&)
+    {
+        return getFindMaskKernels();
     }
 
     void take(ValueCounts& into)
@@ -172,8 +240,15 @@ struct RankSearch::Scan
                 found.append(static_cast<std::uint32_t>(i - nowhere), counts[i]);
             }
         }
+        std::sort(entries.begin(), entries.end());
+        for (auto entry = entries.begin(); entry != entries.end();) {
+            const auto end = std::upper_bound(entry, entries.end(), *entry);
+            found.append(*entry, static_cast<std::uint64_t>(end - entry));
+            entry = end;
+        }
         into.merge(found);
         std::fill(counts.begin(), counts.end(), 0);
+        entries.clear();
         room = capacity;
     }
 };
@@ -195,10 +270,11 @@ void RankSearch::add(const Piece& piece)
             const image::StripParser& parser = piece.images[0];
             for (std::size_t i = 0; i < piece.nbRuns(); ++i) {
                 const Run<T> run{parser.run<T>(i, piece.runSize), piece.runSize};
-                const auto add = [&](const auto& pixels) {
-                    scan_->targetOf.empty() ? scan_->add<false>(pixels) : scan_->add<true>(pixels);
-                };
-                piece.mask ? add(MaskedRun<T>{run.pixels, run.size, piece.maskRun(i)}) : add(run);
+                if (piece.mask) {
+                    scan_->add(MaskedRun<T>{run.pixels, run.size, piece.maskRun(i)});
+                } else {
+                    scan_->add(run);
+                }
             }
         }
     });
@@ -234,10 +310,20 @@ namespace
 void RankSearch::setTargets(std::vector<Target> targets)
 {
     // All that is left in one pass, where its tables stay below 2 MiB; else in steps of 8 bits.
-    constexpr std::size_t mostTargets = 6;
+    constexpr std::size_t mostTargets = 7;
     targets_ = std::move(targets);
-    nextBits_ = known_ == 32 ? 0 : known_ == 16 && targets_.size() <= mostTargets ? 16 : 8;
+    const bool isOneStep = known_ == 16 && (targets_.size() <= mostTargets || isSmall());
+    nextBits_ = known_ == 32 ? 0 : isOneStep ? 16 : 8;
     counts_ = {};
+}
+
+std::uint64_t RankSearch::countTargets() const
+{
+    std::uint64_t count = 0;
+    for (const Target& target : targets_) {
+        count += target.count;
+    }
+    return count;
 }
 
 void RankSearch::start(const ValueCounts& upperHalves, const std::vector<std::uint64_t>& ranks)

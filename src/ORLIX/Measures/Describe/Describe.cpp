@@ -332,11 +332,11 @@ struct DescribeModel
                 addPowers<T>(piece, part.powers);
             }
         });
-        if (wanted.counts || wanted.ranks) {
+        if ((wanted.counts || wanted.ranks) && !std::isnan(part.min.value)) {
             if (!part.counter) {
                 part.counter = std::make_shared<ValueCounter>(type);
             }
-            part.counter->add(piece);
+            part.counter->add(piece, part.min.value, part.max.value);
         }
         if (wanted.values) {
             if (!part.valueCounter) {
