@@ -157,7 +157,7 @@ Report runState(const Measure& measure, const Options& options)
     const ImageView mask = inputs.mask ? ImageView{inputs.mask} : ImageView{};
     const files::Position& at = inputs.origin;
     do {
-        state->add(images, mask, {at.x, at.y, at.z, at.c, at.t});
+        state->add(images, mask, {at.x, at.y, at.z, at.c, at.t}, {});
     } while (options.saveState.empty() && state->nextPass());
     finish(*state, options, report);
     return report;

@@ -108,12 +108,16 @@ public:
     virtual const StateMeasure& getMeasure() const = 0;
     virtual std::unique_ptr<BaseMeasureState> clone() const = 0;
 
-    /// The pixels of images of one size, the first of which lies at `offset` in the whole image. `mask` may be none.
-    /// Throws MeasureException if they are not what the measure takes; then nothing has entered.
-    virtual void add(std::span<const ImageView> images, const ImageView& mask, const Position& offset) = 0;
+    /// The pixels of images of one size, the first of which lies at `offset` in the whole image. `mask` may be none. Of
+    /// a part of the whole image, `core`, pixels enter; others are only looked at as neighbours. Throws
+    /// MeasureException if they are not what the measure takes; then nothing has entered.
+    virtual void add(std::span<const ImageView> images, const ImageView& mask, const Position& offset,
+                     const std::optional<Extent>& core) = 0;
     /// Throws MeasureException where the two states are not of one measure, with the same options and pixel types.
     virtual void merge(const BaseMeasureState& other) = 0;
 
+    /// How far around a pixel the measure looks, in x and y: pieces of an image need such a margin, and a core.
+    virtual std::uint64_t getMargin() const = 0;
     /// Whether all pixels must enter once more before there are results.
     virtual bool needsPass() const = 0;
     /// Gets the state ready for that; false if none is needed.

@@ -18,7 +18,7 @@ constexpr std::size_t pieceBytes = std::size_t{1} << 19;
 } // namespace
 
 PieceCut::PieceCut(const StateMeasure& measure, Per per, std::span<const ImageView> images, const ImageView& mask,
-                   const Position& offset)
+                   const Position& offset, const std::optional<Extent>& core)
     : per_{per}, images_{images.begin(), images.end()}, mask_{mask}, offset_{offset}
 {
     const std::string verb = measure.verb;
@@ -50,20 +50,37 @@ PieceCut::PieceCut(const StateMeasure& measure, Per per, std::span<const ImageVi
             fail(verb + ": the mask has " + toString(mask->getGeometry()) + ", but the image " + toString(size));
         }
     }
+    core_ = {{}, {size.x, size.y, size.z, size.c, size.t}};
+    if (core) {
+        const auto place = [&](std::uint64_t Position::*side) {
+            const std::uint64_t begin = core->begin.*side;
+            const std::uint64_t end = core->end.*side;
+            if (begin >= end || begin < offset.*side || end > offset.*side + core_.end.*side) {
+                fail(verb + ": the core of a piece lies in the piece");
+            }
+            core_.begin.*side = begin - offset.*side;
+            core_.end.*side = end - offset.*side;
+        };
+        for (const auto side : {&Position::x, &Position::y, &Position::z, &Position::c, &Position::t}) {
+            place(side);
+        }
+    }
     if (size.empty()) {
         return;
     }
     // Planes go together where they are small, and one result covers them.
-    const std::size_t rowBytes = size.x * pixelBytes;
-    const std::size_t rows = std::min(size.y, std::max<std::size_t>(1, pieceBytes / rowBytes));
-    const bool isOfPlanes = rows == size.y && per != Per::Plan;
+    const Position& begin = core_.begin;
+    const Position& end = core_.end;
+    const std::size_t rowBytes = (end.x - begin.x) * pixelBytes;
+    const std::size_t rows = std::min(end.y - begin.y, std::max<std::size_t>(1, pieceBytes / rowBytes));
+    const bool isOfPlanes = rows == end.y - begin.y && per != Per::Plan;
     const std::size_t planes =
-        isOfPlanes ? std::min(size.z, std::max<std::size_t>(1, pieceBytes / (rowBytes * size.y))) : 1;
-    for (std::size_t t = 0; t < size.t; ++t) {
-        for (std::size_t c = 0; c < size.c; ++c) {
-            for (std::size_t z = 0; z < size.z; z += planes) {
-                for (std::size_t y = 0; y < size.y; y += rows) {
-                    starts_.push_back({y, z, c, t, std::min(rows, size.y - y), std::min(planes, size.z - z)});
+        isOfPlanes ? std::min(end.z - begin.z, std::max<std::size_t>(1, pieceBytes / (rowBytes * rows))) : 1;
+    for (std::size_t t = begin.t; t < end.t; ++t) {
+        for (std::size_t c = begin.c; c < end.c; ++c) {
+            for (std::size_t z = begin.z; z < end.z; z += planes) {
+                for (std::size_t y = begin.y; y < end.y; y += rows) {
+                    starts_.push_back({y, z, c, t, std::min(rows, end.y - y), std::min(planes, end.z - z)});
                 }
             }
         }
@@ -76,12 +93,13 @@ Piece PieceCut::operator[](std::size_t i) const
     Piece piece;
     piece.types = types_;
     piece.whole = images_;
-    piece.at = {0, start.y, start.z, start.c, start.t};
+    piece.at = {core_.begin.x, start.y, start.z, start.c, start.t};
     piece.offset = offset_;
     const auto parse = [&](const ImageView& image) {
         const image::ImageStrides& strides = image->getStrides();
-        return image::StripParser{image::PixelBox{image->getRow(start.y, start.z, start.c, start.t),
-                                                  image->getGeometry().x, start.rows, start.planes, strides.y,
+        const std::byte* const row = image->getRow(start.y, start.z, start.c, start.t);
+        return image::StripParser{image::PixelBox{row + core_.begin.x * image->getPixelSize(),
+                                                  core_.end.x - core_.begin.x, start.rows, start.planes, strides.y,
                                                   strides.z, image->getPixelSize()}};
     };
     for (const ImageView& image : images_) {
@@ -100,12 +118,13 @@ Piece PieceCut::operator[](std::size_t i) const
 
 Extent PieceCut::getExtent() const
 {
-    const image::ImageGeometry& size = images_[0]->getGeometry();
-    if (size.empty()) {
+    if (starts_.empty()) {
         return {};
     }
-    return {offset_,
-            {offset_.x + size.x, offset_.y + size.y, offset_.z + size.z, offset_.c + size.c, offset_.t + size.t}};
+    const auto move = [&](const Position& at) {
+        return Position{offset_.x + at.x, offset_.y + at.y, offset_.z + at.z, offset_.c + at.c, offset_.t + at.t};
+    };
+    return {move(core_.begin), move(core_.end)};
 }
 
 image::PlanIndex PieceCut::partOf(std::size_t i) const

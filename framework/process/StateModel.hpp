@@ -52,7 +52,7 @@ class ORLIX_API PieceCut
 public:
     /// Throws MeasureException where the images are not of one size, or a mask is none.
     PieceCut(const StateMeasure& measure, Per per, std::span<const ImageView> images, const ImageView& mask,
-             const Position& offset);
+             const Position& offset, const std::optional<Extent>& core);
 
     std::size_t size() const { return starts_.size(); }
     Piece operator[](std::size_t i) const;
@@ -73,6 +73,7 @@ private:
     PixelTypeList types_;
     ImageView mask_;
     Position offset_;
+    Extent core_; ///< in the images
     std::vector<Start> starts_;
 };
 
@@ -86,7 +87,8 @@ private:
 ///     Options&, Part& into, const Part& from); static Result finish(const Options&, const PixelTypeList&, const Part&,
 ///     const ResultPlace&); static std::vector<std::string> getNotes(const Result&);
 ///
-/// and, where pixels must enter more than once,
+/// and, where it looks at neighbours, `static std::uint64_t getMargin(const Options&)`; where pixels must enter more
+/// than once,
 ///
 ///     static bool needsPass(const Options&, const PixelTypeList&, const Part&);
 ///     static void nextPass(const Options&, const PixelTypeList&, Part&);
@@ -109,9 +111,10 @@ public:
     const StateMeasure& getMeasure() const override { return M::getMeasure(); }
     std::unique_ptr<BaseMeasureState> clone() const override { return std::make_unique<StateModel>(*this); }
 
-    void add(std::span<const ImageView> images, const ImageView& mask, const Position& offset) override
+    void add(std::span<const ImageView> images, const ImageView& mask, const Position& offset,
+             const std::optional<Extent>& core) override
     {
-        const PieceCut pieces{getMeasure(), options_.per, images, mask, offset};
+        const PieceCut pieces{getMeasure(), options_.per, images, mask, offset, core};
         const PixelTypeList& types = pieces.getTypes();
         if (!types_.empty() && types != types_) {
             throw MeasureException{"the state has pixels of other types: all pieces of an image have one type",
@@ -170,6 +173,14 @@ public:
             extent_.extend(same->extent_);
         }
         combineParts(parts_, Parts{same->parts_});
+    }
+
+    std::uint64_t getMargin() const override
+    {
+        if constexpr (requires { M::getMargin(options_); }) {
+            return M::getMargin(options_);
+        }
+        return 0;
     }
 
     bool needsPass() const override

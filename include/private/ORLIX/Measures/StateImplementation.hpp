@@ -30,9 +30,15 @@ State<M>& State<M>::operator=(State other) noexcept
     return *this;
 }
 template <class M>
-void State<M>::addImages(const std::vector<ImageView>& images, const ImageView& mask, const Position& offset)
+void State<M>::addImages(const std::vector<ImageView>& images, const ImageView& mask, const Position& offset,
+                         const std::optional<Extent>& core)
 {
-    model_->add(images, mask, offset);
+    model_->add(images, mask, offset, core);
+}
+template <class M>
+std::uint64_t State<M>::getMargin() const
+{
+    return model_->getMargin();
 }
 template <class M>
 void State<M>::merge(const State& other)
@@ -72,7 +78,7 @@ Results<typename M::Result> measure(const typename M::Options& options, const st
 {
     Model<M> model{options};
     do {
-        model.add(images, mask, {});
+        model.add(images, mask, {}, {});
     } while (model.nextPass());
     return Results<typename M::Result>{model.finish()};
 }

@@ -58,19 +58,23 @@ public:
     ~State() = default;
 
     /// The pixels of a piece, those whose mask byte is not 0 if there is a mask. The first one lies at `offset` in the
-    /// whole image. Throws MeasureException; then nothing has entered.
-    void add(const ImageView& image, const ImageView& mask = {}, const Position& offset = {}) requires(M::nbImages == 1)
+    /// whole image. Where the measure looks at neighbours, the piece has a margin of them, and `core` is what it is
+    /// without it. Throws MeasureException; then nothing has entered.
+    void add(const ImageView& image, const ImageView& mask = {}, const Position& offset = {},
+             const std::optional<Extent>& core = {}) requires(M::nbImages == 1)
     {
-        addImages({image}, mask, offset);
+        addImages({image}, mask, offset, core);
     }
-    void add(const ImageView& image, const ImageView& image2, const ImageView& mask = {},
-             const Position& offset = {}) requires(M::nbImages == 2)
+    void add(const ImageView& image, const ImageView& image2, const ImageView& mask = {}, const Position& offset = {},
+             const std::optional<Extent>& core = {}) requires(M::nbImages == 2)
     {
-        addImages({image, image2}, mask, offset);
+        addImages({image, image2}, mask, offset, core);
     }
     /// Throws MeasureException unless both are of images of the same types, with the same options.
     void merge(const State& other);
 
+    /// How far around a pixel the measure looks, in x and y; 0 for most.
+    std::uint64_t getMargin() const;
     /// Whether all pixels must enter once more before there are results.
     bool needsPass() const;
     /// Gets the state ready for the next pass; false where none is needed. States of one image that are to merge begin
@@ -86,7 +90,8 @@ public:
 
 private:
     State(std::unique_ptr<imaproc::BaseMeasureState> model);
-    void addImages(const std::vector<ImageView>& images, const ImageView& mask, const Position& offset);
+    void addImages(const std::vector<ImageView>& images, const ImageView& mask, const Position& offset,
+                   const std::optional<Extent>& core);
 
     std::unique_ptr<imaproc::BaseMeasureState> model_;
 };

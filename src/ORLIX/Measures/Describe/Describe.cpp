@@ -265,7 +265,7 @@ struct DescribeModel
         std::uint64_t nbNegativeInfinity = 0;
         std::uint64_t nbSaturated = 0;
         FloatSum sum{};
-        FloatSquares squares{};
+        FloatProductSum squares{};
         Extreme min;
         Extreme max;
         PowerSums powers;

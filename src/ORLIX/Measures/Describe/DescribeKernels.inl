@@ -74,24 +74,6 @@ void describeIntegers(R run, DescribeFigures& f)
 // The bits of a float without its sign grow with its magnitude.
 inline constexpr std::int32_t infinityBits = 0x7f800000;
 
-/// The exponent that floats of these bits have, and those of the window that it is the top of: no less than lets the
-/// smallest float be one of its units.
-template <Domain::domain D>
-ORLIX_KERNEL int topOf(std::int32_t bits)
-{
-    const int exponent = int(bits >> 23) - 127;
-    const int least = BinadeSums<D>::binades - 126;
-    return exponent < least ? least : exponent;
-}
-
-/// The lowest bits of a normal float in that window; 0 where it reaches down to the smallest.
-template <Domain::domain D>
-ORLIX_KERNEL std::int32_t bottomOf(int top)
-{
-    const int exponent = top - BinadeSums<D>::binades;
-    return exponent <= -126 ? 0 : std::int32_t(exponent + 127) << 23;
-}
-
 /// A block of whole steps.
 template <Domain::domain D, class R>
 struct FloatBlock
@@ -99,10 +81,10 @@ struct FloatBlock
     using Floats = Pack<float, D>;
     using Bits = Pack<std::int32_t, D>;
     using Selection = LaneMask<float, D>;
-    using Sums = BinadeSums<D>;
+    static constexpr std::size_t packs = 4; ///< of doubles
     static constexpr std::size_t lane = lanes<float, D>;
-    static constexpr std::size_t step = Sums::packs / 2 * lane;
-    static constexpr std::size_t size = Sums::additions * step;
+    static constexpr std::size_t step = packs / 2 * lane;
+    static constexpr std::size_t size = Binades::additions * step;
 
     R run;
 
@@ -120,7 +102,7 @@ struct FloatBlock
     {
         for (std::size_t i = 0; i < run.size; i += step) {
 #pragma GCC unroll 2
-            for (std::size_t k = 0; k < Sums::packs / 2; ++k) {
+            for (std::size_t k = 0; k < packs / 2; ++k) {
                 visit(k, load<Floats>(run.pixels + i + k * lane), selected(i + k * lane));
             }
         }
@@ -138,7 +120,7 @@ struct FloatBlock
         for (std::size_t i = 0; i < run.size; i += step) {
             prefetch.template stepOf<step>(run, i);
 #pragma GCC unroll 2
-            for (std::size_t k = 0; k < Sums::packs / 2; ++k) {
+            for (std::size_t k = 0; k < packs / 2; ++k) {
                 const Floats x = load<Floats>(run.pixels + i + k * lane);
                 const Selection selection = selected(i + k * lane);
                 if constexpr (R::isMasked) {
@@ -161,10 +143,10 @@ struct FloatBlock
             extend(f, min, max, at);
         }
         const std::int32_t greatest = bitsOf(max > -min ? max : -min) & 0x7fffffff;
-        const int top = topOf<D>(greatest);
-        const std::int32_t bottom = bottomOf<D>(top);
-        if (min <= max && greatest < infinityBits && (bottom == 0 || findSmallest(min, max) >= bottom) &&
-            sumWindow(top, f)) {
+        const Binades range = binadesBelow(greatest);
+        const std::int32_t least = leastBits(range);
+        if (min <= max && greatest < infinityBits && (least == 0 || findSmallest(min, max) >= least) &&
+            sumRange(range, f)) {
             return;
         }
         sumCarefully(f);
@@ -193,10 +175,28 @@ struct FloatBlock
         return bits;
     }
 
-    /// Pixels that all lie in one window. Fails where one is NaN.
-    ORLIX_KERNEL bool sumWindow(int top, DescribeFigures& f) const
+    struct Sums
     {
-        Sums sums{top};
+        UnitLanes<D, packs> sum;
+        ProductLanes<D, packs> squares;
+
+        ORLIX_KERNEL explicit Sums(Binades range) : sum{range.unit()}, squares{range, range} {}
+        ORLIX_KERNEL void add(std::size_t k, Pack<double, D> x)
+        {
+            sum.add(x, k);
+            squares.add(x, x, k);
+        }
+        ORLIX_KERNEL void flush(Binades range, DescribeFigures& f) const
+        {
+            sum.flush(range.unit(), f.sum, floatUnit);
+            squares.flush(range, range, f.squares);
+        }
+    };
+
+    /// Pixels that all lie in the range. Fails where one is NaN.
+    ORLIX_KERNEL bool sumRange(Binades range, DescribeFigures& f) const
+    {
+        Sums sums{range};
         for (std::size_t i = 0; i < run.size; i += step) {
             // The next block, which the first loop would wait for while this one asks for nothing.
             if (run.size == size) {
@@ -206,7 +206,7 @@ struct FloatBlock
                 }
             }
 #pragma GCC unroll 4
-            for (std::size_t k = 0; k < Sums::packs; ++k) {
+            for (std::size_t k = 0; k < packs; ++k) {
                 const std::size_t at = i + k * lane / 2;
                 if constexpr (R::isMasked) {
                     const Floats x = keep(selected(i + k / 2 * lane), load<Floats>(run.pixels + i + k / 2 * lane));
@@ -216,10 +216,14 @@ struct FloatBlock
                 }
             }
         }
-        return sums.flush(f.sum, f.squares);
+        const bool isFinite = sums.sum.isFinite(range.unit());
+        if (isFinite) {
+            sums.flush(range, f);
+        }
+        return isFinite;
     }
 
-    /// Any pixels: window by window, from the greatest on.
+    /// Any pixels: range by range, from the greatest on.
     [[gnu::noinline]] void sumCarefully(DescribeFigures& f) const
     {
         LaneMaskCount<float, D> nan;
@@ -240,19 +244,19 @@ struct FloatBlock
         f.nbNegativeInfinity += negative.flush();
         std::int32_t limit = infinityBits;
         for (std::int32_t next = maximumLane<std::int32_t>(greatest); next != 0;) {
-            const int top = topOf<D>(next);
-            const std::int32_t bottom = bottomOf<D>(top);
-            Sums sums{top};
+            const Binades range = binadesBelow(next);
+            const std::int32_t least = leastBits(range);
+            Sums sums{range};
             greatest = Bits{};
             forEachPack([&](std::size_t k, Floats x, Selection selection) __attribute__((always_inline)) {
                 const Bits bits = magnitudeBits(x);
-                const Floats counting = keep((Selection)(selection & (bits < limit) & (bits >= bottom)), x);
-                greatest = maximum(selection & (bits < bottom) ? bits : Bits{}, greatest);
+                const Floats counting = keep((Selection)(selection & (bits < limit) & (bits >= least)), x);
+                greatest = maximum(selection & (bits < least) ? bits : Bits{}, greatest);
                 sums.add(2 * k, toDoubles<D, false>(counting));
                 sums.add(2 * k + 1, toDoubles<D, true>(counting));
             });
-            sums.flush(f.sum, f.squares);
-            limit = bottom;
+            sums.flush(range, f);
+            limit = least;
             next = maximumLane<std::int32_t>(greatest);
         }
     }
