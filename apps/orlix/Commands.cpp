@@ -160,6 +160,7 @@ constexpr Difference differences[] = {
     {.verb = "measures", .example = "measures", .forPeople = &listNames},
     {.verb = "merge", .example = "merge samples/cells-*.state"},
     {.verb = "describe", .example = "describe samples/cells.tif --percentiles 5,95", .forPeople = &listFigures},
+    {.verb = "compare", .example = "compare samples/cells.tif samples/labels.tif", .forPeople = &listFigures},
     {.verb = "processors", .example = "processors", .forPeople = &summariseKernels},
     {.verb = "stats", .example = "stats samples/cells.tif --mask samples/labels.tif", .gpuHelp = "measure on the GPU"},
     {.verb = "noise", .example = "noise samples/stack.ome.tif --per volume"},
@@ -317,7 +318,9 @@ void addParameter(CLI::App& command, const attr::Parameter& parameter, Options& 
     }
     std::string& target = options.parameters[name];
     const auto& enumerators = parameter.info.enumerators;
-    if (parameter.defaultValue && std::holds_alternative<std::vector<double>>(*parameter.defaultValue)) {
+    if (parameter.defaultValue && std::holds_alternative<bool>(*parameter.defaultValue)) {
+        addChoice(command, option, target, {"on", "off"}, parameter.info.help);
+    } else if (parameter.defaultValue && std::holds_alternative<std::vector<double>>(*parameter.defaultValue)) {
         command.add_option(option, target, help)
             ->check(listOf(parameter.info.lowest, parameter.info.highest))
             ->type_name("X,X...");

@@ -45,9 +45,13 @@ std::vector<std::pair<std::string, data::Value>> listOptions(const Measure& meas
         if (!options.has(name)) {
             continue;
         }
-        const bool isList =
-            parameter.defaultValue && std::holds_alternative<std::vector<double>>(*parameter.defaultValue);
-        values.emplace_back(name, isList                               ? data::Value{parseList(options.text(name))}
+        const auto hasKind = [&]<class T>(std::type_identity<T>) {
+            return parameter.defaultValue && std::holds_alternative<T>(*parameter.defaultValue);
+        };
+        const bool isList = hasKind(std::type_identity<std::vector<double>>{});
+        const bool isSwitch = hasKind(std::type_identity<bool>{});
+        values.emplace_back(name, isSwitch                             ? data::Value{options.text(name) == "on"}
+                                  : isList                             ? data::Value{parseList(options.text(name))}
                                   : parameter.info.enumerators.empty() ? data::Value{*options.number(name)}
                                                                        : data::Value{options.text(name)});
     }

@@ -3,6 +3,7 @@
 #include <ORLIX/Measures/Counts.hpp>
 #include <ORLIX/Measures/Describe/DescribeKernels.hpp>
 #include <ORLIX/Measures/Exact.hpp>
+#include <ORLIX/Measures/Extreme.hpp>
 #include <ORLIX/Measures/KeyIndex.hpp>
 #include <ORLIX/Measures/Pieces.hpp>
 #include <ORLIX/Measures/StateImplementation.hpp>
@@ -103,28 +104,6 @@ bool isFloatType(eImageBufferType type)
 bool isSmall(eImageBufferType type)
 {
     return image::getPixelSize(type) < 4;
-}
-
-/// A pixel and where the first of its value lies.
-struct Extreme
-{
-    double value = nan; ///< NaN: none yet
-    Position at;
-
-    template <class Stream>
-    void pass(Stream& stream)
-    {
-        stream(value), stream(at);
-    }
-};
-
-/// `isBetter(a, b)`: whether value a takes the place of b.
-template <class IsBetter>
-void replace(Extreme& old, const Extreme& other, IsBetter isBetter)
-{
-    if (std::isnan(old.value) || isBetter(other.value, old.value) || (other.value == old.value && other.at < old.at)) {
-        old = std::isnan(other.value) ? old : other;
-    }
 }
 
 /// Sums of the third and fourth powers: of float pixels in units of 2^-447 and 2^-596, of others in ones.
