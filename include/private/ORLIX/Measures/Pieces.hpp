@@ -11,10 +11,10 @@ namespace orlix::measures
 
 using namespace imaproc;
 
-/// The kernel for pixels of type T of the best set that this processor has, or of those that are forced. Throws
-/// MeasureException if there is none.
+/// The kernel for pixels of type T of the best set that this processor has, or of those that are forced; null if there
+/// is none.
 template <class T, template <class> class Kernel>
-Kernel<T> selectKernel(const KernelTables<KernelsByType<Kernel>>& tables)
+Kernel<T> findKernel(const KernelTables<KernelsByType<Kernel>>& tables)
 {
     const core::InstructionSetsIdentifier forced = core::settings::getForcedInstructionSets();
     for (std::size_t i = std::size(core::allDomains); i-- > 0;) {
@@ -24,8 +24,18 @@ Kernel<T> selectKernel(const KernelTables<KernelsByType<Kernel>>& tables)
             return kernel;
         }
     }
+    return nullptr;
+}
+
+/// The same; throws MeasureException if there is none.
+template <class T, template <class> class Kernel>
+Kernel<T> selectKernel(const KernelTables<KernelsByType<Kernel>>& tables)
+{
+    if (const Kernel<T> kernel = findKernel<T>(tables)) {
+        return kernel;
+    }
     throw MeasureException{std::string{"there is no kernel for pixels of "} + getName(image::imageBufferTypeOf<T>) +
-                               " in " + toString(forced),
+                               " in " + toString(core::settings::getForcedInstructionSets()),
                            ORLIX_HERE};
 }
 

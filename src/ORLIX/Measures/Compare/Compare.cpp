@@ -119,6 +119,9 @@ void checkOptions(const CompareOptions& options)
     if (!(options.sigma > 0 && options.sigma <= 36)) {
         fail("sigma lies above 0, and up to 36 pixels");
     }
+    if (!std::isfinite(options.threshold) || !std::isfinite(options.threshold2)) {
+        fail("thresholds are finite");
+    }
     if (!(options.k1 >= 0 && options.k2 >= 0)) {
         fail("k1 and k2 are not below 0");
     }
@@ -212,11 +215,8 @@ void addPair(double a, double b, CompareFigures& f)
     const Digits y{b};
     addShifted(f.sum[0], x.value, x.shift);
     addShifted(f.sum[1], y.value, y.shift);
-    if (a < b) {
-        addShifted(f.larger[1], y.value, y.shift);
-    } else {
-        addShifted(f.larger[0], x.value, x.shift);
-    }
+    const Digits& larger = a < b ? y : x;
+    addShifted(f.larger, larger.value, larger.shift);
     if (b > f.threshold[1]) {
         addShifted(f.coincident[0], x.value, x.shift);
     }
@@ -254,7 +254,7 @@ struct CompareModel
         std::uint64_t nbNaN = 0;
         std::uint64_t nbInfinite = 0;
         FloatSum sum[2]{};
-        FloatSum larger[2]{};
+        FloatSum larger{};
         FloatSum coincident[2]{};
         FloatProductSum squares[2]{};
         FloatProductSum products{};
@@ -274,10 +274,11 @@ struct CompareModel
         {
             stream(nbPairs), stream(nbNaN), stream(nbInfinite);
             for (int k = 0; k < 2; ++k) {
-                stream(sum[k].word), stream(larger[k].word), stream(coincident[k].word), stream(squares[k].word);
+                stream(sum[k].word), stream(coincident[k].word), stream(squares[k].word);
                 stream(min[k]), stream(max[k]);
             }
-            stream(products.word), stream(error), stream(nbWindows), stream(nbCounting), stream(similarity.word);
+            stream(larger.word), stream(products.word), stream(error), stream(nbWindows), stream(nbCounting),
+                stream(similarity.word);
             stream(isSecondPass), stream(joint);
         }
     };
@@ -340,12 +341,12 @@ struct CompareModel
         into.nbInfinite += from.nbInfinite;
         for (int k = 0; k < 2; ++k) {
             imaproc::add(into.sum[k], from.sum[k]);
-            imaproc::add(into.larger[k], from.larger[k]);
             imaproc::add(into.coincident[k], from.coincident[k]);
             imaproc::add(into.squares[k], from.squares[k]);
             into.min[k] = std::min(into.min[k], from.min[k]);
             into.max[k] = std::max(into.max[k], from.max[k]);
         }
+        imaproc::add(into.larger, from.larger);
         imaproc::add(into.products, from.products);
         replace(into.error, from.error, std::greater<>{});
         into.nbWindows += from.nbWindows;
@@ -449,31 +450,17 @@ private:
         std::fill_n(f.max, 2, -infinity);
         f.threshold[0] = options.threshold;
         f.threshold[1] = options.threshold2;
-        const auto compare = selectKernel<float>(getCompareKernels());
         PairBlock block;
         forEachBlock(
             piece, [&](const std::byte* const(&pixels)[2], std::size_t size, const std::uint8_t* mask, std::size_t at) {
-                bool isExact = true;
-                for (std::size_t k = 0; k < 2; ++k) {
-                    withPixelType(piece.types[k], [&]<class T>(std::type_identity<T>) {
-                        const auto read = selectKernel<T>(getReadKernels());
-                        isExact &= read(reinterpret_cast<const T*>(pixels[k]), size, block.pixels[k]);
-                    });
-                }
                 if (mask != nullptr) {
                     std::copy_n(mask, size, block.counts);
                 } else {
                     std::fill_n(block.counts, size, 1);
                 }
                 const double before = f.maxError;
-                if (!isExact) {
+                if (!addWords(piece.types, pixels, size, block, f) && !addFloats(piece.types, pixels, size, block, f)) {
                     addWide(piece.types, pixels, size, block.counts, f);
-                } else if (!compare(block, size, f)) {
-                    for (std::size_t i = 0; i < size; ++i) {
-                        if (block.counts[i] != 0) {
-                            addPair(block.pixels[0][i], block.pixels[1][i], f);
-                        }
-                    }
                 }
                 if (f.maxError > before) {
                     part.error = {f.maxError, findError(piece, pixels, size, mask, at, f.maxError)};
@@ -484,13 +471,63 @@ private:
         part.nbInfinite += f.nbInfinite;
         for (int k = 0; k < 2; ++k) {
             imaproc::add(part.sum[k], f.sum[k]);
-            imaproc::add(part.larger[k], f.larger[k]);
             imaproc::add(part.coincident[k], f.coincident[k]);
             imaproc::add(part.squares[k], f.squares[k]);
             part.min[k] = std::min(part.min[k], f.min[k]);
             part.max[k] = std::max(part.max[k], f.max[k]);
         }
+        imaproc::add(part.larger, f.larger);
         imaproc::add(part.products, f.products);
+    }
+
+    /// Pixels of 8 and 16 bits, where they and their differences fit 16 bits. Returns whether they entered.
+    static bool addWords(std::span<const eImageBufferType> types, const std::byte* const (&pixels)[2], std::size_t size,
+                         PairBlock& block, CompareFigures& f)
+    {
+        const auto compare = findKernel<short>(getCompareKernels());
+        const auto has = [&](eImageBufferType type) { return types[0] == type || types[1] == type; };
+        const bool isUnsigned = has(eImageBufferType::eIBT_UInt16);
+        const bool isSigned = has(eImageBufferType::eIBT_Int8) || has(eImageBufferType::eIBT_Int16);
+        if (compare == nullptr || (isUnsigned && isSigned) || image::getPixelSize(types[0]) > 2 ||
+            image::getPixelSize(types[1]) > 2) {
+            return false;
+        }
+        block.bias = isUnsigned ? 32768 : 0;
+        for (std::size_t k = 0; k < 2; ++k) {
+            withPixelType(types[k], [&]<class T>(std::type_identity<T>) {
+                if constexpr (sizeof(T) < 4) {
+                    const auto read = selectKernel<T>(getReadWordsKernels());
+                    read(reinterpret_cast<const T*>(pixels[k]), size, block.bias, block.words[k]);
+                }
+            });
+        }
+        return compare(block, size, f);
+    }
+
+    /// Pixels that have no more digits than floats. Returns whether they entered.
+    static bool addFloats(std::span<const eImageBufferType> types, const std::byte* const (&pixels)[2],
+                          std::size_t size, PairBlock& block, CompareFigures& f)
+    {
+        bool isExact = true;
+        for (std::size_t k = 0; k < 2; ++k) {
+            block.from[k] = block.pixels[k];
+            if (types[k] == eImageBufferType::eIBT_Float32 && size == PairBlock::size) {
+                block.from[k] = reinterpret_cast<const float*>(pixels[k]); // whole packs can be read where they lie
+                continue;
+            }
+            withPixelType(types[k], [&]<class T>(std::type_identity<T>) {
+                const auto read = selectKernel<T>(getReadKernels());
+                isExact &= read(reinterpret_cast<const T*>(pixels[k]), size, block.pixels[k]);
+            });
+        }
+        if (isExact && !selectKernel<float>(getCompareKernels())(block, size, f)) {
+            for (std::size_t i = 0; i < size; ++i) {
+                if (block.counts[i] != 0) {
+                    addPair(block.pixels[0][i], block.pixels[1][i], f);
+                }
+            }
+        }
+        return isExact;
     }
 
     /// Pixels that have more digits than floats.
@@ -652,7 +689,7 @@ private:
         result.RMSE = roundRoot(errors, n, 2 * floatUnit);
         result.NRMSE = roundRoot(errors, aa);
         // |a - b| is twice the larger one less both.
-        const Integer larger = toInteger(part.larger[0]) + toInteger(part.larger[1]);
+        const Integer larger = toInteger(part.larger);
         result.MAE = roundQuotient(2 * larger - a - b, n, floatUnit);
         result.MaxAbsError = part.error.value;
         result.PSNR = errors == 0 ? infinity : 10 * std::log10(result.Peak * result.Peak / result.MSE);

@@ -3,6 +3,7 @@
 
 #include <ORLIX/Measures/Compare/CompareKernels.hpp>
 #include <framework/kernel/FloatSums.hpp>
+#include <framework/kernel/IntegerMoments.hpp>
 
 namespace orlix::measures
 {
@@ -79,7 +80,7 @@ struct Pairs
             Floats x[2];
             Bits bits[2];
             for (int k = 0; k < 2; ++k) {
-                x[k] = load<Floats>(block.pixels[k] + i);
+                x[k] = load<Floats>(block.from[k] + i);
                 bits[k] = (Bits)x[k] & 0x7fffffff;
             }
             const Selection isNumber = (bits[0] <= infinityBits) & (bits[1] <= infinityBits);
@@ -125,6 +126,10 @@ struct Pairs
         Doubles most{};
         const Doubles thresholds[2] = {splat<Doubles>(f.threshold[0]), splat<Doubles>(f.threshold[1])};
         for (std::size_t i = begin; i < end; i += step) {
+            // The next block, for which nothing asks while this one is summed up.
+            for (int k = 0; k < 2; ++k) {
+                _mm_prefetch(reinterpret_cast<const char*>(block.from[k] + PairBlock::size + i), _MM_HINT_T1);
+            }
             const Doubles a = loadAsDoubles<D>(block.pixels[0] + i);
             const Doubles b = loadAsDoubles<D>(block.pixels[1] + i);
             const Wide isLess = a < b;
@@ -141,7 +146,7 @@ struct Pairs
         }
         for (int k = 0; k < 2; ++k) {
             sums[k].flush(range[k].unit(), f.sum[k], floatUnit);
-            larger[k].flush(range[k].unit(), f.larger[k], floatUnit);
+            larger[k].flush(range[k].unit(), f.larger, floatUnit);
             coincident[k].flush(range[k].unit(), f.coincident[k], floatUnit);
         }
         aa.flush(range[0], range[0], f.squares[0]);
@@ -152,6 +157,16 @@ struct Pairs
     }
 };
 
+/// Pairs up to a whole number of packs; they do not count.
+ORLIX_KERNEL void fill(PairBlock& block, std::size_t size, std::size_t whole)
+{
+    for (std::size_t i = size; i < whole; ++i) {
+        block.pixels[0][i] = block.pixels[1][i] = 0;
+        block.words[0][i] = block.words[1][i] = 0;
+        block.counts[i] = 0;
+    }
+}
+
 /// Part by part, as lanes take them. Where a part has too many binades, those that have not are 0 in the end.
 template <Domain::domain D>
 bool comparePairs(PairBlock& block, std::size_t size, CompareFigures& f)
@@ -159,10 +174,7 @@ bool comparePairs(PairBlock& block, std::size_t size, CompareFigures& f)
     constexpr std::size_t most = Binades::additions * lanes<double, D>;
     constexpr std::size_t part = most < PairBlock::size ? most : PairBlock::size;
     const std::size_t whole = (size + 15) / 16 * 16;
-    for (std::size_t i = size; i < whole; ++i) {
-        block.pixels[0][i] = block.pixels[1][i] = 0;
-        block.counts[i] = 0;
-    }
+    fill(block, size, whole);
     std::uint32_t done = 0;
     std::uint32_t all = 0;
     for (std::size_t i = 0; i < whole; i += part) {
@@ -189,12 +201,124 @@ bool comparePairs(PairBlock& block, std::size_t size, CompareFigures& f)
     return done == all;
 }
 
+template <class T, Domain::domain D>
+void readWords(const T* from, std::size_t size, std::int32_t bias, std::int16_t* to)
+{
+    std::size_t i = 0;
+    if constexpr (D != Domain::eIS_Generic) {
+        using Words = Pack<std::int16_t, D>;
+        constexpr std::size_t lane = lanes<std::int16_t, D>;
+        const Words turn = splat<Words>(std::int16_t(bias));
+        for (; i + lane <= size; i += lane) {
+            if constexpr (sizeof(T) == 1) {
+                store(Words(loadWidened<D>(from + i) - turn), to + i);
+            } else {
+                store(Words(load<Words>(from + i) - turn), to + i);
+            }
+        }
+    }
+    for (; i < size; ++i) {
+        to[i] = std::int16_t(std::int32_t(from[i]) - bias);
+    }
+}
+
+/// The same sums of words a, b, by way of their differences, which must fit words too: 2 a b = a^2 + b^2 - (a - b)^2.
+template <Domain::domain D>
+bool compareWords(PairBlock& block, std::size_t size, CompareFigures& f)
+{
+    using Words = Pack<std::int16_t, D>;
+    using Selection = LaneMask<std::int16_t, D>;
+    constexpr std::size_t lane = lanes<std::int16_t, D>;
+    constexpr std::int16_t lowest = -32768;
+    constexpr std::int16_t highest = 32767;
+    const std::size_t whole = (size + 31) / 32 * 32;
+    fill(block, size, whole);
+
+    Words threshold[2]; // the greatest word that is not above it
+    bool isBelowAll[2];
+    for (int k = 0; k < 2; ++k) {
+        const double t = f.threshold[k] - block.bias;
+        isBelowAll[k] = t < lowest;
+        const std::int32_t cut = t < lowest ? lowest : t > highest ? highest : std::int32_t(t);
+        threshold[k] = splat<Words>(std::int16_t(cut > t && cut > lowest ? cut - 1 : cut));
+    }
+    ExactSums<std::int16_t, D> sums[2];
+    ExactSums<std::int16_t, D> errors;
+    Pack<std::int32_t, D> magnitudes{};
+    Pack<std::int32_t, D> coincident[2] = {};
+    LaneMaskCount<std::int16_t, D> pairs;
+    LaneMaskCount<std::int16_t, D> coincidences[2];
+    Words most{};
+    Words lo[2] = {splat<Words>(highest), splat<Words>(highest)};
+    Words hi[2] = {splat<Words>(lowest), splat<Words>(lowest)};
+    for (std::size_t i = 0; i < whole; i += lane) {
+        const Selection selection = loadLaneMask<std::int16_t, D>(block.counts + i);
+        pairs.add(selection);
+        Words x[2];
+        for (int k = 0; k < 2; ++k) {
+            const Words word = load<Words>(block.words[k] + i);
+            lo[k] = minimum((Words)(selection ? word : splat<Words>(highest)), lo[k]);
+            hi[k] = maximum((Words)(selection ? word : splat<Words>(lowest)), hi[k]);
+            x[k] = keep(selection, word);
+            sums[k].add(x[k]);
+        }
+        const Words error = x[0] - x[1];
+        const Words magnitude = maximum(error, (Words)-error);
+        errors.add(error);
+        magnitudes = addPairs<D>(magnitudes, magnitude);
+        most = maximum(magnitude, most);
+        for (int k = 0; k < 2; ++k) {
+            const Selection isAbove =
+                isBelowAll[1 - k] ? selection : (Selection)(selection & (x[1 - k] > threshold[1 - k]));
+            coincident[k] = addPairs<D>(coincident[k], keep(isAbove, x[k]));
+            coincidences[k].add(isAbove);
+        }
+    }
+    const std::uint64_t n = pairs.flush();
+    if (n == 0) {
+        return true;
+    }
+    std::int32_t min[2];
+    std::int32_t max[2];
+    for (int k = 0; k < 2; ++k) {
+        min[k] = minimumLane<std::int16_t>(lo[k]);
+        max[k] = maximumLane<std::int16_t>(hi[k]);
+    }
+    if (max[0] - min[1] > highest || max[1] - min[0] > highest) {
+        return false;
+    }
+    constexpr unsigned unit = -floatUnit;
+    const Int128 bias = block.bias;
+    Totals totals[2];
+    Totals ofErrors;
+    errors.flush(ofErrors);
+    for (int k = 0; k < 2; ++k) {
+        sums[k].flush(totals[k]);
+        addShifted(f.sum[k], totals[k].sum + n * bias, unit);
+        addShifted(f.squares[k], totals[k].sumSq + 2 * bias * totals[k].sum + n * bias * bias, 2 * unit);
+        const Int128 part = addLanes<std::int32_t, std::int64_t>(coincident[k]);
+        addShifted(f.coincident[k], part + coincidences[k].flush() * bias, unit);
+        f.min[k] = f.min[k] < min[k] + block.bias ? f.min[k] : min[k] + block.bias;
+        f.max[k] = f.max[k] > max[k] + block.bias ? f.max[k] : max[k] + block.bias;
+    }
+    const Int128 both = totals[0].sum + totals[1].sum;
+    const Int128 products = (totals[0].sumSq + totals[1].sumSq - ofErrors.sumSq) / 2;
+    addShifted(f.products, products + bias * both + n * bias * bias, 2 * unit);
+    const Int128 apart = addLanes<std::int32_t, std::int64_t>(magnitudes);
+    addShifted(f.larger, (both + apart) / 2 + n * bias,
+               unit); // the larger one is half of what both and their distance make
+    const double error = maximumLane<std::int16_t>(most);
+    f.maxError = f.maxError > error ? f.maxError : error;
+    f.nbPairs += n;
+    return true;
+}
+
 /// The generic domain: it cleans the block, and leaves the sums to those who add up anything.
 bool cleanPairs(PairBlock& block, std::size_t size, CompareFigures& f)
 {
     for (std::size_t i = 0; i < size; ++i) {
-        const float a = block.pixels[0][i];
-        const float b = block.pixels[1][i];
+        const float a = block.pixels[0][i] = block.from[0][i];
+        const float b = block.pixels[1][i] = block.from[1][i];
         const bool isNumber = a == a && b == b;
         const bool isFinite = a - a == 0 && b - b == 0;
         const bool counts = block.counts[i] != 0;
@@ -220,14 +344,27 @@ constexpr ReadKernels readKernels = makeKernels<ReadKernel, D>([]<class T>(std::
 });
 
 template <Domain::domain D>
+constexpr ReadWordsKernels
+    readWordsKernels = makeKernels<ReadWordsKernel, D>([]<class T>(std::type_identity<T>) -> ReadWordsKernel<T> {
+        if constexpr (sizeof(T) < 4) {
+            return &readWords<T, D>;
+        } else {
+            return nullptr;
+        }
+    });
+
+template <Domain::domain D>
 constexpr CompareKernels
     compareKernels = makeKernels<CompareKernel, D>([]<class T>(std::type_identity<T>) -> CompareKernel<T> {
-        if constexpr (!isFloat<T>) {
-            return nullptr;
-        } else if constexpr (D == Domain::eIS_Generic) {
+        constexpr bool isGeneric = D == Domain::eIS_Generic;
+        if constexpr (isFloat<T> && isGeneric) {
             return &cleanPairs;
-        } else {
+        } else if constexpr (isFloat<T>) {
             return &comparePairs<D>;
+        } else if constexpr (isSigned<T> && sizeof(T) == 2 && !isGeneric) {
+            return &compareWords<D>;
+        } else {
+            return nullptr;
         }
     });
 

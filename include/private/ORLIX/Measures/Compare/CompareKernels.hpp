@@ -18,7 +18,7 @@ struct CompareFigures
     std::uint64_t nbNaN;
     std::uint64_t nbInfinite; ///< pairs with an infinity; they enter no sum
     Words<6> sum[2];
-    Words<6> larger[2];     ///< of a where it is not less than b, and of b elsewhere
+    Words<6> larger;        ///< of a where it is not less than b, and of b elsewhere
     Words<6> coincident[2]; ///< of a where b is above its threshold, and of b where a is
     Words<10> squares[2];
     Words<10> products;
@@ -28,28 +28,38 @@ struct CompareFigures
     double threshold[2];
 };
 
-/// Pairs as floats, with room for whole packs.
+/// Pairs of pixels on their way into sums, with room for whole packs.
 struct PairBlock
 {
     static constexpr std::size_t size = 1024;
 
-    alignas(64) float pixels[2][size];
-    alignas(64) std::uint8_t counts[size]; ///< not 0 where a pair counts
+    alignas(64) float pixels[2][size];       ///< of any type that has no more digits
+    alignas(64) std::int16_t words[2][size]; ///< of 8 and 16 bits, less `bias`
+    alignas(64) std::uint8_t counts[size];   ///< not 0 where a pair counts
+    const float* from[2];                    ///< where the floats are read: above, or in an image
+    std::int32_t bias;                       ///< 0, or 32768 where one is unsigned and has 16 bits
 };
 
 /// Pixels as floats; false if one has more digits than a float.
 template <class T>
 using ReadKernel = bool (*)(const T* from, std::size_t size, float* to);
 
-/// A block of `size` pairs enters, and returns whether the sums did: otherwise pairs that do not count, or that are not
-/// finite, are 0 on return, and whoever calls adds the rest up. There is one, for float.
+/// Pixels of 8 or 16 bits, less the bias.
+template <class T>
+using ReadWordsKernel = void (*)(const T* from, std::size_t size, std::int32_t bias, std::int16_t* to);
+
+/// A block of `size` pairs enters, and returns whether the sums did. Of floats, if they did not, pairs that do not
+/// count, or that are not finite, are 0 in `pixels` on return, and whoever calls adds the rest up; of words, nothing is
+/// changed then. There is one for float and one for short.
 template <class T>
 using CompareKernel = bool (*)(PairBlock& block, std::size_t size, CompareFigures& figures);
 
 using ReadKernels = KernelsByType<ReadKernel>;
+using ReadWordsKernels = KernelsByType<ReadWordsKernel>;
 using CompareKernels = KernelsByType<CompareKernel>;
 
 const KernelTables<ReadKernels>& getReadKernels();
+const KernelTables<ReadWordsKernels>& getReadWordsKernels();
 const KernelTables<CompareKernels>& getCompareKernels();
 
 } // namespace orlix::measures
