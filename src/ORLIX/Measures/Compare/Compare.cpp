@@ -263,7 +263,7 @@ struct CompareModel
         double max[2] = {-infinity, -infinity};
         std::uint64_t nbWindows = 0;  ///< that were looked at
         std::uint64_t nbCounting = 0; ///< of those, that count
-        Words<2> similarity{};        ///< their sum, in units of 2^-62
+        Words<2> similarity{};        ///< their sum, in units of 2^-50
         bool isSecondPass = false;
         ValueCounts joint; ///< by pixels of 8 bits, or by bins
 
@@ -639,25 +639,43 @@ private:
         const image::PixelBox& box = piece.box();
         const std::size_t begin = std::max<std::size_t>(piece.at.x, radius);
         const std::size_t end = std::min<std::size_t>(piece.at.x + box.x, size.x - std::min(size.x, radius));
-        const double peak = getPeak(options, piece.types[0]);
-        for (std::size_t z = 0; z < box.z && begin < end; ++z) {
-            SsimPlane plane{options, peak, piece.whole, {0, 0, piece.at.z + z, piece.at.c, piece.at.t}};
-            for (std::size_t i = 0; i < box.y; ++i) {
-                const std::size_t y = piece.at.y + i;
-                if (y < radius || y + radius >= size.y) {
-                    continue;
+        for (std::size_t z = 0; z < box.z; ++z) {
+            for (std::size_t x = begin; x < end; x += SsimPlane::bestSize) {
+                addSimilarity(options, piece, z, x, std::min(x + SsimPlane::bestSize, end), part);
+            }
+        }
+    }
+
+    /// Of the windows centred on pixels [begin, end) of the rows of a plane of the piece.
+    static void addSimilarity(const Options& options, const Piece& piece, std::size_t z, std::size_t begin,
+                              std::size_t end, Part& part)
+    {
+        const std::size_t radius = SsimPlane::getRadius(options);
+        const image::ImageGeometry& size = piece.whole[0]->getGeometry();
+        const image::PixelBox& box = piece.box();
+        const Position plane{0, 0, piece.at.z + z, piece.at.c, piece.at.t};
+        SsimPlane windows{options, getPeak(options, piece.types[0]), piece.whole, plane, begin, end};
+        for (std::size_t i = 0; i < box.y; ++i) {
+            const std::size_t y = piece.at.y + i;
+            if (y < radius || y + radius >= size.y) {
+                continue;
+            }
+            const double* const values = windows.measure(y);
+            part.nbWindows += end - begin;
+            if (const auto sum = windows.getSum(); sum && !piece.mask) {
+                addShifted(part.similarity, *sum, 0);
+                part.nbCounting += end - begin;
+                continue;
+            }
+            const std::size_t row = (z * box.y + i) * box.x;
+            for (std::size_t x = begin; x < end; ++x) {
+                const double value = values[x - begin];
+                if (!std::isnan(value) && isSelected(piece, row + x - piece.at.x)) {
+                    // Rounded as the kernels round.
+                    const double units = std::nearbyint(std::ldexp(value, -SsimWindows::unit));
+                    addShifted(part.similarity, static_cast<std::int64_t>(units), 0);
+                    ++part.nbCounting;
                 }
-                const double* const values = plane.measure(y, begin, end);
-                const std::size_t row = (z * box.y + i) * box.x;
-                Int128 sum = 0;
-                for (std::size_t x = begin; x < end; ++x) {
-                    const double value = values[x - begin];
-                    const bool counts = value == value && isSelected(piece, row + x - piece.at.x);
-                    sum += counts ? static_cast<std::int64_t>(value * 0x1p62) : 0;
-                    part.nbCounting += counts;
-                }
-                part.nbWindows += end - begin;
-                addShifted(part.similarity, sum, 0);
             }
         }
     }
@@ -753,7 +771,7 @@ private:
         if (part.nbCounting == 0 || (options.nan == NanPolicy::Propagate && part.nbNaN != 0)) {
             return nan;
         }
-        return roundQuotient(toInteger(part.similarity), part.nbCounting, -62);
+        return roundQuotient(toInteger(part.similarity), part.nbCounting, SsimWindows::unit);
     }
 };
 

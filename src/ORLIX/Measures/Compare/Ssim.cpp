@@ -14,13 +14,16 @@ std::size_t SsimPlane::getRadius(const CompareOptions& options)
     return options.window == SsimWindow::Uniform ? 3 : static_cast<std::size_t>(truncate * options.sigma + 0.5);
 }
 
-SsimPlane::SsimPlane(const CompareOptions& options, double peak, std::span<const ImageView> images, const Position& at)
-    : images_{images}, at_{at}, width_{images[0]->getGeometry().x}, height_{images[0]->getGeometry().y},
-      radius_{getRadius(options)}, weights_(2 * radius_ + 1, 1.0)
+SsimPlane::SsimPlane(const CompareOptions& options, double peak, std::span<const ImageView> images, const Position& at,
+                     std::size_t begin, std::size_t end)
+    : images_{images}, at_{at}, begin_{begin}, size_{end - begin}, height_{images[0]->getGeometry().y},
+      radius_{getRadius(options)}, weights_(2 * radius_ + 1, 1.0), nextRow_{std::numeric_limits<std::ptrdiff_t>::min()}
 {
     const auto window = static_cast<double>(weights_.size());
-    row_.n = window * window;
-    if (options.window == SsimWindow::Gaussian) {
+    const double pixels = window * window;
+    windows_.n = pixels;
+    windows_.window.isUniform = options.window == SsimWindow::Uniform;
+    if (!windows_.window.isUniform) {
         double sum = 0;
         for (std::size_t k = 0; k < weights_.size(); ++k) {
             const double x = static_cast<double>(k) - static_cast<double>(radius_);
@@ -30,25 +33,23 @@ SsimPlane::SsimPlane(const CompareOptions& options, double peak, std::span<const
         for (double& weight : weights_) {
             weight /= sum;
         }
-        row_.n = 1;
+        windows_.n = 1;
     }
-    const double pixels = window * window;
-    row_.factor = options.sampleCovariance && pixels > 1 ? pixels / (pixels - 1) : 1;
-    row_.c1 = std::pow(options.k1 * peak, 2) * row_.n * row_.n;
-    row_.c2 = std::pow(options.k2 * peak, 2) * row_.n * row_.n;
-    row_.weights = weights_.data();
-    row_.window = weights_.size();
-    const std::size_t size = width_ + 2 * radius_ + 2 * SsimRow::step;
-    for (auto& rows : rows_) {
-        rows.assign(weights_.size(), std::vector<double>(size));
+    windows_.factor = options.sampleCovariance && pixels > 1 ? pixels / (pixels - 1) : 1;
+    windows_.c1 = std::pow(options.k1 * peak, 2) * windows_.n * windows_.n;
+    windows_.c2 = std::pow(options.k2 * peak, 2) * windows_.n * windows_.n;
+    windows_.window.weights = weights_.data();
+    windows_.window.size = weights_.size();
+    const std::size_t room = size_ + 2 * radius_ + 2 * SsimWeights::step;
+    for (std::vector<double>& row : pixels_) {
+        row.resize(room);
     }
-    for (std::size_t q = 0; q < std::size(columns_); ++q) {
-        columns_[q].resize(size);
-        row_.columns[q] = columns_[q].data();
+    for (auto& rows : sums_) {
+        rows.assign(weights_.size(), std::vector<double>(room));
     }
-    values_.resize(size);
-    row_.values = values_.data();
-    nextRow_ = std::numeric_limits<std::ptrdiff_t>::min();
+    values_.resize(room);
+    windows_.values = values_.data();
+    windows_.size = size_;
 }
 
 namespace
@@ -64,36 +65,40 @@ std::size_t reflect(std::ptrdiff_t i, std::size_t size)
 
 } // namespace
 
-std::vector<double>& SsimPlane::slot(int image, std::ptrdiff_t y)
+std::size_t SsimPlane::slot(std::ptrdiff_t y) const
 {
     const auto window = static_cast<std::ptrdiff_t>(weights_.size());
-    return rows_[image][static_cast<std::size_t>(((y % window) + window) % window)];
+    return static_cast<std::size_t>(((y % window) + window) % window);
 }
 
 void SsimPlane::read(std::ptrdiff_t y)
 {
-    for (int k = 0; k < 2; ++k) {
-        const image::BaseImage& image = *images_[static_cast<std::size_t>(k)];
-        const std::byte* const row = image.getRow(reflect(y, height_), at_.z, at_.c, at_.t);
-        double* const to = slot(k, y).data();
+    SsimRow row{windows_.window, {}, size_, {}};
+    const auto begin = static_cast<std::ptrdiff_t>(begin_) - static_cast<std::ptrdiff_t>(radius_);
+    const std::size_t nbPixels = size_ + 2 * radius_;
+    for (std::size_t k = 0; k < 2; ++k) {
+        const image::BaseImage& image = *images_[k];
+        const std::size_t width = image.getGeometry().x;
+        const std::byte* const from = image.getRow(reflect(y, height_), at_.z, at_.c, at_.t);
         const bool isBinary = image.getType() == image::eImageBufferType::eIBT_Binary;
         withPixelType(isBinary ? image::eImageBufferType::eIBT_UInt8 : image.getType(),
                       [&]<class T>(std::type_identity<T>) {
-                          const T* const pixels = reinterpret_cast<const T*>(row);
-                          for (std::size_t x = 0; x < width_; ++x) {
-                              to[radius_ + x] = pixels[x];
+                          const T* const pixels = reinterpret_cast<const T*>(from);
+                          const bool isInside = begin >= 0 && static_cast<std::size_t>(begin) + nbPixels <= width;
+                          for (std::size_t i = 0; i < nbPixels; ++i) {
+                              const std::ptrdiff_t x = begin + static_cast<std::ptrdiff_t>(i);
+                              pixels_[k][i] = pixels[isInside ? static_cast<std::size_t>(x) : reflect(x, width)];
                           }
                       });
-        for (std::size_t i = 1; i <= radius_; ++i) {
-            const auto before = reflect(-static_cast<std::ptrdiff_t>(i), width_);
-            const auto after = reflect(static_cast<std::ptrdiff_t>(width_ + i) - 1, width_);
-            to[radius_ - i] = to[radius_ + before];
-            to[radius_ + width_ + i - 1] = to[radius_ + after];
-        }
+        row.pixels[k] = pixels_[k].data();
     }
+    for (std::size_t q = 0; q < nbSsimSums; ++q) {
+        row.sums[q] = sums_[q][slot(y)].data();
+    }
+    selectKernel<float>(getSsimRowKernels())(row);
 }
 
-const double* SsimPlane::measure(std::size_t y, std::size_t begin, std::size_t end)
+const double* SsimPlane::measure(std::size_t y)
 {
     const auto radius = static_cast<std::ptrdiff_t>(radius_);
     const std::ptrdiff_t first = static_cast<std::ptrdiff_t>(y) - radius;
@@ -101,16 +106,20 @@ const double* SsimPlane::measure(std::size_t y, std::size_t begin, std::size_t e
     for (nextRow_ = std::max(nextRow_, first); nextRow_ <= last; ++nextRow_) {
         read(nextRow_);
     }
-    std::vector<const double*> rows[2];
-    for (int k = 0; k < 2; ++k) {
+    std::vector<const double*> rows[nbSsimSums];
+    for (std::size_t q = 0; q < nbSsimSums; ++q) {
         for (std::ptrdiff_t row = first; row <= last; ++row) {
-            rows[k].push_back(slot(k, row).data() + begin);
+            rows[q].push_back(sums_[q][slot(row)].data());
         }
-        row_.rows[k] = rows[k].data();
+        windows_.rows[q] = rows[q].data();
     }
-    row_.size = end - begin;
-    selectKernel<float>(getSsimKernels())(row_);
+    selectKernel<float>(getSsimWindowsKernels())(windows_);
     return values_.data();
+}
+
+std::optional<std::int64_t> SsimPlane::getSum() const
+{
+    return windows_.hasNaN ? std::nullopt : std::optional{windows_.sum};
 }
 
 Ptr<image::BaseImage> ssimImage(const ImageView& image, const ImageView& image2, const CompareOptions& options)
@@ -120,18 +129,21 @@ Ptr<image::BaseImage> ssimImage(const ImageView& image, const ImageView& image2,
     auto output = image::BaseImage::create(image::eImageBufferType::eIBT_Float32, size);
     const ImageView images[] = {image, image2};
     const image::PlanRange plans{size, image::ePlanKind::ePK_Plan2d};
+    const std::size_t tiles = (size.x + SsimPlane::bestSize - 1) / SsimPlane::bestSize;
     const auto measure = [&](std::size_t begin, std::size_t end) {
         for (std::size_t i = begin; i < end; ++i) {
-            const image::PlanIndex plan = plans[i];
-            SsimPlane plane{options, peak, images, {0, 0, plan.z, plan.c, plan.t}};
+            const image::PlanIndex plan = plans[i / tiles];
+            const std::size_t x = i % tiles * SsimPlane::bestSize;
+            const std::size_t width = std::min(SsimPlane::bestSize, size.x - x);
+            SsimPlane windows{options, peak, images, {0, 0, plan.z, plan.c, plan.t}, x, x + width};
             for (std::size_t y = 0; y < size.y; ++y) {
-                const double* const values = plane.measure(y, 0, size.x);
-                std::copy_n(values, size.x, reinterpret_cast<float*>(output->getRow(y, plan.z, plan.c, plan.t)));
+                auto* const row = reinterpret_cast<float*>(output->getRow(y, plan.z, plan.c, plan.t));
+                std::copy_n(windows.measure(y), width, row + x);
             }
         }
     };
     if (!size.empty()) {
-        executor::parallelFor(plans.size(), 1, ePriority::eP_Normal, RangeBody{measure});
+        executor::parallelFor(plans.size() * tiles, 1, ePriority::eP_Normal, RangeBody{measure});
     }
     return output;
 }

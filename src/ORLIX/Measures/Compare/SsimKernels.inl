@@ -1,7 +1,7 @@
-// The structural similarity of a row of windows: sums of columns, then of rows of them, each in the order of its terms.
+// The structural similarity of a row of windows: sums of rows, then of columns of them, each in the order of its terms.
 
 #include <ORLIX/Measures/Compare/SsimKernels.hpp>
-#include <framework/kernel/Pack.hpp>
+#include <framework/kernel/FloatSums.hpp>
 
 #include <type_traits>
 
@@ -11,62 +11,141 @@ namespace orlix::measures
 namespace
 {
 
+/// What a step of a loop works at: packs, or single numbers in the generic domain.
 template <Domain::domain D>
-void measureRow(const SsimRow& r)
+struct Step
 {
-    constexpr std::size_t step = SsimRow::step;
-    const std::size_t nbColumns = r.size + r.window - 1;
-    for (std::size_t x = 0; x < nbColumns; x += step) {
-        double sums[5][step] = {};
-        for (std::size_t k = 0; k < r.window; ++k) {
-            const double* const a = r.rows[0][k] + x;
-            const double* const b = r.rows[1][k] + x;
-            const double weight = r.weights[k];
-            for (std::size_t i = 0; i < step; ++i) {
-                const double weighted = weight * a[i];
-                const double weighted2 = weight * b[i];
-                sums[0][i] += weighted;
-                sums[1][i] += weighted2;
-                sums[2][i] += weighted * a[i];
-                sums[3][i] += weighted2 * b[i];
-                sums[4][i] += weighted * b[i];
-            }
+    using Numbers = Pack<double, D>;
+    using Bits = Pack<std::int64_t, D>;
+    static constexpr std::size_t size = lanes<double, D>;
+    ORLIX_KERNEL static Numbers get(const double* from) { return load<Numbers>(from); }
+    ORLIX_KERNEL static void put(Numbers numbers, double* to) { store(numbers, to); }
+    ORLIX_KERNEL static std::int64_t add(Bits bits) { return addLanes<std::int64_t, std::int64_t>(bits); }
+};
+template <>
+struct Step<Domain::eIS_Generic>
+{
+    using Numbers = double;
+    using Bits = std::int64_t;
+    static constexpr std::size_t size = 1;
+    ORLIX_KERNEL static double get(const double* from) { return *from; }
+    ORLIX_KERNEL static void put(double number, double* to) { *to = number; }
+    ORLIX_KERNEL static std::int64_t add(Bits bits) { return bits; }
+};
+
+/// A product with a weight that is 1 needs none.
+template <bool IsUniform, class Numbers>
+ORLIX_KERNEL Numbers weigh(double weight, Numbers x)
+{
+    return IsUniform ? x : weight * x;
+}
+
+template <Domain::domain D, bool IsUniform>
+ORLIX_KERNEL void sumParts(const SsimRow& r)
+{
+    using S = Step<D>;
+    using Numbers = typename S::Numbers;
+    for (std::size_t x = 0; x < r.size; x += S::size) {
+        Numbers sums[nbSsimSums] = {};
+        for (std::size_t k = 0; k < r.window.size; ++k) {
+            const Numbers a = S::get(r.pixels[0] + x + k);
+            const Numbers b = S::get(r.pixels[1] + x + k);
+            const Numbers weighted = weigh<IsUniform>(r.window.weights[k], a);
+            const Numbers weighted2 = weigh<IsUniform>(r.window.weights[k], b);
+            sums[0] += weighted;
+            sums[1] += weighted2;
+            sums[2] += weighted * a;
+            sums[3] += weighted2 * b;
+            sums[4] += weighted * b;
         }
-        for (std::size_t q = 0; q < 5; ++q) {
-            __builtin_memcpy(r.columns[q] + x, sums[q], sizeof sums[q]);
-        }
-    }
-    for (std::size_t x = 0; x < r.size; x += step) {
-        double sums[5][step] = {};
-        for (std::size_t q = 0; q < 5; ++q) {
-            for (std::size_t k = 0; k < r.window; ++k) {
-                const double* const column = r.columns[q] + x + k;
-                const double weight = r.weights[k];
-                for (std::size_t i = 0; i < step; ++i) {
-                    sums[q][i] += weight * column[i];
-                }
-            }
-        }
-        for (std::size_t i = 0; i < step; ++i) {
-            const double a = sums[0][i];
-            const double b = sums[1][i];
-            const double squares = a * a + b * b;
-            const double product = a * b;
-            const double above = (2 * product + r.c1) * (2 * r.factor * (r.n * sums[4][i] - product) + r.c2);
-            const double below = (squares + r.c1) * (r.factor * (r.n * (sums[2][i] + sums[3][i]) - squares) + r.c2);
-            r.values[x + i] = above / below;
+        for (std::size_t q = 0; q < nbSsimSums; ++q) {
+            S::put(sums[q], r.sums[q] + x);
         }
     }
 }
 
 template <Domain::domain D>
-constexpr SsimKernels ssimKernels = makeKernels<SsimKernel, D>([]<class T>(std::type_identity<T>) -> SsimKernel<T> {
+void sumRow(const SsimRow& r)
+{
+    r.window.isUniform ? sumParts<D, true>(r) : sumParts<D, false>(r);
+}
+
+template <Domain::domain D, bool IsUniform>
+ORLIX_KERNEL typename Step<D>::Numbers measureAt(const SsimWindows& w, std::size_t x)
+{
+    using S = Step<D>;
+    using Numbers = typename S::Numbers;
+    Numbers sums[nbSsimSums] = {};
+    for (std::size_t k = 0; k < w.window.size; ++k) {
+        for (std::size_t q = 0; q < nbSsimSums; ++q) {
+            sums[q] += weigh<IsUniform>(w.window.weights[k], S::get(w.rows[q][k] + x));
+        }
+    }
+    const Numbers squares = sums[0] * sums[0] + sums[1] * sums[1];
+    const Numbers product = sums[0] * sums[1];
+    const Numbers above = (2 * product + w.c1) * (2 * w.factor * (w.n * sums[4] - product) + w.c2);
+    const Numbers below = (squares + w.c1) * (w.factor * (w.n * (sums[2] + sums[3]) - squares) + w.c2);
+    return above / below;
+}
+
+template <Domain::domain D, bool IsUniform>
+ORLIX_KERNEL void measure(SsimWindows& w)
+{
+    using S = Step<D>;
+    using Numbers = typename S::Numbers;
+    using Bits = typename S::Bits;
+    // Added to it, a similarity is rounded to units, which the bits of the double count.
+    const double start = 1.5 * powerOfTwo(52 + SsimWindows::unit);
+    std::int64_t startBits;
+    __builtin_memcpy(&startBits, &start, sizeof start);
+    Bits sum{};
+    Bits isNaN{};
+    const std::size_t whole = w.size / S::size * S::size;
+    std::size_t x = 0;
+    for (; x < whole; x += S::size) {
+        const Numbers values = measureAt<D, IsUniform>(w, x);
+        S::put(values, w.values + x);
+        isNaN |= (Bits)(values != values);
+        const Numbers moved = values + start;
+        Bits bits;
+        __builtin_memcpy(&bits, &moved, sizeof bits);
+        sum += bits - startBits;
+    }
+    w.sum = S::add(sum);
+    w.hasNaN = S::add(isNaN) != 0;
+    if (x < w.size) {
+        S::put(measureAt<D, IsUniform>(w, x), w.values + x);
+        for (; x < w.size; ++x) {
+            const double value = w.values[x];
+            w.hasNaN |= value != value;
+            const double moved = value + start;
+            std::int64_t bits;
+            __builtin_memcpy(&bits, &moved, sizeof bits);
+            w.sum += bits - startBits;
+        }
+    }
+}
+
+template <Domain::domain D>
+void measureWindows(SsimWindows& w)
+{
+    w.window.isUniform ? measure<D, true>(w) : measure<D, false>(w);
+}
+
+/// The kernel of a table that has one, for float.
+template <template <class> class Kernel, Domain::domain D, auto Function>
+constexpr KernelsByType<Kernel> forFloat = makeKernels<Kernel, D>([]<class T>(std::type_identity<T>) -> Kernel<T> {
     if constexpr (isFloat<T>) {
-        return &measureRow<D>;
+        return Function;
     } else {
         return nullptr;
     }
 });
+
+template <Domain::domain D>
+constexpr SsimRowKernels ssimRowKernels = forFloat<SsimRowKernel, D, &sumRow<D>>;
+template <Domain::domain D>
+constexpr SsimWindowsKernels ssimWindowsKernels = forFloat<SsimWindowsKernel, D, &measureWindows<D>>;
 
 } // namespace
 

@@ -31,7 +31,7 @@ struct CompareFigures
 /// Pairs of pixels on their way into sums, with room for whole packs.
 struct PairBlock
 {
-    static constexpr std::size_t size = 1024;
+    static constexpr std::size_t size = 4096;
 
     alignas(64) float pixels[2][size];       ///< of any type that has no more digits
     alignas(64) std::int16_t words[2][size]; ///< of 8 and 16 bits, less `bias`

@@ -14,30 +14,36 @@ double checkComparison(const CompareOptions& options, const ImageView& image, co
 class SsimPlane
 {
 public:
-    /// `at` is a position in the images, whose z, c and t say which planes.
-    SsimPlane(const CompareOptions& options, double peak, std::span<const ImageView> images, const Position& at);
+    /// The windows centred on pixels [begin, end) of rows, up to 2^12. `at` is a position in the images, whose z, c and
+    /// t say which planes.
+    SsimPlane(const CompareOptions& options, double peak, std::span<const ImageView> images, const Position& at,
+              std::size_t begin, std::size_t end);
 
     static std::size_t getRadius(const CompareOptions& options);
+    /// So many windows keep the sums of their rows in the cache.
+    static constexpr std::size_t bestSize = 512;
 
-    /// Of the windows centred on pixels [begin, end) of row y; beyond the border images go on as their mirror image.
-    /// Rows are asked for in ascending order.
-    const double* measure(std::size_t y, std::size_t begin, std::size_t end);
+    /// Of row y; beyond the border images go on as their mirror image. Rows are asked for in ascending order.
+    const double* measure(std::size_t y);
+    /// Of the last row, the sum in units of 2^SsimWindows::unit; none if a value is NaN.
+    std::optional<std::int64_t> getSum() const;
 
 private:
     void read(std::ptrdiff_t y);
-    std::vector<double>& slot(int image, std::ptrdiff_t y);
+    std::size_t slot(std::ptrdiff_t y) const;
 
     std::span<const ImageView> images_;
     Position at_;
-    std::size_t width_;
+    std::size_t begin_;
+    std::size_t size_;
     std::size_t height_;
     std::size_t radius_;
     std::vector<double> weights_;
-    std::vector<std::vector<double>> rows_[2]; ///< by their number modulo the window
-    std::ptrdiff_t nextRow_;                   ///< that is not read yet
-    std::vector<double> columns_[5];
+    std::vector<double> pixels_[2];                     ///< a row, with the neighbours of its windows
+    std::vector<std::vector<double>> sums_[nbSsimSums]; ///< of rows, by their number modulo the window
+    std::ptrdiff_t nextRow_;                            ///< that is not read yet
     std::vector<double> values_;
-    SsimRow row_{};
+    SsimWindows windows_{};
 };
 
 } // namespace orlix::measures
