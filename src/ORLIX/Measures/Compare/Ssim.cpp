@@ -41,11 +41,11 @@ SsimPlane::SsimPlane(const CompareOptions& options, double peak, std::span<const
     windows_.window.weights = weights_.data();
     windows_.window.size = weights_.size();
     const std::size_t room = size_ + 2 * radius_ + 2 * SsimWeights::step;
-    for (std::vector<double>& row : pixels_) {
+    for (Row& row : pixels_) {
         row.resize(room);
     }
     for (auto& rows : sums_) {
-        rows.assign(weights_.size(), std::vector<double>(room));
+        rows.assign(weights_.size(), Row(room));
     }
     values_.resize(room);
     windows_.values = values_.data();

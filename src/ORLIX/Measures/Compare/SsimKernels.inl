@@ -47,7 +47,7 @@ ORLIX_KERNEL void sumParts(const SsimRow& r)
     using Numbers = typename S::Numbers;
     for (std::size_t x = 0; x < r.size; x += S::size) {
         Numbers sums[nbSsimSums] = {};
-        for (std::size_t k = 0; k < r.window.size; ++k) {
+        for (std::size_t k = 0; k < r.window.size; ++k) { // unaligned: that is what a window is
             const Numbers a = S::get(r.pixels[0] + x + k);
             const Numbers b = S::get(r.pixels[1] + x + k);
             const Numbers weighted = weigh<IsUniform>(r.window.weights[k], a);
@@ -70,22 +70,41 @@ void sumRow(const SsimRow& r)
     r.window.isUniform ? sumParts<D, true>(r) : sumParts<D, false>(r);
 }
 
-template <Domain::domain D, bool IsUniform>
-ORLIX_KERNEL typename Step<D>::Numbers measureAt(const SsimWindows& w, std::size_t x)
+/// The similarities of some neighbouring windows.
+template <Domain::domain D, bool IsUniform, std::size_t N>
+ORLIX_KERNEL void measureAt(const SsimWindows& w, std::size_t x, typename Step<D>::Numbers (&values)[N])
 {
     using S = Step<D>;
     using Numbers = typename S::Numbers;
-    Numbers sums[nbSsimSums] = {};
+    Numbers sums[nbSsimSums][N] = {};
     for (std::size_t k = 0; k < w.window.size; ++k) {
+#pragma GCC unroll 5
         for (std::size_t q = 0; q < nbSsimSums; ++q) {
-            sums[q] += weigh<IsUniform>(w.window.weights[k], S::get(w.rows[q][k] + x));
+            const double* const row = w.rows[q][k] + x;
+#pragma GCC unroll 2
+            for (std::size_t i = 0; i < N; ++i) {
+                sums[q][i] += weigh<IsUniform>(w.window.weights[k], S::get(row + i * S::size));
+            }
         }
     }
-    const Numbers squares = sums[0] * sums[0] + sums[1] * sums[1];
-    const Numbers product = sums[0] * sums[1];
-    const Numbers above = (2 * product + w.c1) * (2 * w.factor * (w.n * sums[4] - product) + w.c2);
-    const Numbers below = (squares + w.c1) * (w.factor * (w.n * (sums[2] + sums[3]) - squares) + w.c2);
-    return above / below;
+#pragma GCC unroll 2
+    for (std::size_t i = 0; i < N; ++i) {
+        const Numbers squares = sums[0][i] * sums[0][i] + sums[1][i] * sums[1][i];
+        const Numbers product = sums[0][i] * sums[1][i];
+        const Numbers above = (2 * product + w.c1) * (2 * w.factor * (w.n * sums[4][i] - product) + w.c2);
+        const Numbers below = (squares + w.c1) * (w.factor * (w.n * (sums[2][i] + sums[3][i]) - squares) + w.c2);
+        values[i] = above / below;
+        S::put(values[i], w.values + x + i * S::size);
+    }
+}
+
+/// A similarity, in units.
+ORLIX_KERNEL std::int64_t toUnits(double value, double start, std::int64_t startBits)
+{
+    const double moved = value + start;
+    std::int64_t bits;
+    __builtin_memcpy(&bits, &moved, sizeof bits);
+    return bits - startBits;
 }
 
 template <Domain::domain D, bool IsUniform>
@@ -94,35 +113,34 @@ ORLIX_KERNEL void measure(SsimWindows& w)
     using S = Step<D>;
     using Numbers = typename S::Numbers;
     using Bits = typename S::Bits;
+    constexpr std::size_t packs = 2;
     // Added to it, a similarity is rounded to units, which the bits of the double count.
     const double start = 1.5 * powerOfTwo(52 + SsimWindows::unit);
     std::int64_t startBits;
     __builtin_memcpy(&startBits, &start, sizeof start);
     Bits sum{};
     Bits isNaN{};
-    const std::size_t whole = w.size / S::size * S::size;
+    Numbers values[packs];
     std::size_t x = 0;
-    for (; x < whole; x += S::size) {
-        const Numbers values = measureAt<D, IsUniform>(w, x);
-        S::put(values, w.values + x);
-        isNaN |= (Bits)(values != values);
-        const Numbers moved = values + start;
-        Bits bits;
-        __builtin_memcpy(&bits, &moved, sizeof bits);
-        sum += bits - startBits;
+    for (; x + packs * S::size <= w.size; x += packs * S::size) {
+        measureAt<D, IsUniform>(w, x, values);
+        for (const Numbers value : values) {
+            isNaN |= (Bits)(value != value);
+            const Numbers moved = value + start;
+            Bits bits;
+            __builtin_memcpy(&bits, &moved, sizeof bits);
+            sum += bits - startBits;
+        }
     }
     w.sum = S::add(sum);
     w.hasNaN = S::add(isNaN) != 0;
     if (x < w.size) {
-        S::put(measureAt<D, IsUniform>(w, x), w.values + x);
-        for (; x < w.size; ++x) {
-            const double value = w.values[x];
-            w.hasNaN |= value != value;
-            const double moved = value + start;
-            std::int64_t bits;
-            __builtin_memcpy(&bits, &moved, sizeof bits);
-            w.sum += bits - startBits;
-        }
+        measureAt<D, IsUniform>(w, x, values);
+    }
+    for (; x < w.size; ++x) {
+        const double value = w.values[x];
+        w.hasNaN |= value != value;
+        w.sum += toUnits(value, start, startBits);
     }
 }
 

@@ -4,6 +4,8 @@
 #include <ORLIX/Measures/Compare/SsimKernels.hpp>
 #include <ORLIX/Measures/Pieces.hpp>
 
+#include <boost/align/aligned_allocator.hpp>
+
 namespace orlix::measures
 {
 
@@ -38,11 +40,13 @@ private:
     std::size_t size_;
     std::size_t height_;
     std::size_t radius_;
+    using Row = std::vector<double, boost::alignment::aligned_allocator<double, 64>>; ///< packs lie in cache lines
+
     std::vector<double> weights_;
-    std::vector<double> pixels_[2];                     ///< a row, with the neighbours of its windows
-    std::vector<std::vector<double>> sums_[nbSsimSums]; ///< of rows, by their number modulo the window
-    std::ptrdiff_t nextRow_;                            ///< that is not read yet
-    std::vector<double> values_;
+    Row pixels_[2];                     ///< a row, with the neighbours of its windows
+    std::vector<Row> sums_[nbSsimSums]; ///< of rows, by their number modulo the window
+    std::ptrdiff_t nextRow_;            ///< that is not read yet
+    Row values_;
     SsimWindows windows_{};
 };
 

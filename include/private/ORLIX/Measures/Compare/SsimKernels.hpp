@@ -16,7 +16,7 @@ inline constexpr std::size_t nbSsimSums = 5;
 /// The weights of the pixels of a window, the same in both directions.
 struct SsimWeights
 {
-    static constexpr std::size_t step = 8; ///< rows have room for that many more elements
+    static constexpr std::size_t step = 16; ///< rows have room for that many more elements
 
     const double* weights;
     std::size_t size; ///< of a window
