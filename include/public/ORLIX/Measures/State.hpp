@@ -70,6 +70,13 @@ public:
     {
         addImages({image, image2}, mask, offset, core);
     }
+    void add(const ImageView& labels, const std::vector<ImageView>& images, const Position& offset = {},
+             const std::optional<Extent>& core = {}) requires(M::nbImages < 0)
+    {
+        std::vector<ImageView> all{labels};
+        all.insert(all.end(), images.begin(), images.end());
+        addImages(all, {}, offset, core);
+    }
     /// Throws MeasureException unless both are of images of the same types, with the same options.
     void merge(const State& other);
 
