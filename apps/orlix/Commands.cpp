@@ -161,6 +161,8 @@ constexpr Difference differences[] = {
     {.verb = "merge", .example = "merge samples/cells-*.state"},
     {.verb = "describe", .example = "describe samples/cells.tif --percentiles 5,95", .forPeople = &listFigures},
     {.verb = "compare", .example = "compare samples/cells.tif samples/labels.tif", .forPeople = &listFigures},
+    {.verb = "regions", .example = "regions samples/labels.tif samples/cells.tif"},
+    {.verb = "threshold", .example = "threshold samples/cells.tif --method triangle"},
     {.verb = "processors", .example = "processors", .forPeople = &summariseKernels},
     {.verb = "stats", .example = "stats samples/cells.tif --mask samples/labels.tif", .gpuHelp = "measure on the GPU"},
     {.verb = "noise", .example = "noise samples/stack.ome.tif --per volume"},
@@ -204,6 +206,7 @@ struct Verb
 
     bool isProjection() const { return name == "project"; }
     bool takesImages() const { return name == "info" || !measure.forms.empty(); }
+    bool takesLabels() const { return !measure.forms.empty() && measure.forms[0].inputs.back().isList; }
     bool takesTwo() const
     {
         const auto isImage = [](const MeasureInput& input) { return !input.isMask; };
@@ -395,7 +398,14 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
     const Difference& difference = findDifference(verb.name);
     const std::vector<MeasureForm>& forms = verb.measure.forms;
     const bool isInfo = verb.name == "info";
-    if (verb.takesTwo()) {
+    if (verb.takesLabels()) {
+        command
+            .add_option_function<std::string>(
+                "LABELS", [&options](const std::string& word) { options.images = {word}; },
+                "an image of integer labels: a file, or - (standard input)")
+            ->required();
+        command.add_option("IMAGE", options.labelledImages, "images to measure in the regions, of the same size");
+    } else if (verb.takesTwo()) {
         command
             .add_option_function<std::string>(
                 "IMAGE", [&options](const std::string& word) { options.images = {word}; },
@@ -636,12 +646,17 @@ public:
         images_ = list(options.images);
         others_ = options.others.empty() ? std::vector<ImageArgument>{} : list({options.others});
         masks_ = options.masks.empty() ? std::vector<ImageArgument>{} : listImages({options.masks});
+        labelled_ = listImages(options.labelledImages);
+        if (verb.takesLabels() && images_.size() > 1) {
+            throw UsageError{"LABELS " + options.images.front() + " makes " + std::to_string(images_.size()) +
+                             " images: one is needed"};
+        }
         checkNumber(others_, "IMAGE2", options.others);
         checkNumber(masks_, "--mask", options.masks);
         // What is in a folder may grow; what was asked for is one image.
         writesToFolder_ = verb.isProjection() && (options.axis == "z" || options.axis == "t") &&
                           (isForSeveral() || fs::is_directory(options.output));
-        for (const auto& list : {images_, others_, masks_}) {
+        for (const auto& list : {images_, others_, masks_, labelled_}) {
             for (const ImageArgument& image : list) {
                 for (const std::string& file : image.files) {
                     inputs_.insert(identify(file));
@@ -678,6 +693,7 @@ public:
                 continue;
             }
             options.image2 = others_.empty() ? ImageArgument{} : others_[others_.size() > 1 ? i : 0];
+            options.labelled = labelled_;
             options.mask = masks_.empty() ? ImageArgument{} : masks_[masks_.size() > 1 ? i : 0];
             try {
                 if (writesToFolder_) {
@@ -752,6 +768,7 @@ private:
     std::vector<ImageArgument> images_;
     std::vector<ImageArgument> others_;
     std::vector<ImageArgument> masks_;
+    std::vector<ImageArgument> labelled_;
     bool writesToFolder_ = false;
     std::set<std::string> inputs_;
     std::set<std::string> members_; // files that belong to images that were read

@@ -203,7 +203,33 @@ void noteScale(const Options& options, const ImageFacts& facts, Report& report)
     }
 }
 
-/// The mask as numbers 0 and 1, repeated where it has fewer axes than the image.
+/// An image that goes with another, repeated where it has fewer axes than that; `name` says what it is.
+Ptr<const BaseImage> readAlong(files::ReaderPtr reader, const char* name, const Options& options,
+                               const ImageFacts& image, const image::ImageGeometry& part, Report& report)
+{
+    const ImageFacts facts = reader->getFacts();
+    const files::StoredType stored = facts.convertedFrom.value_or(facts.type);
+    const image::ImageGeometry& own = facts.geometry;
+    const image::ImageGeometry& size = image.geometry;
+    if (stored == files::StoredType::Float32 || stored == files::StoredType::Float64 ||
+        stored == files::StoredType::Float16) {
+        throw FileError{facts.path + ": a " + getName(stored) + " image is no " + name +
+                        ": convert it to an integer type"};
+    }
+    const auto fits = [](std::size_t side, std::size_t whole) { return side == whole || side == 1; };
+    if (own.x != size.x || own.y != size.y || !fits(own.z, size.z) || !fits(own.c, size.c) || !fits(own.t, size.t)) {
+        throw FileError{facts.path + ": the " + name + " has " + toString(own) + ", but " + image.path + " has " +
+                        toString(size) + ": both need the same size, or the " + name +
+                        " one plane, channel or time for all"};
+    }
+    files::Part cut = options.part;
+    cut.z = own.z == size.z ? cut.z : files::Range{};
+    cut.c = own.c == size.c ? cut.c : files::Range{};
+    cut.t = own.t == size.t ? cut.t : files::Range{};
+    return repeat(asNumbers(readPart(std::move(reader), cut, report)), part);
+}
+
+/// The mask as numbers 0 and 1.
 Ptr<const BaseImage> readMask(const Options& options, const ImageFacts& image, const image::ImageGeometry& part,
                               Report& report)
 {
@@ -212,26 +238,25 @@ Ptr<const BaseImage> readMask(const Options& options, const ImageFacts& image, c
     how.scaled = false;
     how.as = eImageBufferType::eIBT_Binary;
     files::ReaderPtr reader = openMask(options.mask, how);
-    const ImageFacts facts = reader->getFacts();
-    const files::StoredType stored = facts.convertedFrom.value_or(facts.type);
-    const std::string& path = options.mask.name;
-    const image::ImageGeometry& own = facts.geometry;
-    const image::ImageGeometry& size = image.geometry;
-    if (stored == files::StoredType::Float32 || stored == files::StoredType::Float64 ||
-        stored == files::StoredType::Float16) {
-        throw FileError{path + ": a " + getName(stored) + " image is no mask: convert it to an integer type"};
+    const ImageFacts& facts = reader->getFacts();
+    report.images.emplace_back(
+        "mask", describeImage(options.mask.name, getName(facts.convertedFrom.value_or(facts.type)), facts.geometry));
+    return readAlong(std::move(reader), "mask", options, image, part, report);
+}
+
+/// Labels; those of 64 bits as 32 bits, with a note where that changes them.
+files::ReaderPtr openLabels(const Options& options)
+{
+    files::OpenOptions how = options.open;
+    how.scaled = false;
+    how.as.reset();
+    files::ReaderPtr reader = openMask(options.image, how);
+    const files::StoredType type = reader->getFacts().type;
+    if (type == files::StoredType::Int64 || type == files::StoredType::UInt64) {
+        how.as = type == files::StoredType::Int64 ? eImageBufferType::eIBT_Int32 : eImageBufferType::eIBT_UInt32;
+        reader = openMask(options.image, how);
     }
-    const auto fits = [](std::size_t side, std::size_t whole) { return side == whole || side == 1; };
-    if (own.x != size.x || own.y != size.y || !fits(own.z, size.z) || !fits(own.c, size.c) || !fits(own.t, size.t)) {
-        throw FileError{path + ": the mask has " + toString(own) + ", but " + options.image.name + " has " +
-                        toString(size) + ": both need the same size, or the mask one plane, channel or time for all"};
-    }
-    report.images.emplace_back("mask", describeImage(path, getName(stored), own));
-    files::Part cut = options.part;
-    cut.z = own.z == size.z ? cut.z : files::Range{};
-    cut.c = own.c == size.c ? cut.c : files::Range{};
-    cut.t = own.t == size.t ? cut.t : files::Range{};
-    return repeat(asNumbers(readPart(std::move(reader), cut, report)), part);
+    return reader;
 }
 
 /// Which part of the image it is, where it is not the whole.
@@ -373,6 +398,37 @@ Inputs::Inputs(const Options& options, bool takesBinary)
     }
     if (!options.masks.empty()) {
         mask = readMask(options, facts, image->getGeometry(), report);
+    }
+}
+
+LabelledInputs::LabelledInputs(const Options& options)
+{
+    files::ReaderPtr reader = openLabels(options);
+    ImageFacts facts = reader->getFacts();
+    report.members = facts.members;
+    report.images.emplace_back(
+        "image", describeImage(options.image.name, getName(facts.convertedFrom.value_or(facts.type)), facts.geometry));
+    Json described = Json::array();
+    for (const ImageArgument& image : options.labelled) {
+        files::ReaderPtr other = open(image, options, options.open);
+        const ImageFacts own = other->getFacts();
+        noteScale(options, own, report);
+        if (!images.empty() && !(own.geometry == facts.geometry)) {
+            throw FileError{image.name + ": it has " + toString(own.geometry) + ", but " + facts.path + " has " +
+                            toString(facts.geometry) + ": all images need the same size"};
+        }
+        facts = own;
+        images.push_back(asNumbers(readPart(std::move(other), options.part, report)));
+        described.push_back(describeImage(image.name, getName(own.type), images.back()->getGeometry()));
+    }
+    origin = {options.part.x.begin, options.part.y.begin, options.part.z.begin, options.part.c.begin,
+              options.part.t.begin};
+    labels = images.empty()
+                 ? asNumbers(readPart(std::move(reader), options.part, report))
+                 : readAlong(std::move(reader), "label image", options, facts, images[0]->getGeometry(), report);
+    describePart(options.part, facts.geometry, report.images.back().second);
+    if (!images.empty()) {
+        report.images.emplace_back("images", std::move(described));
     }
 }
 

@@ -34,4 +34,16 @@ struct Inputs
     Report report;
 };
 
+/// A label image, and others of the same size.
+struct LabelledInputs
+{
+    /// Throws FileError.
+    explicit LabelledInputs(const Options& options);
+
+    Ptr<const image::BaseImage> labels;
+    std::vector<Ptr<const image::BaseImage>> images;
+    files::Position origin{}; ///< of the part that is measured, in the images
+    Report report;
+};
+
 } // namespace orlix::app

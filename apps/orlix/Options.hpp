@@ -23,10 +23,12 @@ struct ImageArgument
 /// The options of the command line, as they were given.
 struct Options
 {
-    std::vector<std::string> images; ///< words: files, folders and patterns
-    std::string others;              ///< the same for the second image
-    ImageArgument image;             ///< what is measured now
+    std::vector<std::string> images;         ///< words: files, folders and patterns
+    std::string others;                      ///< the same for the second image
+    std::vector<std::string> labelledImages; ///< and for images that the first one has labels for
+    ImageArgument image;                     ///< what is measured now
     ImageArgument image2;
+    std::vector<ImageArgument> labelled; ///< images that the first one has labels for
     ImageArgument mask;
     std::string masks; ///< a word, for one mask or one for each image; empty: none
     std::string per;   ///< empty: the verb's default

@@ -283,7 +283,9 @@ void ReportPrinter::print(Report report)
     }
     if (!isForSeveral_) {
         for (const auto& [name, image] : report.images) {
-            output_ << describe(image) << "\n";
+            for (const Json& each : image.is_array() ? image : Json::array({image})) {
+                output_ << describe(each) << "\n";
+            }
         }
         printTable(report.results);
         return;
@@ -291,7 +293,7 @@ void ReportPrinter::print(Report report)
     for (const Json& row : report.results) {
         Json named = Json::object();
         for (const auto& [name, image] : report.images) {
-            if (name != "mask") {
+            if (name != "mask" && name != "images") {
                 named[name == "image" ? "path" : "path2"] = image["path"];
             }
         }
@@ -310,7 +312,7 @@ void ReportPrinter::printCsv(const Report& report)
 {
     Json prefix = Json::object();
     for (const auto& [name, image] : report.images) {
-        if (name != "mask") {
+        if (name != "mask" && name != "images") {
             prefix[name == "image" ? "path" : "path2"] = image["path"];
         }
     }

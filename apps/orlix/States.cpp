@@ -151,15 +151,27 @@ StatePtr makeState(const Measure& measure, const Options& options)
 Report runState(const Measure& measure, const Options& options)
 {
     const StatePtr state = makeState(measure, options);
-    const Inputs inputs{options};
-    Report report = inputs.report;
-    report.measure = measure.verb;
-    std::vector<ImageView> images{inputs.image};
-    if (inputs.image2) {
-        images.emplace_back(inputs.image2);
+    std::vector<ImageView> images;
+    ImageView mask;
+    files::Position at;
+    Report report;
+    if (measure.forms.front().inputs.back().isList) {
+        LabelledInputs inputs{options};
+        images = {inputs.labels};
+        images.insert(images.end(), inputs.images.begin(), inputs.images.end());
+        at = inputs.origin;
+        report = std::move(inputs.report);
+    } else {
+        Inputs inputs{options};
+        images = {inputs.image};
+        if (inputs.image2) {
+            images.emplace_back(inputs.image2);
+        }
+        mask = inputs.mask ? ImageView{inputs.mask} : ImageView{};
+        at = inputs.origin;
+        report = std::move(inputs.report);
     }
-    const ImageView mask = inputs.mask ? ImageView{inputs.mask} : ImageView{};
-    const files::Position& at = inputs.origin;
+    report.measure = measure.verb;
     do {
         state->add(images, mask, {at.x, at.y, at.z, at.c, at.t}, {});
     } while (options.saveState.empty() && state->nextPass());

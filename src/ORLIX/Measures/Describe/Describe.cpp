@@ -1,14 +1,12 @@
 #include <ORLIX/Measures/Describe.hpp>
 
 #include <ORLIX/Measures/Counts.hpp>
-#include <ORLIX/Measures/Describe/DescribeKernels.hpp>
 #include <ORLIX/Measures/Exact.hpp>
-#include <ORLIX/Measures/Extreme.hpp>
+#include <ORLIX/Measures/Figures.hpp>
 #include <ORLIX/Measures/KeyIndex.hpp>
 #include <ORLIX/Measures/Pieces.hpp>
 #include <ORLIX/Measures/StateImplementation.hpp>
 
-#include <framework/kernel/FloatSums.hpp>
 #include <framework/process/MeasureList.hpp>
 
 #include <cmath>
@@ -238,15 +236,7 @@ struct DescribeModel
 
     struct Part
     {
-        std::uint64_t nbNumbers = 0;
-        std::uint64_t nbNaN = 0;
-        std::uint64_t nbPositiveInfinity = 0;
-        std::uint64_t nbNegativeInfinity = 0;
-        std::uint64_t nbSaturated = 0;
-        FloatSum sum{};
-        FloatProductSum squares{};
-        Extreme min;
-        Extreme max;
+        Figures figures;
         PowerSums powers;
         ValueCounts counts; ///< by value, or by upper half
         ValueCounts values;
@@ -258,9 +248,7 @@ struct DescribeModel
         template <class Stream>
         void pass(Stream& stream)
         {
-            stream(nbNumbers), stream(nbNaN), stream(nbPositiveInfinity), stream(nbNegativeInfinity);
-            stream(nbSaturated), stream(sum.word), stream(squares.word), stream(min), stream(max);
-            stream(powers), stream(counts), stream(values), stream(search);
+            stream(figures), stream(powers), stream(counts), stream(values), stream(search);
         }
     };
 
@@ -305,17 +293,15 @@ struct DescribeModel
             return;
         }
         const Wanted wanted{options, type};
-        withPixelType(type, [&]<class T>(std::type_identity<T>) {
-            addFigures<T>(wanted, piece, part);
-            if (wanted.powers) {
-                addPowers<T>(piece, part.powers);
-            }
-        });
-        if ((wanted.counts || wanted.ranks) && !std::isnan(part.min.value)) {
+        part.figures.add(piece, wanted.saturated);
+        if (wanted.powers) {
+            withPixelType(type, [&]<class T>(std::type_identity<T>) { addPowers<T>(piece, part.powers); });
+        }
+        if ((wanted.counts || wanted.ranks) && !std::isnan(part.figures.min.value)) {
             if (!part.counter) {
                 part.counter = std::make_shared<ValueCounter>(type);
             }
-            part.counter->add(piece, part.min.value, part.max.value);
+            part.counter->add(piece, part.figures.min.value, part.figures.max.value);
         }
         if (wanted.values) {
             if (!part.valueCounter) {
@@ -344,15 +330,7 @@ struct DescribeModel
             into.search.merge(from.search);
             return;
         }
-        into.nbNumbers += from.nbNumbers;
-        into.nbNaN += from.nbNaN;
-        into.nbPositiveInfinity += from.nbPositiveInfinity;
-        into.nbNegativeInfinity += from.nbNegativeInfinity;
-        into.nbSaturated += from.nbSaturated;
-        imaproc::add(into.sum, from.sum);
-        imaproc::add(into.squares, from.squares);
-        replace(into.min, from.min, std::less<>{});
-        replace(into.max, from.max, std::greater<>{});
+        into.figures.combine(from.figures);
         imaproc::add(into.powers.cubes, from.powers.cubes);
         imaproc::add(into.powers.fourths, from.powers.fourths);
         into.counts.merge(from.counts);
@@ -361,13 +339,13 @@ struct DescribeModel
 
     static bool needsPass(const Options& options, const PixelTypeList& types, const Part& part)
     {
-        return !types.empty() && Wanted{options, types[0]}.ranks && part.nbNumbers != 0 &&
-               part.min.value != part.max.value && !part.search.isComplete();
+        return !types.empty() && Wanted{options, types[0]}.ranks && part.figures.nbNumbers != 0 &&
+               part.figures.min.value != part.figures.max.value && !part.search.isComplete();
     }
 
     static void nextPass(const Options& options, const PixelTypeList&, Part& part)
     {
-        const std::vector<std::uint64_t> ranks = listRanks(options, part.nbNumbers);
+        const std::vector<std::uint64_t> ranks = listRanks(options, part.figures.nbNumbers);
         if (part.search.nbKnownBits() == 0) {
             part.search.start(part.counts, ranks);
         } else {
@@ -386,25 +364,25 @@ struct DescribeModel
 
     static Result finish(const Options& options, const PixelTypeList& types, const Part& part, const ResultPlace& place)
     {
-        if (options.nan == NanPolicy::Fail && part.nbNaN != 0) {
-            throw MeasureException{std::to_string(part.nbNaN) + " pixels are NaN", ORLIX_HERE};
+        if (options.nan == NanPolicy::Fail && part.figures.nbNaN != 0) {
+            throw MeasureException{std::to_string(part.figures.nbNaN) + " pixels are NaN", ORLIX_HERE};
         }
         const auto type = types.empty() ? eImageBufferType::eIBT_UInt8 : types[0];
         Result result;
-        result.NbPixels = part.nbNumbers;
-        result.NbNaN = part.nbNaN;
-        result.NbPositiveInfinity = part.nbPositiveInfinity;
-        result.NbNegativeInfinity = part.nbNegativeInfinity;
-        result.NbSaturated = part.nbSaturated;
+        result.NbPixels = part.figures.nbNumbers;
+        result.NbNaN = part.figures.nbNaN;
+        result.NbPositiveInfinity = part.figures.nbPositiveInfinity;
+        result.NbNegativeInfinity = part.figures.nbNegativeInfinity;
+        result.NbSaturated = part.figures.nbSaturated;
         finishMoments(options, type, part, result);
-        result.Min = part.min.value;
-        result.Max = part.max.value;
-        if (part.nbNumbers != 0) {
-            result.MinPosition = place.list(part.min.at);
-            result.MaxPosition = place.list(part.max.at);
+        result.Min = part.figures.min.value;
+        result.Max = part.figures.max.value;
+        if (part.figures.nbNumbers != 0) {
+            result.MinPosition = place.list(part.figures.min.at);
+            result.MaxPosition = place.list(part.figures.max.at);
         }
         finishCounts(options, type, part, result);
-        if (options.nan == NanPolicy::Propagate && part.nbNaN != 0) {
+        if (options.nan == NanPolicy::Propagate && part.figures.nbNaN != 0) {
             propagate(result);
         }
         return result;
@@ -424,68 +402,6 @@ struct DescribeModel
     }
 
 private:
-    template <class T>
-    static void addFigures(const Wanted& wanted, const Piece& piece, Part& part)
-    {
-        DescribeFigures figures{};
-        figures.min = part.min.value; // what is found lies behind it: pieces enter in their order
-        figures.max = part.max.value;
-        figures.countsSaturated = wanted.saturated;
-        constexpr std::size_t nowhere = std::numeric_limits<std::size_t>::max();
-        std::size_t minAt = nowhere;
-        std::size_t maxAt = nowhere;
-        forEachRun<T>(piece, getDescribeKernels(), getDescribeMaskKernels(), [&](auto kernel, auto run, std::size_t i) {
-            figures.minBlock = figures.maxBlock = nullptr;
-            kernel(run, figures);
-            const auto find = [&](const void* block, std::size_t& at) {
-                if (block != nullptr) {
-                    at = i * piece.runSize + static_cast<std::size_t>(static_cast<const T*>(block) - run.pixels);
-                }
-            };
-            find(figures.minBlock, minAt);
-            find(figures.maxBlock, maxAt);
-        });
-        part.nbNumbers += figures.nbNumbers;
-        part.nbNaN += figures.nbNaN;
-        part.nbPositiveInfinity += figures.nbPositiveInfinity;
-        part.nbNegativeInfinity += figures.nbNegativeInfinity;
-        part.nbSaturated += figures.nbSaturated;
-        imaproc::add(part.sum, figures.sum);
-        imaproc::add(part.squares, figures.squares);
-        if (minAt != nowhere) {
-            part.min = {figures.min + 0.0, findFirst<T>(piece, minAt, figures.min)}; // of both zeros one
-        }
-        if (maxAt != nowhere) {
-            part.max = {figures.max + 0.0, findFirst<T>(piece, maxAt, figures.max)};
-        }
-    }
-
-    /// The first pixel of a value from pixel `at` on, in the run where that is.
-    template <class T>
-    static Position findFirst(const Piece& piece, std::size_t at, double value)
-    {
-        const std::size_t run = at / piece.runSize;
-        const T* const pixels = piece.images[0].run<T>(run, piece.runSize);
-        const std::uint8_t* const mask = piece.maskRun(run);
-        const auto wanted = static_cast<T>(value);
-        std::size_t i = at % piece.runSize;
-        constexpr std::size_t group = 256 / sizeof(T); // looked through without a question at each pixel
-        const auto isInGroup = [&] {
-            Unsigned<T> found = 0; // as wide as a pixel, so that the compiler compares many at a time
-            for (std::size_t k = 0; k < group; ++k) {
-                found |= static_cast<Unsigned<T>>(pixels[i + k] == wanted);
-            }
-            return found != 0;
-        };
-        while (mask == nullptr && i + group <= piece.runSize && !isInGroup()) {
-            i += group;
-        }
-        while (pixels[i] != wanted || (mask != nullptr && mask[i] == 0)) {
-            ++i;
-        }
-        return piece.positionOf(run * piece.runSize + i);
-    }
-
     template <class T>
     static void addPowers(const Piece& piece, PowerSums& sums)
     {
@@ -519,25 +435,25 @@ private:
 
     static void finishMoments(const Options& options, eImageBufferType type, const Part& part, Result& result)
     {
-        const std::uint64_t nbInfinite = part.nbPositiveInfinity + part.nbNegativeInfinity;
+        const std::uint64_t nbInfinite = part.figures.nbPositiveInfinity + part.figures.nbNegativeInfinity;
         const bool isFourth = options.moments > 2;
-        if (part.nbNumbers == 0 || nbInfinite != 0) {
-            const bool isSigned = part.nbNumbers != 0 && nbInfinite == part.nbPositiveInfinity;
-            result.Sum = part.nbNumbers == 0                     ? 0
-                         : isSigned                              ? infinity
-                         : nbInfinite == part.nbNegativeInfinity ? -infinity
-                                                                 : nan;
-            result.Mean = part.nbNumbers == 0 ? nan : result.Sum;
+        if (part.figures.nbNumbers == 0 || nbInfinite != 0) {
+            const bool isSigned = part.figures.nbNumbers != 0 && nbInfinite == part.figures.nbPositiveInfinity;
+            result.Sum = part.figures.nbNumbers == 0                     ? 0
+                         : isSigned                                      ? infinity
+                         : nbInfinite == part.figures.nbNegativeInfinity ? -infinity
+                                                                         : nan;
+            result.Mean = part.figures.nbNumbers == 0 ? nan : result.Sum;
             result.Variance = result.StdDev = nan;
             if (isFourth) {
                 result.Skewness = result.Kurtosis = nan;
             }
             return;
         }
-        const int unit = isFloatType(type) ? floatUnit : 0;
-        const Integer n = part.nbNumbers;
-        const Integer sum = toInteger(part.sum);
-        const Integer squares = toInteger(part.squares);
+        const int unit = Figures::getUnit(type);
+        const Integer n = part.figures.nbNumbers;
+        const Integer sum = toInteger(part.figures.sum);
+        const Integer squares = toInteger(part.figures.squares);
         const Integer deviations = n * squares - sum * sum; // n^2 times the variance
         const Integer divisor = n * (n - options.ddof);
         result.Sum = roundQuotient(sum, 1, unit);
@@ -569,11 +485,11 @@ private:
         if (!options.percentiles.empty()) {
             RankSearch search = part.search;
             if (search.nbKnownBits() != 0) {
-                search.next(listRanks(options, part.nbNumbers));
+                search.next(listRanks(options, part.figures.nbNumbers));
             }
             const auto pixelOf = [&](std::uint64_t rank) {
-                if (part.min.value == part.max.value) {
-                    return part.min.value;
+                if (part.figures.min.value == part.figures.max.value) {
+                    return part.figures.min.value;
                 }
                 if (wanted.ranks) {
                     return valueOf(search.find(rank), type);
@@ -588,10 +504,10 @@ private:
                 throw MeasureException{"the counts of the state are not those of its pixels", ORLIX_HERE};
             };
             const auto percentile = [&](double percent, PercentileDefinition definition) {
-                if (part.nbNumbers == 0) {
+                if (part.figures.nbNumbers == 0) {
                     return nan;
                 }
-                const Place at{percent, part.nbNumbers, definition};
+                const Place at{percent, part.figures.nbNumbers, definition};
                 const double lower = pixelOf(at.lower);
                 return at.part == 0 ? lower : interpolate(lower, pixelOf(at.upper), at.part);
             };
@@ -607,8 +523,9 @@ private:
             }
         }
         if (options.entropy != EntropyPolicy::Never && (isSmall(type) || wanted.values)) {
-            result.Entropy =
-                part.nbNumbers == 0 ? nan : getEntropy(isSmall(type) ? part.counts : part.values, part.nbNumbers);
+            result.Entropy = part.figures.nbNumbers == 0
+                                 ? nan
+                                 : getEntropy(isSmall(type) ? part.counts : part.values, part.figures.nbNumbers);
         }
     }
 
