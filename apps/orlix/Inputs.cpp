@@ -250,13 +250,13 @@ files::ReaderPtr openLabels(const Options& options)
     files::OpenOptions how = options.open;
     how.scaled = false;
     how.as.reset();
-    files::ReaderPtr reader = openMask(options.image, how);
-    const files::StoredType type = reader->getFacts().type;
+    files::OpenOptions look = how;
+    look.listsSeries = true; // an image of any type
+    const files::StoredType type = openMask(options.image, look)->getFacts().type;
     if (type == files::StoredType::Int64 || type == files::StoredType::UInt64) {
         how.as = type == files::StoredType::Int64 ? eImageBufferType::eIBT_Int32 : eImageBufferType::eIBT_UInt32;
-        reader = openMask(options.image, how);
     }
-    return reader;
+    return openMask(options.image, how);
 }
 
 /// Which part of the image it is, where it is not the whole.

@@ -260,7 +260,7 @@ void addIntegers(const T* pixels, const LabelRun& run, RegionImage& image)
         max = std::max(max, pixels[i]);
         sum += x;
         products += x * static_cast<std::int64_t>(i);
-        squares += static_cast<Square>(x * x);
+        squares += static_cast<Square>(x) * static_cast<Square>(x); // right for negative pixels, too
     }
     image.min = std::min<double>(image.min, min);
     image.max = std::max<double>(image.max, max);
