@@ -16,7 +16,9 @@ using image::eImageBufferType;
 void ValueCounts::merge(const ValueCounts& other)
 {
     if (entries_.empty() || other.entries_.empty()) {
-        entries_ = entries_.empty() ? other.entries_ : entries_;
+        if (entries_.empty()) {
+            entries_ = other.entries_;
+        }
         return;
     }
     std::vector<Entry> merged;

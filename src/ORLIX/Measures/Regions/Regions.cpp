@@ -591,8 +591,8 @@ private:
 
     static void mergeRegions(std::vector<Region>& into, std::vector<Region> from)
     {
-        if (into.empty() || from.empty()) {
-            into = into.empty() ? std::move(from) : std::move(into);
+        if (into.empty()) {
+            into = std::move(from);
             return;
         }
         std::vector<Region> merged;
