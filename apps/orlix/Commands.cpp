@@ -196,6 +196,12 @@ const Difference& findDifference(const std::string& verb)
     return found == std::end(differences) ? none : *found;
 }
 
+/// What makes a table of a report of the measure with this entry function.
+void (*findPrinter(const std::string& function))(Report&)
+{
+    return findDifference(function.starts_with("histogram") ? "histogram" : function).forPeople;
+}
+
 /// What can be run: a verb of its own, or a measure.
 struct Verb
 {
@@ -216,7 +222,14 @@ struct Verb
     Report run(const Options& options) const
     {
         const auto run = measure.state != nullptr ? runState : isProjection() ? runProject : runMeasure;
-        return own != nullptr ? own->run(options) : run(measure, options);
+        if (own != nullptr) {
+            return own->run(options);
+        }
+        Report report = run(measure, options);
+        if (!options.saveState.empty() && measure.state == nullptr) {
+            saveHistograms(report, options);
+        }
+        return report;
     }
 };
 
@@ -464,7 +477,7 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
             ->type_name("STATE")
             ->group("States");
     }
-    if (verb.measure.state != nullptr || verb.name == "merge") {
+    if (verb.measure.state != nullptr || verb.name == "merge" || verb.name == "histogram") {
         command
             .add_option("--save-state", options.saveState, "write a state that orlix merge takes, instead of a result")
             ->type_name("FILE")
@@ -792,7 +805,7 @@ int runVerb(const Verb& verb, const Options& options, std::ostream& output, cons
             printNotes(report, options, complain);
             // What is merged is printed as its measure prints it.
             const auto forPeople = verb.name == "info"    ? nullptr
-                                   : verb.name == "merge" ? findDifference(report.measure).forPeople
+                                   : verb.name == "merge" ? findPrinter(report.measure)
                                                           : difference.forPeople;
             ReportPrinter printer{stream, form, forPeople, false};
             printer.print(std::move(report));

@@ -364,6 +364,11 @@ Report describeFile(const Options& options)
     return report;
 }
 
+image::ImageGeometry readSize(const Options& options)
+{
+    return open(options.image, options, options.open)->getFacts().geometry;
+}
+
 Inputs::Inputs(const Options& options, bool takesBinary)
 {
     files::OpenOptions how = options.open;

@@ -20,6 +20,9 @@ files::Part parsePart(const std::string& plane, const std::string& region);
 /// What an image says of itself, without its pixels, and of several the first one.
 Report describeFile(const Options& options);
 
+/// The size of the image, before any part is cut out of it.
+image::ImageGeometry readSize(const Options& options);
+
 /// The images of one result, with what a report says of them.
 struct Inputs
 {

@@ -5,6 +5,7 @@
 #include <orlix/Inputs.hpp>
 
 #include <ORLIX/Measures/Describe.hpp>
+#include <framework/process/StateBytes.hpp>
 
 #include <algorithm>
 #include <fstream>
@@ -86,6 +87,15 @@ std::string readFile(const std::string& path)
     return bytes.str();
 }
 
+std::string getVerb(const std::string& path)
+{
+    try {
+        return getVerbOfState(readFile(path));
+    } catch (const MeasureException& error) {
+        throw FileError{path + ": " + error.what()};
+    }
+}
+
 StatePtr readState(const std::string& path)
 {
     const std::string bytes = readFile(path);
@@ -96,7 +106,7 @@ StatePtr readState(const std::string& path)
                 return measure.state->entry.read(bytes);
             }
         }
-        throw FileError{path + ": it is a state of " + verb + ", which is no measure here"};
+        throw FileError{path + ": it is a state of " + verb + ": states that merge are of one measure"};
     } catch (const MeasureException& error) {
         throw FileError{path + ": " + error.what()};
     }
@@ -146,6 +156,37 @@ StatePtr makeState(const Measure& measure, const Options& options)
     return state;
 }
 
+/// What is read of an image, of which a state is made, and what of that enters it: a state that looks at neighbours has
+/// them read, too.
+std::pair<Options, std::optional<Extent>> widenPart(const Options& options, std::uint64_t margin)
+{
+    Options wide = options;
+    const bool isCut = !options.region.empty();
+    if (margin == 0 || !isCut || options.saveState.empty()) {
+        return {wide, std::nullopt};
+    }
+    const image::ImageGeometry size = readSize(options);
+    Extent core{{}, {size.x, size.y, size.z, size.c, size.t}};
+    const auto place = [&](const files::Range& range, std::uint64_t Position::*side) {
+        core.begin.*side = range.begin;
+        core.end.*side = std::min<std::uint64_t>(range.end, core.end.*side);
+    };
+    place(options.part.x, &Position::x);
+    place(options.part.y, &Position::y);
+    place(options.part.z, &Position::z);
+    place(options.part.c, &Position::c);
+    place(options.part.t, &Position::t);
+    const auto widen = [&](files::Range& range, std::size_t whole) {
+        if (range.begin < range.end && (range.end <= whole || range.end == files::Range{}.end)) {
+            range.begin -= std::min<std::size_t>(range.begin, margin);
+            range.end = std::min(whole, std::min(range.end, whole) + margin);
+        }
+    };
+    widen(wide.part.x, size.x);
+    widen(wide.part.y, size.y);
+    return {wide, core};
+}
+
 } // namespace
 
 Report runState(const Measure& measure, const Options& options)
@@ -154,6 +195,7 @@ Report runState(const Measure& measure, const Options& options)
     std::vector<ImageView> images;
     ImageView mask;
     files::Position at;
+    std::optional<Extent> core;
     Report report;
     if (measure.forms.front().inputs.back().isList) {
         LabelledInputs inputs{options};
@@ -162,7 +204,9 @@ Report runState(const Measure& measure, const Options& options)
         at = inputs.origin;
         report = std::move(inputs.report);
     } else {
-        Inputs inputs{options};
+        const auto [read, wideCore] = widenPart(options, state->getMargin());
+        Inputs inputs{read};
+        core = wideCore;
         images = {inputs.image};
         if (inputs.image2) {
             images.emplace_back(inputs.image2);
@@ -173,14 +217,92 @@ Report runState(const Measure& measure, const Options& options)
     }
     report.measure = measure.verb;
     do {
-        state->add(images, mask, {at.x, at.y, at.z, at.c, at.t}, {});
+        state->add(images, mask, {at.x, at.y, at.z, at.c, at.t}, core);
     } while (options.saveState.empty() && state->nextPass());
     finish(*state, options, report);
     return report;
 }
 
+namespace
+{
+
+constexpr const char* histogramVerb = "histogram";
+
+/// What makes two histograms those of one plan, volume or image.
+Json getPlace(const Json& row)
+{
+    Json place = Json::object();
+    for (const char* const axis : {"t", "c", "z"}) {
+        if (row.contains(axis)) {
+            place[axis] = row[axis];
+        }
+    }
+    return place;
+}
+
+void mergeHistogram(Json& into, const Json& from, const std::string& path)
+{
+    for (const char* const bound : {"Min", "Max", "BinWidth"}) {
+        if (into[bound] != from[bound]) {
+            throw FileError{path + ": its classes are others: measure all pieces with one --min, --max and --classes"};
+        }
+    }
+    for (std::size_t i = 0; i < into["Frequencies"].size(); ++i) {
+        into["Frequencies"][i] =
+            into["Frequencies"][i].get<std::uint64_t>() + from["Frequencies"].at(i).get<std::uint64_t>();
+    }
+}
+
+Report mergeHistograms(const Options& options)
+{
+    Report report;
+    std::map<Json, Json> merged; // by place: t, c, z
+    for (const std::string& path : options.images) {
+        const std::string bytes = readFile(path);
+        std::string verb;
+        Json content;
+        try {
+            const std::string_view text = unwrapState(bytes, verb);
+            content = verb == histogramVerb ? Json::parse(text) : Json{};
+        } catch (const MeasureException& error) {
+            throw FileError{path + ": " + error.what()};
+        }
+        if (verb != histogramVerb || (!report.measure.empty() && content["measure"] != report.measure)) {
+            throw FileError{path + ": states that merge are of one measure, with the same options: this one is of " +
+                            (verb == histogramVerb ? content["measure"].get<std::string>() : verb)};
+        }
+        report.measure = content["measure"];
+        for (Json& row : content["results"]) {
+            const auto [place, isNew] = merged.try_emplace(getPlace(row), row);
+            if (!isNew) {
+                mergeHistogram(place->second, row, path);
+            }
+        }
+    }
+    for (auto& [place, row] : merged) {
+        report.results.push_back(std::move(row));
+    }
+    return report;
+}
+
+} // namespace
+
+void saveHistograms(Report& report, const Options& options)
+{
+    const Json content = {{"measure", report.measure}, {"results", report.results}};
+    files::writeText(options.saveState, wrapState(histogramVerb, content.dump()));
+    report.isSilent = true;
+}
+
 Report runMerge(const Options& options)
 {
+    if (getVerb(options.images.front()) == histogramVerb) {
+        Report report = mergeHistograms(options);
+        if (!options.saveState.empty()) {
+            saveHistograms(report, options);
+        }
+        return report;
+    }
     StatePtr merged;
     for (const std::string& path : options.images) {
         StatePtr state = readState(path);

@@ -10,6 +10,8 @@ namespace orlix::app
 {
 
 Report runState(const imaproc::Measure& measure, const Options& options);
+/// Saves a report of histograms as a state, which has no more in it.
+void saveHistograms(Report& report, const Options& options);
 /// Merges the states of files, and finishes or saves what they make.
 Report runMerge(const Options& options);
 
