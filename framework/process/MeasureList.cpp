@@ -100,6 +100,9 @@ bool MeasureForm::needsMask() const
 
 Ptr<BaseProcessor> MeasureForm::create() const
 {
+    if (processorClass == nullptr) {
+        throw core::BaseException{function + " has no processor: Measure::state makes its state", ORLIX_HERE};
+    }
     Ptr<BaseProcessor> processor = processorClass->getCreators().processor();
     (void)processor->init(eProcessorRulePolicy::eRP_CheckRules);
     return processor;

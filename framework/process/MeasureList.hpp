@@ -41,7 +41,7 @@ struct ORLIX_API MeasureForm
 
     bool takesMask() const;
     bool needsMask() const;
-    /// A level 1 processor, ready for its inputs.
+    /// A level 1 processor, ready for its inputs. Throws BaseException if the measure is a state.
     Ptr<BaseProcessor> create() const;
 };
 

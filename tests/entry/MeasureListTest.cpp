@@ -39,8 +39,14 @@ TEST(MeasureList, HasEveryMeasureOnce)
         SCOPED_TRACE(measure.verb);
         EXPECT_FALSE(measure.name.empty() || measure.help.empty() || measure.forms.empty());
         for (const MeasureForm& form : measure.forms) {
-            listed.insert(form.create()->getClassName());
             EXPECT_FALSE(form.inputs.empty());
+            if (measure.state == nullptr) {
+                listed.insert(form.create()->getClassName());
+            }
+        }
+        if (measure.state != nullptr) {
+            EXPECT_EQ(measure.state->entry.create({})->getMeasure().verb, measure.verb);
+            EXPECT_THROW((void)measure.forms[0].create(), core::BaseException);
         }
         for (const data::FieldInfo& field : measure.fields) {
             EXPECT_STRNE(field.help, "") << field.name;

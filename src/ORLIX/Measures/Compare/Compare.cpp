@@ -438,8 +438,8 @@ private:
             imaproc::add(part.sum[k], f.sum[k]);
             imaproc::add(part.coincident[k], f.coincident[k]);
             imaproc::add(part.squares[k], f.squares[k]);
-            part.min[k] = std::min(part.min[k], f.min[k]);
-            part.max[k] = std::max(part.max[k], f.max[k]);
+            part.min[k] = std::min(part.min[k], f.min[k] + 0.0); // of both zeros one
+            part.max[k] = std::max(part.max[k], f.max[k] + 0.0);
         }
         imaproc::add(part.larger, f.larger);
         imaproc::add(part.products, f.products);

@@ -132,6 +132,11 @@ struct RegionImage
         stream(values);
     }
 
+    void extend(double lowest, double highest)
+    {
+        min = std::min(min, lowest + 0.0); // of both zeros one
+        max = std::max(max, highest + 0.0);
+    }
     /// Gets ready for sums of a unit.
     void prepare(int unit)
     {
@@ -262,8 +267,7 @@ void addIntegers(const T* pixels, const LabelRun& run, RegionImage& image)
         products += x * static_cast<std::int64_t>(i);
         squares += static_cast<Square>(x) * static_cast<Square>(x); // right for negative pixels, too
     }
-    image.min = std::min<double>(image.min, min);
-    image.max = std::max<double>(image.max, max);
+    image.extend(min, max);
     enter(image, 0, {sum, static_cast<Int128>(squares), products}, run.at);
 }
 
@@ -274,8 +278,7 @@ void addFloat(float x, const Coordinates& at, RegionImage& image)
         ++image.nbNaN;
         return;
     }
-    image.min = std::min<double>(image.min, x);
-    image.max = std::max<double>(image.max, x);
+    image.extend(x, x);
     if (std::isinf(x)) {
         ++(x > 0 ? image.nbPositiveInfinity : image.nbNegativeInfinity);
         return;
@@ -317,8 +320,7 @@ void addFloats(const float* pixels, const LabelRun& run, RegionImage& image)
         }
         return;
     }
-    image.min = std::min<double>(image.min, min);
-    image.max = std::max<double>(image.max, max);
+    image.extend(min, max);
     if (greatest == 0) {
         return;
     }
@@ -623,8 +625,8 @@ private:
         const bool isUnknown = n == 0 || (options.nan == NanPolicy::Propagate && image.nbNaN != 0);
         const Integer sum = toInteger(image.sum);
         figures.NbNaN.push_back(image.nbNaN);
-        figures.Min.push_back(isUnknown ? nan : image.min + 0.0);
-        figures.Max.push_back(isUnknown ? nan : image.max + 0.0);
+        figures.Min.push_back(isUnknown ? nan : image.min);
+        figures.Max.push_back(isUnknown ? nan : image.max);
         if (isUnknown || nbInfinite != 0) {
             const double total = isUnknown || (image.nbPositiveInfinity != 0 && image.nbNegativeInfinity != 0) ? nan
                                  : image.nbPositiveInfinity != 0 ? infinity
