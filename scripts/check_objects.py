@@ -44,8 +44,8 @@ def check_exports(path):
 def main():
     build = pathlib.Path(sys.argv[1])
     kernels = [p for p in build.glob("src/**/*.o") if re.search(r"Kernels_(?!generic)[a-z0-9]+\.cpp\.o$", p.name)]
-    libraries = [*build.glob("src/lib*.so"), *build.glob("framework/lib*.so")]
-    if not kernels or len(libraries) != 2:
+    libraries = [*build.glob("src/**/lib*.so"), *build.glob("framework/lib*.so")]
+    if not kernels or len(libraries) != 3:
         sys.exit(f"{build} holds {len(kernels)} kernel objects and {len(libraries)} libraries: is it built?")
     faults = []
     for path in kernels:
