@@ -158,7 +158,7 @@ constexpr Difference differences[] = {
      .gpuHelp = "what GPU there is, instead of an image",
      .forPeople = &listFacts},
     {.verb = "measures", .example = "measures", .forPeople = &listNames},
-    {.verb = "merge", .example = "merge samples/cells-*.state"},
+    {.verb = "merge", .example = "merge first.state second.state"},
     {.verb = "describe", .example = "describe samples/cells.tif --percentiles 5,95", .forPeople = &listFigures},
     {.verb = "compare", .example = "compare samples/cells.tif samples/labels.tif", .forPeople = &listFigures},
     {.verb = "regions", .example = "regions samples/labels.tif samples/cells.tif"},
