@@ -150,7 +150,8 @@ void listFigures(Report& report)
     if (report.results.size() > 1) {
         for (Json& row : report.results) {
             Json kept = Json::object();
-            for (const char* const field : {"z", "c", "t", "NbPixels", "Mean", "StdDev", "Min", "Median", "Max"}) {
+            for (const char* const field : {"z", "c", "t", "NbPixels", "Mean", "StdDev", "Min", "Median", "Max", "RMSE",
+                                            "MaxAbsError", "PSNR", "r", "NMI", "SSIM"}) {
                 if (row.contains(field)) {
                     kept[field] = row[field];
                 }
