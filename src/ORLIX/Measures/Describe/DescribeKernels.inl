@@ -235,7 +235,7 @@ struct FloatBlock
             nan.add(selection & (bits > infinityBits));
             positive.add(selection & ((Bits)x == infinityBits));
             negative.add(selection & (bits == infinityBits) & ((Bits)x < 0));
-            greatest = maximum(selection & (bits < infinityBits) ? bits : Bits{}, greatest);
+            greatest = maximum((Selection)(selection & (bits < infinityBits)) ? bits : Bits{}, greatest);
         });
         const std::uint64_t nbNaN = nan.flush();
         f.nbNaN += nbNaN;
@@ -251,7 +251,7 @@ struct FloatBlock
             forEachPack([&](std::size_t k, Floats x, Selection selection) __attribute__((always_inline)) {
                 const Bits bits = magnitudeBits(x);
                 const Floats counting = keep((Selection)(selection & (bits < limit) & (bits >= least)), x);
-                greatest = maximum(selection & (bits < least) ? bits : Bits{}, greatest);
+                greatest = maximum((Selection)(selection & (bits < least)) ? bits : Bits{}, greatest);
                 sums.add(2 * k, toDoubles<D, false>(counting));
                 sums.add(2 * k + 1, toDoubles<D, true>(counting));
             });
