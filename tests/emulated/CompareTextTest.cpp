@@ -54,13 +54,15 @@ TEST(EmulatedCompare, IsThatOfOtherDomains)
     const auto mask = makeMask(MaskPattern::Half, PairBlock::size);
     for (const std::size_t size : {5ul, 1000ul, PairBlock::size}) {
         const auto others = randomValues<float>(size, 3);
-        for (auto [name, pixels] : makeHardPixels<float>(size)) {
+        for (auto hard : makeHardPixels<float>(size)) {
+            const std::string& name = hard.name;
+            auto& pixels = hard.pixels;
             SCOPED_TRACE(name);
             pixels[size / 3] = std::numeric_limits<float>::quiet_NaN();
             pixels[size / 5] = std::numeric_limits<float>::infinity();
             for (const bool isMasked : {false, true}) {
-                const auto fill = [&, &all = pixels](PairBlock& block) {
-                    readFloats<float, Domain::eIS_AVX512>(all.data(), size, block.pixels[0]);
+                const auto fill = [&](PairBlock& block) {
+                    readFloats<float, Domain::eIS_AVX512>(pixels.data(), size, block.pixels[0]);
                     readFloats<float, Domain::eIS_AVX512>(others.data(), size, block.pixels[1]);
                     block.from[0] = block.pixels[0];
                     block.from[1] = block.pixels[1];
@@ -81,7 +83,7 @@ TEST(EmulatedCompare, IsThatOfOtherDomains)
                     for (const unsigned short word : words) {
                         small.push_back(static_cast<unsigned short>(word / 3));
                     }
-                    readWords<unsigned short, Domain::eIS_AVX512>(small.data(), size, bias, block.words[k]);
+                    readWords<unsigned short, Domain::eIS_AVX512>(smpixels.data(), size, bias, block.words[k]);
                 }
                 block.bias = bias;
                 std::copy_n(mask.data(), size, block.counts);

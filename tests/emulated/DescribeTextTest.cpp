@@ -67,7 +67,9 @@ TYPED_TEST(EmulatedDescribe, IsThatOfOtherDomains)
 {
     using T = TypeParam;
     for (const std::size_t size : {1, 33, 5003}) {
-        for (auto [name, pixels] : makeHardPixels<T>(size)) {
+        for (auto hard : makeHardPixels<T>(size)) {
+            const std::string& name = hard.name;
+            auto& pixels = hard.pixels;
             SCOPED_TRACE(name);
             if constexpr (std::is_same_v<T, float>) {
                 pixels[size / 2] = std::numeric_limits<float>::quiet_NaN();

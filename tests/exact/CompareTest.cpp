@@ -118,9 +118,13 @@ TYPED_TEST(Compare, GivesTheNearestDoubles)
     using T = TypeParam;
     constexpr std::size_t size = 1311;
     const auto mask = makeMask(MaskPattern::Half, size);
-    for (const auto& [name, pixels] : makeHardPixels<T>(size)) {
-        image::forEachPixelType([&, &name = name, &pixels = pixels]<class U>(std::type_identity<U>) {
-            for (const auto& [name2, pixels2] : makeHardPixels<U>(size)) {
+    for (const auto& hard : makeHardPixels<T>(size)) {
+        const std::string& name = hard.name;
+        const auto& pixels = hard.pixels;
+        image::forEachPixelType([&]<class U>(std::type_identity<U>) {
+            for (const auto& hard2 : makeHardPixels<U>(size)) {
+                const std::string& name2 = hard2.name;
+                const auto& pixels2 = hard2.pixels;
                 if (name2 != "random" && name2 != name) {
                     continue;
                 }

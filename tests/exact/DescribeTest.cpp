@@ -90,7 +90,9 @@ TYPED_TEST(Describe, GivesTheNearestDoubles)
 {
     using T = TypeParam;
     for (const std::size_t size : {1, 37, 2500}) {
-        for (const auto& [name, pixels] : makeHardPixels<T>(size)) {
+        for (const auto& hard : makeHardPixels<T>(size)) {
+            const std::string& name = hard.name;
+            const auto& pixels = hard.pixels;
             SCOPED_TRACE(name + ", " + std::to_string(size));
             const auto image = makeImage<T>({size, 1}, pixels);
             const std::vector<Rational> exact = toRationals(pixels);
@@ -151,7 +153,9 @@ TYPED_TEST(Describe, CountsOnlyInsideTheMask)
 TYPED_TEST(Describe, FindsPercentiles)
 {
     using T = TypeParam;
-    for (const auto& [name, pixels] : makeHardPixels<T>(70001)) {
+    for (const auto& hard : makeHardPixels<T>(70001)) {
+        const std::string& name = hard.name;
+        const auto& pixels = hard.pixels;
         SCOPED_TRACE(name);
         auto sorted = pixels;
         std::sort(sorted.begin(), sorted.end());

@@ -49,7 +49,9 @@ TYPED_TEST(RegionsOf, AreWhatTheirPixelsSay)
 {
     using T = TypeParam;
     const auto labels = makeLabels<int>(-300000000 / 4);
-    for (const auto& [name, pixels] : makeHardPixels<T>(size.nbPixels())) {
+    for (const auto& hard : makeHardPixels<T>(size.nbPixels())) {
+        const std::string& name = hard.name;
+        const auto& pixels = hard.pixels;
         SCOPED_TRACE(name);
         std::map<std::int64_t, Expected> expected;
         for (std::size_t i = 0; i < labels.size(); ++i) {

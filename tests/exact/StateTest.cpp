@@ -106,26 +106,25 @@ TYPED_TEST_SUITE(States, PixelTypes);
 TYPED_TEST(States, HaveTheSameBytesHoweverTheyAreCut)
 {
     using T = TypeParam;
-    for (const auto& [name, pixels] : makeHardPixels<T>(size.nbPixels())) {
+    for (const auto& hard : makeHardPixels<T>(size.nbPixels())) {
+        const std::string& name = hard.name;
+        const auto& pixels = hard.pixels;
         for (const Per per : {Per::Image, Per::Plan}) {
             SCOPED_TRACE(name);
-            const auto addTo = [&, &all = pixels](auto& state, const Extent& part) {
-                state.add(cut(all, part), {}, part.begin);
-            };
+            const auto addTo = [&](auto& state, const Extent& part) { state.add(cut(pixels, part), {}, part.begin); };
             expectSameBytes<DescribeState>({.per = per, .moments = 4, .entropy = EntropyPolicy::Always}, addTo);
             expectSameBytes<ThresholdState>({.per = per}, addTo);
         }
         const auto other = randomValues<unsigned short>(size.nbPixels());
-        expectSameBytes<CompareState>({.peak = 255, .bins = 16, .ssim = false},
-                                      [&, &all = pixels](auto& state, const Extent& part) {
-                                          state.add(cut(all, part), cut(other, part), {}, part.begin);
-                                      });
+        expectSameBytes<CompareState>({.peak = 255, .bins = 16, .ssim = false}, [&](auto& state, const Extent& part) {
+            state.add(cut(pixels, part), cut(other, part), {}, part.begin);
+        });
         std::vector<int> labels(size.nbPixels());
         for (std::size_t i = 0; i < labels.size(); ++i) {
             labels[i] = static_cast<int>(i / 11 % 5) * 1000000 - 1000000;
         }
-        expectSameBytes<RegionsState>({.median = true}, [&, &all = pixels](auto& state, const Extent& part) {
-            state.add(cut(labels, part), {cut(all, part), cut(other, part)}, part.begin);
+        expectSameBytes<RegionsState>({.median = true}, [&](auto& state, const Extent& part) {
+            state.add(cut(labels, part), {cut(pixels, part), cut(other, part)}, part.begin);
         });
     }
 }

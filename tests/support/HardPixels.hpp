@@ -3,24 +3,30 @@
 #include <support/TestImages.hpp>
 
 #include <string>
-#include <utility>
 
 namespace orlix::test
 {
 
+template <class T>
+struct HardPixels
+{
+    std::string name;
+    std::vector<T> pixels;
+};
+
 /// Pixels that sums in doubles get wrong: of integers the extremes, of floats what the literature on sums is made of.
 template <class T>
-std::vector<std::pair<std::string, std::vector<T>>> makeHardPixels(std::size_t size)
+std::vector<HardPixels<T>> makeHardPixels(std::size_t size)
 {
-    std::vector<std::pair<std::string, std::vector<T>>> images;
+    std::vector<HardPixels<T>> images;
     const auto add = [&](const char* name, auto pixelOf) {
         std::vector<T> pixels(size);
         for (std::size_t i = 0; i < size; ++i) {
             pixels[i] = static_cast<T>(pixelOf(i));
         }
-        images.emplace_back(name, std::move(pixels));
+        images.push_back({name, std::move(pixels)});
     };
-    images.emplace_back("random", randomValues<T>(size));
+    images.push_back({"random", randomValues<T>(size)});
     if constexpr (std::is_integral_v<T>) {
         add("highest", [](std::size_t) { return highest<T>; });
         add("lowest", [](std::size_t) { return lowest<T>; });

@@ -314,6 +314,7 @@ bool compareWords(PairBlock& block, std::size_t size, CompareFigures& f)
 }
 
 /// The generic domain: it cleans the block, and leaves the sums to those who add up anything.
+template <Domain::domain D>
 bool cleanPairs(PairBlock& block, std::size_t size, CompareFigures& f)
 {
     for (std::size_t i = 0; i < size; ++i) {
@@ -358,7 +359,7 @@ constexpr CompareKernels
     compareKernels = makeKernels<CompareKernel, D>([]<class T>(std::type_identity<T>) -> CompareKernel<T> {
         constexpr bool isGeneric = D == Domain::eIS_Generic;
         if constexpr (isFloat<T> && isGeneric) {
-            return &cleanPairs;
+            return &cleanPairs<D>;
         } else if constexpr (isFloat<T>) {
             return &comparePairs<D>;
         } else if constexpr (isSigned<T> && sizeof(T) == 2 && !isGeneric) {
