@@ -83,7 +83,7 @@ TEST(EmulatedCompare, IsThatOfOtherDomains)
                     for (const unsigned short word : words) {
                         small.push_back(static_cast<unsigned short>(word / 3));
                     }
-                    readWords<unsigned short, Domain::eIS_AVX512>(smpixels.data(), size, bias, block.words[k]);
+                    readWords<unsigned short, Domain::eIS_AVX512>(small.data(), size, bias, block.words[k]);
                 }
                 block.bias = bias;
                 std::copy_n(mask.data(), size, block.counts);
