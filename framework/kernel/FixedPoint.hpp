@@ -45,6 +45,13 @@ template <std::size_t N>
     }
 }
 
+/// words += value, which is not below 0
+[[gnu::always_inline]] inline void add(Words<2>& words, UInt128 value)
+{
+    value += UInt128{words.word[1]} << 64 | words.word[0];
+    words = {{std::uint64_t(value), std::uint64_t(value >> 64)}};
+}
+
 /// words += other
 template <std::size_t N>
 [[gnu::always_inline]] inline void add(Words<N>& words, const Words<N>& other)

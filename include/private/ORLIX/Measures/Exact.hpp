@@ -8,7 +8,8 @@
 namespace orlix::measures
 {
 
-using Integer = boost::multiprecision::cpp_int;
+/// Of any size; so many bits need no memory of their own.
+using Integer = boost::multiprecision::number<boost::multiprecision::cpp_int_backend<768>>;
 
 template <std::size_t N>
 Integer toInteger(const imaproc::Words<N>& words)

@@ -6,6 +6,8 @@
 namespace orlix::measures
 {
 
+using imaproc::UInt128;
+
 namespace
 {
 
@@ -29,6 +31,19 @@ double round(const Integer& digits, bool isMore)
     return static_cast<double>(static_cast<std::uint64_t>(digits) << 1 | std::uint64_t{isMore});
 }
 
+/// The integer below the root of `square`, which has 114 bits at most.
+std::uint64_t rootOf(UInt128 square)
+{
+    auto root = static_cast<std::uint64_t>(std::sqrt(static_cast<long double>(square))); // or one beside it
+    while (UInt128{root} * root > square) {
+        --root;
+    }
+    while (UInt128{root + 1} * (root + 1) <= square) {
+        ++root;
+    }
+    return root;
+}
+
 } // namespace
 
 double roundQuotient(Integer p, Integer q, int exponent)
@@ -42,6 +57,12 @@ double roundQuotient(Integer p, Integer q, int exponent)
     const bool isNegative = (p < 0) != (q < 0);
     p = abs(p);
     q = abs(q);
+    const auto zeros = static_cast<int>(boost::multiprecision::lsb(p));
+    if (getBits(p) - zeros <= 53 && getBits(q) <= 53) { // doubles, whose quotient is rounded once
+        const double quotient = static_cast<double>(static_cast<std::uint64_t>(p >> zeros)) /
+                                static_cast<double>(static_cast<std::uint64_t>(q));
+        return std::ldexp(isNegative ? -quotient : quotient, exponent + zeros);
+    }
     const int bits = 56 - (getBits(p) - getBits(q)); // the quotient has 56 or 57
     shift(p, q, bits);
     Integer digits;
@@ -65,9 +86,9 @@ double roundRoot(Integer p, Integer q, int exponent)
     Integer square;
     Integer rest;
     divide_qr(p, q, square, rest);
-    Integer beyond;
-    const Integer digits = sqrt(square, beyond);
-    return std::ldexp(round(digits, rest != 0 || beyond != 0), (exponent - bits) / 2 - 1);
+    const auto whole = static_cast<UInt128>(square);
+    const std::uint64_t digits = rootOf(whole);
+    return std::ldexp(round(digits, rest != 0 || UInt128{digits} * digits != whole), (exponent - bits) / 2 - 1);
 }
 
 } // namespace orlix::measures

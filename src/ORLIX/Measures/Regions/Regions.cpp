@@ -3,12 +3,15 @@
 #include <ORLIX/Measures/Exact.hpp>
 #include <ORLIX/Measures/KeyIndex.hpp>
 #include <ORLIX/Measures/Pieces.hpp>
+#include <ORLIX/Measures/Regions/RegionsKernels.hpp>
 #include <ORLIX/Measures/StateImplementation.hpp>
 
 #include <framework/kernel/FloatSums.hpp>
 #include <framework/process/MeasureList.hpp>
 
+#include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace orlix::measures
@@ -157,9 +160,21 @@ struct RegionImage
         }
         recent = {};
     }
+    void enter(std::uint32_t value)
+    {
+        constexpr std::size_t fewValues = 1024;
+        entered.push_back(value);
+        if (entered.size() >= std::max(fewValues, 2 * values.getEntries().size())) {
+            settleValues();
+        }
+    }
     void settle()
     {
         flush();
+        settleValues();
+    }
+    void settleValues()
+    {
         std::sort(entered.begin(), entered.end());
         ValueCounts found;
         for (auto entry = entered.begin(); entry != entered.end();) {
@@ -168,7 +183,7 @@ struct RegionImage
             entry = end;
         }
         values.merge(found);
-        entered = {};
+        entered.clear();
     }
     void combine(const RegionImage& from)
     {
@@ -184,6 +199,14 @@ struct RegionImage
         }
         values.merge(from.values);
     }
+};
+
+/// Pixels of one row with one label.
+struct LabelRun
+{
+    std::size_t x; ///< the first, in the row
+    std::size_t size;
+    std::uint32_t region;
 };
 
 struct Region
@@ -205,6 +228,18 @@ struct Region
         stream(images);
     }
 
+    /// By a run of a row that begins at `start`.
+    void extend(const Coordinates& start, const LabelRun& run)
+    {
+        nbPixels += run.size;
+        for (std::size_t axis = 0; axis < nbAllAxes; ++axis) {
+            const std::uint64_t at = axis == 0 ? start[axis] + run.x : start[axis];
+            const std::uint64_t end = axis == 0 ? at + run.size - 1 : at;
+            first[axis] = std::min(first[axis], at);
+            last[axis] = std::max(last[axis], end);
+            add(positions[axis], UInt128{run.size} * (at + end) / 2);
+        }
+    }
     void combine(const Region& from)
     {
         nbPixels += from.nbPixels;
@@ -219,56 +254,17 @@ struct Region
     }
 };
 
-/// Pixels of one row with one label.
-struct LabelRun
-{
-    std::size_t x; ///< the first, in the row
-    std::size_t size;
-    Coordinates at; ///< of the first, in the whole image
-};
-
-/// Sums of integer pixels, in ones, and of their products with their number in the run.
-struct RunSums
-{
-    Int128 sum = 0;
-    Int128 squares = 0;
-    Int128 products = 0;
-};
-
-constexpr std::size_t mostPixels = 128; ///< of a run, so that sums fit
-
+/// Sums over a run whose first pixel is at `at`.
 void enter(RegionImage& image, int unit, const RunSums& sums, const Coordinates& at)
 {
     image.prepare(unit);
+    image.extend(sums.min, sums.max);
     image.recent.sum += sums.sum;
     image.recent.squares += sums.squares;
     image.recent.moments[0] += sums.products;
     for (std::size_t axis = 0; axis < nbAllAxes; ++axis) {
-        if (at[axis] != 0) {
-            image.recent.moments[axis] += sums.sum * static_cast<std::int64_t>(at[axis]);
-        }
+        image.recent.moments[axis] += Int128{sums.sum} * static_cast<std::int64_t>(at[axis]);
     }
-}
-
-template <class T>
-void addIntegers(const T* pixels, const LabelRun& run, RegionImage& image)
-{
-    using Square = std::conditional_t<sizeof(T) == 4, Int128, std::uint64_t>;
-    T min = std::numeric_limits<T>::max();
-    T max = std::numeric_limits<T>::lowest();
-    std::int64_t sum = 0;
-    std::int64_t products = 0;
-    Square squares = 0;
-    for (std::size_t i = 0; i < run.size; ++i) {
-        const std::int64_t x = pixels[i];
-        min = std::min(min, pixels[i]);
-        max = std::max(max, pixels[i]);
-        sum += x;
-        products += x * static_cast<std::int64_t>(i);
-        squares += static_cast<Square>(x) * static_cast<Square>(x); // right for negative pixels, too
-    }
-    image.extend(min, max);
-    enter(image, 0, {sum, static_cast<Int128>(squares), products}, run.at);
 }
 
 /// A float pixel by pixel, whatever it is.
@@ -295,61 +291,41 @@ void addFloat(float x, const Coordinates& at, RegionImage& image)
     }
 }
 
-/// Floats of 15 binades at most are integers of a unit, with 24 + 15 digits, and 7 more where units go in steps of 8.
-void addFloats(const float* pixels, const LabelRun& run, RegionImage& image)
+/// A unit that all pixels of a run are whole numbers of, if they are of few binades. Units go in steps of 2^8, so that
+/// runs share them.
+int unitOf(const RegionRun<float>& run)
 {
-    constexpr std::int32_t infinityBits = 0x7f800000;
-    constexpr int binades = 15;
-    std::int32_t least = infinityBits;
-    std::int32_t greatest = 0;
-    float min = pixels[0];
-    float max = pixels[0];
+    std::uint32_t least = std::numeric_limits<std::uint32_t>::max();
     for (std::size_t i = 0; i < run.size; ++i) {
-        const std::int32_t bits = std::bit_cast<std::int32_t>(pixels[i]) & 0x7fffffff;
-        greatest = std::max(greatest, bits);
+        const std::uint32_t bits = std::bit_cast<std::uint32_t>(run.pixels[i]) << 1;
         least = bits != 0 && bits < least ? bits : least;
-        min = std::min(min, pixels[i]);
-        max = std::max(max, pixels[i]);
     }
-    const int lowest = std::max(1, least >> 23);
-    const int highest = greatest >> 23;
-    if (highest == 255 || (greatest != 0 && highest - lowest > binades)) {
-        Coordinates at = run.at;
-        for (std::size_t i = 0; i < run.size; ++i, ++at[0]) {
-            addFloat(pixels[i], at, image);
-        }
-        return;
-    }
-    image.extend(min, max);
-    if (greatest == 0) {
-        return;
-    }
-    const int unit = (lowest - 1) / 8 * 8 + floatUnit; // of the exponent 1, it is the smallest float
-    const double perUnit = powerOfTwo(-unit);
-    std::int64_t sum = 0;
-    std::int64_t products = 0;
-    Int128 squares = 0;
-    for (std::size_t i = 0; i < run.size; ++i) {
-        const auto x = static_cast<std::int64_t>(pixels[i] * perUnit);
-        sum += x;
-        products += x * static_cast<std::int64_t>(i);
-        squares += Int128{x} * x;
-    }
-    enter(image, unit, {sum, squares, products}, run.at);
+    const auto exponent = static_cast<int>(least >> 24); // with the unit 2^floatUnit where it is 1
+    return std::max(exponent - 1, 0) / 8 * 8 + floatUnit;
 }
 
 template <class T>
-void addRun(const T* pixels, const LabelRun& run, bool hasMedian, RegionImage& image)
+void addRun(RegionsKernel<T> kernel, const RegionRun<T>& run, const Coordinates& at, bool hasMedian, RegionImage& image)
 {
+    RunSums sums;
     if constexpr (std::is_same_v<T, float>) {
-        addFloats(pixels, run, image);
+        int unit = image.recent.unit; // that of the run before is mostly right
+        if (kernel(run, unit, sums) || kernel(run, unit = unitOf(run), sums)) {
+            enter(image, unit, sums, at);
+        } else {
+            Coordinates next = at;
+            for (std::size_t i = 0; i < run.size; ++i, ++next[0]) {
+                addFloat(run.pixels[i], next, image);
+            }
+        }
     } else {
-        addIntegers(pixels, run, image);
+        kernel(run, 0, sums);
+        enter(image, 0, sums, at);
     }
     if (hasMedian) {
         for (std::size_t i = 0; i < run.size; ++i) {
-            if (pixels[i] == pixels[i]) {
-                image.entered.push_back(orderedBits(pixels[i]));
+            if (run.pixels[i] == run.pixels[i]) {
+                image.enter(orderedBits(run.pixels[i]));
             }
         }
     }
@@ -523,21 +499,40 @@ private:
         return isSigned ? eImageBufferType::eIBT_Int32 : eImageBufferType::eIBT_UInt32;
     }
 
+    /// The end of the run of equal labels that begins at x.
+    template <class T>
+    static std::size_t endOfRun(const T* labels, std::size_t x, std::size_t size)
+    {
+        constexpr std::size_t group = sizeof(std::uint64_t) / sizeof(T);
+        const T label = labels[x];
+        const std::uint64_t equal = std::numeric_limits<std::uint64_t>::max() / std::numeric_limits<Unsigned<T>>::max() *
+                                    static_cast<Unsigned<T>>(label);
+        for (; x + group <= size; x += group) {
+            std::uint64_t next = 0;
+            std::memcpy(&next, labels + x, sizeof next);
+            if (next != equal) {
+                return x + static_cast<std::size_t>(std::countr_zero(next ^ equal)) / (8 * sizeof(T));
+            }
+        }
+        while (x < size && labels[x] == label) {
+            ++x;
+        }
+        return x;
+    }
+
     template <class T>
     static void addLabels(const Options& options, const Piece& piece, Work& work)
     {
         using Wide = std::conditional_t<std::is_signed_v<T>, std::int32_t, std::uint32_t>;
         const image::PixelBox& box = piece.box();
+        std::vector<LabelRun> runs;
         T label = 0;
         std::uint32_t number = 0;
         for (std::size_t row = 0; row < box.y * box.z; ++row) {
             const T* const labels = piece.images[0].run<T>(row, box.x);
-            const Coordinates at = toCoordinates(piece.positionOf(row * box.x));
+            runs.clear();
             for (std::size_t x = 0; x < box.x;) {
-                std::size_t end = x + 1;
-                while (end < box.x && labels[end] == labels[x]) {
-                    ++end;
-                }
+                const std::size_t end = endOfRun(labels, x, box.x);
                 if (labels[x] != 0) {
                     if (labels[x] != label) {
                         label = labels[x];
@@ -546,10 +541,11 @@ private:
                             addRegion(piece, orderedBits(static_cast<Wide>(label)), work);
                         }
                     }
-                    addRuns(options, piece, row, {x, end - x, at}, work.regions[number]);
+                    runs.push_back({x, end - x, number});
                 }
                 x = end;
             }
+            addRow(options, piece, row, runs, work);
         }
     }
 
@@ -562,30 +558,26 @@ private:
         work.regions.push_back(std::move(region));
     }
 
-    /// The run of a row, whose position is that of its first pixel, in all images.
-    static void addRuns(const Options& options, const Piece& piece, std::size_t row, LabelRun run, Region& region)
+    static void addRow(const Options& options, const Piece& piece, std::size_t row, const std::vector<LabelRun>& runs,
+                       Work& work)
     {
         const image::PixelBox& box = piece.box();
-        run.at[0] += run.x;
-        region.nbPixels += run.size;
-        for (std::size_t axis = 0; axis < nbAllAxes; ++axis) {
-            const std::uint64_t at = run.at[axis];
-            const std::uint64_t last = axis == 0 ? at + run.size - 1 : at;
-            region.first[axis] = std::min(region.first[axis], at);
-            region.last[axis] = std::max(region.last[axis], last);
-            if (last != 0) {
-                addShifted(region.positions[axis],
-                           Int128{static_cast<std::int64_t>(run.size)} * static_cast<std::int64_t>(at + last) / 2, 0);
-            }
+        const Coordinates start = toCoordinates(piece.positionOf(row * box.x));
+        for (const LabelRun& run : runs) {
+            work.regions[run.region].extend(start, run);
         }
-        for (std::size_t i = 0; i < region.images.size(); ++i) {
-            withPixelType(piece.types[i + 1], [&]<class T>(std::type_identity<T>) {
-                const T* const pixels = piece.images[i + 1].run<T>(row, box.x) + run.x;
-                for (std::size_t done = 0; done < run.size; done += mostPixels) {
-                    LabelRun part = run;
-                    part.size = std::min(mostPixels, run.size - done);
-                    part.at[0] += done;
-                    addRun(pixels + done, part, options.median, region.images[i]);
+        for (std::size_t i = 1; i < piece.images.size(); ++i) {
+            withPixelType(piece.types[i], [&]<class T>(std::type_identity<T>) {
+                const RegionsKernel<T> kernel = selectKernel<T>(getRegionsKernels());
+                const T* const pixels = piece.images[i].run<T>(row, box.x);
+                for (const LabelRun& run : runs) {
+                    RegionImage& image = work.regions[run.region].images[i - 1];
+                    for (std::size_t x = run.x; x < run.x + run.size; x += RegionRun<T>::mostPixels) {
+                        Coordinates at = start;
+                        at[0] += x;
+                        const std::size_t size = std::min(RegionRun<T>::mostPixels, run.x + run.size - x);
+                        addRun(kernel, {pixels + x, size, box.x - x}, at, options.median, image);
+                    }
                 }
             });
         }
