@@ -37,8 +37,8 @@ void tableOfRegions(benchmark::State& state)
     const auto labels = makeCells(image->getGeometry());
     core::settings::setNbThreads(static_cast<unsigned>(state.range(1)));
     compare(
-        state, image->getRow(0), size,
-        [&] { benchmark::DoNotOptimize(measures::regions(labels, {ImageView{image}})); }, [] {}, false);
+        state, image->getRow(0), size, [&] { benchmark::DoNotOptimize(measures::regions(labels, {ImageView{image}})); },
+        [] {}, false);
     state.counters["Gpx/s"] = state.counters["GB/s"] / sizeof(T);
     core::settings::setNbThreads(0);
 }

@@ -15,7 +15,7 @@ using namespace measures;
 namespace
 {
 
-constexpr ImageGeometry size{67, 23, 2};
+constexpr ImageGeometry size{283, 13, 2}; // runs of some hundred pixels
 
 /// Blocks of labels, among them one of the background and some that lie at the border.
 template <class T>
@@ -25,7 +25,7 @@ std::vector<T> makeLabels(T scale)
     for (std::size_t i = 0; i < labels.size(); ++i) {
         const std::size_t x = i % size.x;
         const std::size_t y = i / size.x % size.y;
-        labels[i] = static_cast<T>(static_cast<T>((x + 3) / 17 + 2 * ((y + 5) / 11)) * scale);
+        labels[i] = static_cast<T>(static_cast<T>((x + 3) / 141 + 2 * ((y + 5) / 7)) * scale);
     }
     return labels;
 }
@@ -121,9 +121,9 @@ TEST(RegionsOf, LabelsOfEverySize)
         EXPECT_TRUE(found.images.empty());
     };
     check(static_cast<unsigned char>(30), 30);
-    check(static_cast<signed char>(-14), -112);
+    check(static_cast<signed char>(-21), -126);
     check(static_cast<unsigned short>(8000), 8000);
-    check(static_cast<short>(-4000), -32000);
+    check(static_cast<short>(-5000), -30000);
     check(500000000u, 500000000);
 }
 

@@ -204,9 +204,12 @@ struct RegionImage
 /// Pixels of one row with one label.
 struct LabelRun
 {
-    std::size_t x; ///< the first, in the row
-    std::size_t size;
+    std::size_t begin; ///< in the row
+    std::size_t end;
+    std::uint32_t key; ///< of the label
     std::uint32_t region;
+
+    std::size_t size() const { return end - begin; }
 };
 
 struct Region
@@ -231,13 +234,19 @@ struct Region
     /// By a run of a row that begins at `start`.
     void extend(const Coordinates& start, const LabelRun& run)
     {
-        nbPixels += run.size;
-        for (std::size_t axis = 0; axis < nbAllAxes; ++axis) {
-            const std::uint64_t at = axis == 0 ? start[axis] + run.x : start[axis];
-            const std::uint64_t end = axis == 0 ? at + run.size - 1 : at;
-            first[axis] = std::min(first[axis], at);
-            last[axis] = std::max(last[axis], end);
-            add(positions[axis], UInt128{run.size} * (at + end) / 2);
+        nbPixels += run.size();
+        extendAxis(0, start[0] + run.begin, start[0] + run.end - 1, run.size());
+        for (std::size_t axis = 1; axis < nbAllAxes; ++axis) {
+            extendAxis(axis, start[axis], start[axis], run.size());
+        }
+    }
+    /// By a number of pixels whose positions in an axis go from `from` to `to`.
+    void extendAxis(std::size_t axis, std::uint64_t from, std::uint64_t to, std::size_t size)
+    {
+        first[axis] = std::min(first[axis], from);
+        last[axis] = std::max(last[axis], to);
+        if (to != 0) {
+            add(positions[axis], UInt128{size} * (from + to) / 2);
         }
     }
     void combine(const Region& from)
@@ -255,7 +264,7 @@ struct Region
 };
 
 /// Sums over a run whose first pixel is at `at`.
-void enter(RegionImage& image, int unit, const RunSums& sums, const Coordinates& at)
+inline void enter(RegionImage& image, int unit, const RunSums& sums, const Coordinates& at)
 {
     image.prepare(unit);
     image.extend(sums.min, sums.max);
@@ -263,7 +272,9 @@ void enter(RegionImage& image, int unit, const RunSums& sums, const Coordinates&
     image.recent.squares += sums.squares;
     image.recent.moments[0] += sums.products;
     for (std::size_t axis = 0; axis < nbAllAxes; ++axis) {
-        image.recent.moments[axis] += Int128{sums.sum} * static_cast<std::int64_t>(at[axis]);
+        if (at[axis] != 0) {
+            image.recent.moments[axis] += Int128{sums.sum} * static_cast<std::int64_t>(at[axis]);
+        }
     }
 }
 
@@ -505,8 +516,8 @@ private:
     {
         constexpr std::size_t group = sizeof(std::uint64_t) / sizeof(T);
         const T label = labels[x];
-        const std::uint64_t equal = std::numeric_limits<std::uint64_t>::max() / std::numeric_limits<Unsigned<T>>::max() *
-                                    static_cast<Unsigned<T>>(label);
+        const std::uint64_t equal = std::numeric_limits<std::uint64_t>::max() /
+                                    std::numeric_limits<Unsigned<T>>::max() * static_cast<Unsigned<T>>(label);
         for (; x + group <= size; x += group) {
             std::uint64_t next = 0;
             std::memcpy(&next, labels + x, sizeof next);
@@ -526,24 +537,27 @@ private:
         using Wide = std::conditional_t<std::is_signed_v<T>, std::int32_t, std::uint32_t>;
         const image::PixelBox& box = piece.box();
         std::vector<LabelRun> runs;
-        T label = 0;
-        std::uint32_t number = 0;
+        std::vector<LabelRun> runsAbove;
         for (std::size_t row = 0; row < box.y * box.z; ++row) {
             const T* const labels = piece.images[0].run<T>(row, box.x);
+            std::swap(runs, runsAbove);
             runs.clear();
-            for (std::size_t x = 0; x < box.x;) {
-                const std::size_t end = endOfRun(labels, x, box.x);
-                if (labels[x] != 0) {
-                    if (labels[x] != label) {
-                        label = labels[x];
-                        number = work.index.find(orderedBits(static_cast<Wide>(label)));
-                        if (number == work.regions.size()) {
-                            addRegion(piece, orderedBits(static_cast<Wide>(label)), work);
-                        }
-                    }
-                    runs.push_back({x, end - x, number});
+            auto above = runsAbove.cbegin();
+            for (std::size_t x = 0, end = 0; x < box.x; x = end) {
+                end = endOfRun(labels, x, box.x);
+                if (labels[x] == 0) {
+                    continue;
                 }
-                x = end;
+                const std::uint32_t key = orderedBits(static_cast<Wide>(labels[x]));
+                while (above != runsAbove.cend() && above->end <= x + (end - x) / 2) {
+                    ++above;
+                }
+                const bool goesOn = above != runsAbove.cend() && above->key == key;
+                const std::uint32_t region = goesOn ? above->region : work.index.find(key);
+                if (region == work.regions.size()) {
+                    addRegion(piece, key, work);
+                }
+                runs.push_back({x, end, key, region});
             }
             addRow(options, piece, row, runs, work);
         }
@@ -572,11 +586,10 @@ private:
                 const T* const pixels = piece.images[i].run<T>(row, box.x);
                 for (const LabelRun& run : runs) {
                     RegionImage& image = work.regions[run.region].images[i - 1];
-                    for (std::size_t x = run.x; x < run.x + run.size; x += RegionRun<T>::mostPixels) {
-                        Coordinates at = start;
-                        at[0] += x;
-                        const std::size_t size = std::min(RegionRun<T>::mostPixels, run.x + run.size - x);
-                        addRun(kernel, {pixels + x, size, box.x - x}, at, options.median, image);
+                    for (std::size_t x = run.begin; x < run.end; x += RegionRun<T>::mostPixels) {
+                        const std::size_t size = std::min(RegionRun<T>::mostPixels, run.end - x);
+                        const Coordinates at{start[0] + x, start[1], start[2], start[3], start[4]};
+                        addRun<T>(kernel, {pixels + x, size, box.x - x}, at, options.median, image);
                     }
                 }
             });

@@ -15,6 +15,10 @@ constexpr double greatestUnits = 70368744177664.0; // 2^46
 template <class T>
 using ExactLane = std::conditional_t<sizeof(T) == 1, float, double>;
 
+/// Runs are short: what longer packs save in the loop, adding up their lanes takes.
+template <Domain::domain D>
+constexpr Domain::domain shortPacks = D == Domain::eIS_AVX512 ? Domain::eIS_AVX2 : D;
+
 template <class T, Domain::domain D>
 ORLIX_KERNEL void loadExactly(const T* pixels, Pack<ExactLane<T>, D>* x)
 {
@@ -52,8 +56,13 @@ struct ShortSums
 
     ORLIX_KERNEL void add(Lanes x, Lanes place)
     {
-        squares += x * x;
-        products += x * place;
+        if constexpr (sizeof(Lane) == sizeof(double)) {
+            squares = addSquare<D>(squares, x);
+            products = multiplyAdd<D>(x, place, products);
+        } else {
+            squares += x * x;
+            products += x * place;
+        }
     }
     ORLIX_KERNEL void flush(RunSums& sums) const
     {
@@ -85,17 +94,17 @@ struct LongSums
     }
     ORLIX_KERNEL void flush(RunSums& sums) const
     {
-        sums.squares = std::int64_t(sumOfLanes<double>(squares[0]));
         const double perUnit = powerOfTwo(-digits);
-        sums.squares += Int128{std::int64_t(sumOfLanes<double>(squares[1]) * perUnit)} * (2 << digits);
-        sums.squares += Int128{std::int64_t(sumOfLanes<double>(squares[2]) * perUnit * perUnit)} *
-                        (std::int64_t{1} << 2 * digits);
+        const auto middle = std::int64_t(sumOfLanes<double>(squares[1]) * perUnit);
+        const auto high = std::int64_t(sumOfLanes<double>(squares[2]) * perUnit * perUnit);
+        sums.squares = std::int64_t(sumOfLanes<double>(squares[0])) + Int128{middle} * (2 << digits) +
+                       Int128{high} * (std::int64_t{1} << 2 * digits);
         sums.products = std::int64_t(sumOfLanes<double>(products[0])) + std::int64_t(sumOfLanes<double>(products[1]));
     }
 };
 
 template <class T, Domain::domain D>
-bool sumRun(RegionRun<T> run, int unit, RunSums& sums)
+bool sumRun(const RegionRun<T>& run, int unit, RunSums& sums)
 {
     using Lane = ExactLane<T>;
     using Lanes = Pack<Lane, D>;
@@ -170,7 +179,7 @@ bool sumRun(RegionRun<T> run, int unit, RunSums& sums)
 
 /// The generic domain: one pixel after the other.
 template <class T>
-bool sumOneByOne(RegionRun<T> run, int unit, RunSums& sums)
+bool sumOneByOne(const RegionRun<T>& run, int unit, RunSums& sums)
 {
     const double perUnit = isFloat<T> ? powerOfTwo(-unit) : 1;
     sums = {.squares = 0, .sum = 0, .products = 0, .min = __builtin_inf(), .max = -__builtin_inf()};
@@ -199,7 +208,7 @@ constexpr RegionsKernels
         if constexpr (D == Domain::eIS_Generic) {
             return &sumOneByOne<T>;
         } else {
-            return &sumRun<T, D>;
+            return &sumRun<T, shortPacks<D>>;
         }
     });
 

@@ -34,7 +34,7 @@ struct RunSums
 
 /// False if a pixel is no whole number of 2^unit, or is 2^46 of them or more; of integer pixels, the unit is 1.
 template <class T>
-using RegionsKernel = bool (*)(RegionRun<T> run, int unit, RunSums& sums);
+using RegionsKernel = bool (*)(const RegionRun<T>& run, int unit, RunSums& sums);
 using RegionsKernels = KernelsByType<RegionsKernel>;
 
 const KernelTables<RegionsKernels>& getRegionsKernels();
