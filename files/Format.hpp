@@ -17,6 +17,7 @@ struct OpenOptions
     std::string axes{};                          ///< of an array, slowest first, as "TCZYX"
     std::optional<std::size_t> series{};         ///< which of several images
     std::optional<image::eImageBufferType> as{}; ///< convert pixels to this type
+    bool keepsValues = false;                    ///< a conversion that changes a pixel throws FileError
     bool scaled = false;                         ///< scale pixels as the header says
     bool listsSeries = false;                    ///< of several images the first is taken, where none is picked
     std::uint64_t maxPixels = std::uint64_t{1} << 40;

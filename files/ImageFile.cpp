@@ -26,8 +26,8 @@ namespace
 class ConvertedReader final : public ImageReader
 {
 public:
-    ConvertedReader(ReaderPtr inner, StoredType type, bool isScaled)
-        : inner_{std::move(inner)}, from_{inner_->getFacts().type}, isScaled_{isScaled}
+    ConvertedReader(ReaderPtr inner, StoredType type, bool isScaled, bool keepsValues)
+        : inner_{std::move(inner)}, from_{inner_->getFacts().type}, isScaled_{isScaled}, keepsValues_{keepsValues}
     {
         facts_ = inner_->getFacts();
         facts_.type = type;
@@ -119,6 +119,10 @@ private:
         if (!isScaled_) {
             const std::size_t changed = convertPixels(from, from_, to, facts_.type, count);
             changed_ += facts_.type == StoredType::Binary ? 0 : changed; // which tells 0 from all else
+            if (keepsValues_ && changed_ != 0) {
+                throw FileError{facts_.path + ": some of its " + getName(from_) + " values are none of " +
+                                getName(facts_.type)};
+            }
             return;
         }
         scaled_.resize(count);
@@ -131,6 +135,7 @@ private:
     ReaderPtr inner_;
     StoredType from_;
     bool isScaled_;
+    bool keepsValues_;
     Scale scale_;
     std::vector<double> scaled_;
     std::uint64_t changed_ = 0;
@@ -305,8 +310,9 @@ ReaderPtr finish(const Source& source, ReaderPtr reader)
                                                        : "uint32 or --as float32"));
     }
     const StoredType type = options.as ? toStored(*options.as) : isScaled ? StoredType::Float32 : facts.type;
-    return isScaled || type != facts.type ? std::make_unique<ConvertedReader>(std::move(reader), type, isScaled)
-                                          : std::move(reader);
+    return isScaled || type != facts.type
+               ? std::make_unique<ConvertedReader>(std::move(reader), type, isScaled, options.keepsValues)
+               : std::move(reader);
 }
 
 /// Standard input as a file that has a name: itself where it is one, else what it holds in a file that nobody else

@@ -97,6 +97,11 @@ Report runMeasures(const Options&)
         for (const attr::Parameter& parameter : measure.parameters) {
             const data::FieldInfo& info = parameter.info;
             Json type = parameter.isWhole ? "integer" : "number";
+            if (parameter.defaultValue && std::holds_alternative<bool>(*parameter.defaultValue)) {
+                type = "boolean";
+            } else if (parameter.defaultValue && toJson(*parameter.defaultValue).is_array()) {
+                type = "array";
+            }
             if (!info.enumerators.empty()) {
                 type = Json::array();
                 for (const char* const name : info.enumerators) {
@@ -329,13 +334,15 @@ void addParameter(CLI::App& command, const attr::Parameter& parameter, Options& 
     const std::string name = parameter.info.option;
     const std::string option = "--" + name;
     std::string help = parameter.info.help;
-    if (parameter.defaultValue && parameter.info.enumerators.empty()) {
-        help += " (default: " + toJson(*parameter.defaultValue).dump() + ")";
+    if (parameter.defaultValue && parameter.info.enumerators.empty() && help.find("(default") == std::string::npos) {
+        std::string text = toJson(*parameter.defaultValue).dump();
+        std::erase_if(text, [](char c) { return c == '[' || c == ']'; });
+        help += " (default: " + text + ")";
     }
     std::string& target = options.parameters[name];
     const auto& enumerators = parameter.info.enumerators;
     if (parameter.defaultValue && std::holds_alternative<bool>(*parameter.defaultValue)) {
-        addChoice(command, option, target, {"on", "off"}, parameter.info.help);
+        command.add_flag(option + "{on},--no-" + name + "{off}", target, help);
     } else if (parameter.defaultValue && std::holds_alternative<std::vector<double>>(*parameter.defaultValue)) {
         command.add_option(option, target, help)
             ->check(listOf(parameter.info.lowest, parameter.info.highest))

@@ -208,14 +208,8 @@ Ptr<const BaseImage> readAlong(files::ReaderPtr reader, const char* name, const 
                                const ImageFacts& image, const image::ImageGeometry& part, Report& report)
 {
     const ImageFacts facts = reader->getFacts();
-    const files::StoredType stored = facts.convertedFrom.value_or(facts.type);
     const image::ImageGeometry& own = facts.geometry;
     const image::ImageGeometry& size = image.geometry;
-    if (stored == files::StoredType::Float32 || stored == files::StoredType::Float64 ||
-        stored == files::StoredType::Float16) {
-        throw FileError{facts.path + ": a " + getName(stored) + " image is no " + name +
-                        ": convert it to an integer type"};
-    }
     const auto fits = [](std::size_t side, std::size_t whole) { return side == whole || side == 1; };
     if (own.x != size.x || own.y != size.y || !fits(own.z, size.z) || !fits(own.c, size.c) || !fits(own.t, size.t)) {
         throw FileError{facts.path + ": the " + name + " has " + toString(own) + ", but " + image.path + " has " +
@@ -229,6 +223,12 @@ Ptr<const BaseImage> readAlong(files::ReaderPtr reader, const char* name, const 
     return repeat(asNumbers(readPart(std::move(reader), cut, report)), part);
 }
 
+bool isFloat(files::StoredType type)
+{
+    return type == files::StoredType::Float32 || type == files::StoredType::Float64 ||
+           type == files::StoredType::Float16;
+}
+
 /// The mask as numbers 0 and 1.
 Ptr<const BaseImage> readMask(const Options& options, const ImageFacts& image, const image::ImageGeometry& part,
                               Report& report)
@@ -239,12 +239,15 @@ Ptr<const BaseImage> readMask(const Options& options, const ImageFacts& image, c
     how.as = eImageBufferType::eIBT_Binary;
     files::ReaderPtr reader = openMask(options.mask, how);
     const ImageFacts& facts = reader->getFacts();
-    report.images.emplace_back(
-        "mask", describeImage(options.mask.name, getName(facts.convertedFrom.value_or(facts.type)), facts.geometry));
+    const files::StoredType stored = facts.convertedFrom.value_or(facts.type);
+    if (isFloat(stored)) {
+        throw FileError{facts.path + ": a " + getName(stored) + " image is no mask: convert it to an integer type"};
+    }
+    report.images.emplace_back("mask", describeImage(options.mask.name, getName(stored), facts.geometry));
     return readAlong(std::move(reader), "mask", options, image, part, report);
 }
 
-/// Labels; those of 64 bits as 32 bits, with a note where that changes them.
+/// Labels: integers, which have 32 bits at most, or floats that --as makes some. None may change.
 files::ReaderPtr openLabels(const Options& options)
 {
     files::OpenOptions how = options.open;
@@ -253,8 +256,15 @@ files::ReaderPtr openLabels(const Options& options)
     files::OpenOptions look = how;
     look.listsSeries = true; // an image of any type
     const files::StoredType type = openMask(options.image, look)->getFacts().type;
+    how.keepsValues = true;
     if (type == files::StoredType::Int64 || type == files::StoredType::UInt64) {
         how.as = type == files::StoredType::Int64 ? eImageBufferType::eIBT_Int32 : eImageBufferType::eIBT_UInt32;
+    } else if (isFloat(type)) {
+        how.as = options.open.as;
+        if (!how.as || *how.as == eImageBufferType::eIBT_Float32) {
+            throw FileError{options.image.name + ": labels are integers, but this image is " + getName(type) +
+                            ": read it with --as int32"};
+        }
     }
     return openMask(options.image, how);
 }

@@ -146,7 +146,7 @@ Json flatten(const Json& row, const Report& report)
                 add(printCell(*each.begin()), *std::next(each.begin()));
             }
         } else if (value.is_array() && names != report.columnNames.end()) {
-            for (std::size_t i = 0; i < value.size(); ++i) {
+            for (std::size_t i = 0; i < value.size() && i < names->second.size(); ++i) {
                 add(names->second[i], value[i]);
             }
         } else {
@@ -323,6 +323,17 @@ void ReportPrinter::printCsv(const Report& report)
         }
         output_ << line << "\r\n";
     };
+    const auto printHeader = [&](const Json& row) {
+        for (const auto& [key, value] : row.items()) {
+            columns_.push_back(key);
+        }
+        printLine(columns_, [](const std::string& name) { return printCsvCell(name, false); });
+    };
+    if (columns_.empty() && !report.emptyRow.is_null()) {
+        Json all = prefix;
+        all.update(flatten(report.emptyRow, report));
+        printHeader(all);
+    }
     for (const Json& result : report.results) {
         const std::vector<Json> rows = spread(result, report);
         if (columns_.empty()) {
@@ -334,10 +345,7 @@ void ReportPrinter::printCsv(const Report& report)
             } else {
                 all.update(rows.front());
             }
-            for (const auto& [key, value] : all.items()) {
-                columns_.push_back(key);
-            }
-            printLine(columns_, [](const std::string& name) { return printCsvCell(name, false); });
+            printHeader(all);
         }
         for (const Json& row : rows) {
             printLine(columns_, [&](const std::string& name) {

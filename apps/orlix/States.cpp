@@ -79,12 +79,14 @@ Json describeRow(const ResultRow& row)
 std::string readFile(const std::string& path)
 {
     std::ifstream stream{path, std::ios::binary};
-    std::ostringstream bytes;
-    bytes << stream.rdbuf();
-    if (!stream || !bytes) {
+    std::string bytes{std::istreambuf_iterator<char>{stream}, {}};
+    if (!stream.is_open() || stream.bad()) {
         throw FileError{path + ": it cannot be read"};
     }
-    return bytes.str();
+    if (bytes.empty()) {
+        throw FileError{path + ": it is empty"};
+    }
+    return bytes;
 }
 
 std::string getVerb(const std::string& path)
@@ -112,6 +114,18 @@ StatePtr readState(const std::string& path)
     }
 }
 
+/// A row of nothing that has every column of the others.
+Json makeEmptyRow(const ResultRows& results)
+{
+    Json row = results.rows.empty() ? Json::object() : describeRow({results.rows[0].place, {}});
+    const Json first = results.rows.empty() ? Json::object() : describeRow(results.rows[0]);
+    for (const auto& [name, field] : results.columns) {
+        const bool isLabelled = field.info.columns == 1 && !field.info.columnNames.empty();
+        row[name] = isLabelled ? Json(std::vector<Json>(field.info.columnNames.size())) : first.value(name, Json{});
+    }
+    return row;
+}
+
 /// What the state has to say, or where it goes.
 void finish(const BaseMeasureState& state, const Options& options, Report& report)
 {
@@ -121,18 +135,21 @@ void finish(const BaseMeasureState& state, const Options& options, Report& repor
         return;
     }
     if (state.needsPass()) {
-        throw FileError{"percentiles of 32-bit pixels need another pass: write what is merged with --save-state FILE, "
-                        "and measure all pieces again with --next-pass FILE (or without percentiles)"};
+        throw FileError{
+            std::string{"another pass over the pixels is needed for "} + state.getMeasure().passReason +
+            ": write what is merged with --save-state FILE, and measure all pieces again with --next-pass FILE"};
     }
-    for (const ResultRow& row : state.finishRows()) {
+    const ResultRows results = state.finishRows();
+    for (const ResultRow& row : results.rows) {
         report.results.push_back(describeRow(row));
-        for (const auto& [name, field] : row.fields) {
-            if (field.info.columns == 1 && !field.info.columnNames.empty()) {
-                report.columnNames[name] = {field.info.columnNames.begin(), field.info.columnNames.end()};
-            }
+    }
+    for (const auto& [name, field] : results.columns) {
+        if (field.info.columns == 1 && !field.info.columnNames.empty()) {
+            report.columnNames[name] = {field.info.columnNames.begin(), field.info.columnNames.end()};
         }
     }
-    for (const std::string& note : state.getNotes()) {
+    report.emptyRow = makeEmptyRow(results);
+    for (const std::string& note : results.notes) {
         const bool hasImage = !report.images.empty();
         report.notes.push_back((hasImage ? report.images.front().second["path"].get<std::string>() + ": " : "") + note);
     }
@@ -141,7 +158,11 @@ void finish(const BaseMeasureState& state, const Options& options, Report& repor
 StatePtr makeState(const Measure& measure, const Options& options)
 {
     if (options.nextPass.empty()) {
-        return measure.state->entry.create(listOptions(measure, options));
+        try {
+            return measure.state->entry.create(listOptions(measure, options));
+        } catch (const core::BaseException& error) {
+            throw UsageError{std::string{error.what()} + " (see orlix " + measure.verb + " --help)"};
+        }
     }
     StatePtr state = readState(options.nextPass);
     if (state->getMeasure().verb != measure.verb) {
@@ -242,8 +263,9 @@ Json getPlace(const Json& row)
 
 void mergeHistogram(Json& into, const Json& from, const std::string& path)
 {
+    const bool isAlike = into["Frequencies"].size() == from["Frequencies"].size();
     for (const char* const bound : {"Min", "Max", "BinWidth"}) {
-        if (into[bound] != from[bound]) {
+        if (!isAlike || into[bound] != from[bound]) {
             throw FileError{path + ": its classes are others: measure all pieces with one --min, --max and --classes"};
         }
     }
@@ -253,23 +275,41 @@ void mergeHistogram(Json& into, const Json& from, const std::string& path)
     }
 }
 
+/// What a file has: the measure, and the histograms in "results".
+Json readHistograms(const std::string& path)
+{
+    const std::string bytes = readFile(path);
+    try {
+        std::string verb;
+        const std::string_view text = unwrapState(bytes, verb);
+        if (verb != histogramVerb) {
+            return {{"measure", verb}};
+        }
+        Json content = Json::parse(text);
+        content.at("measure").get<std::string>();
+        for (const Json& row : content.at("results")) {
+            for (const char* const bound : {"Min", "Max", "BinWidth"}) {
+                row.at(bound);
+            }
+            row.at("Frequencies").get<std::vector<std::uint64_t>>();
+        }
+        return content;
+    } catch (const MeasureException& error) {
+        throw FileError{path + ": " + error.what()};
+    } catch (const Json::exception&) {
+        throw FileError{path + ": the state is damaged: it has no histograms"};
+    }
+}
+
 Report mergeHistograms(const Options& options)
 {
     Report report;
     std::map<Json, Json> merged; // by place: t, c, z
     for (const std::string& path : options.images) {
-        const std::string bytes = readFile(path);
-        std::string verb;
-        Json content;
-        try {
-            const std::string_view text = unwrapState(bytes, verb);
-            content = verb == histogramVerb ? Json::parse(text) : Json{};
-        } catch (const MeasureException& error) {
-            throw FileError{path + ": " + error.what()};
-        }
-        if (verb != histogramVerb || (!report.measure.empty() && content["measure"] != report.measure)) {
+        Json content = readHistograms(path);
+        if (!content.contains("results") || (!report.measure.empty() && content["measure"] != report.measure)) {
             throw FileError{path + ": states that merge are of one measure, with the same options: this one is of " +
-                            (verb == histogramVerb ? content["measure"].get<std::string>() : verb)};
+                            content["measure"].get<std::string>()};
         }
         report.measure = content["measure"];
         for (Json& row : content["results"]) {

@@ -49,7 +49,8 @@ ORLIX_API ValueRange getValueRange(eImageBufferType type);
 template <class T>
 inline constexpr eImageBufferType imageBufferTypeOf = [] {
     using enum eImageBufferType;
-    static_assert(std::is_same_v<T, float> || (std::is_integral_v<T> && sizeof(T) <= 4));
+    static_assert(std::is_same_v<T, float> || (std::is_integral_v<T> && sizeof(T) <= 4),
+                  "pixels are float, or integers of 8, 16 or 32 bits");
     if constexpr (std::is_same_v<T, float>) {
         return eIBT_Float32;
     } else if constexpr (sizeof(T) == 1) {

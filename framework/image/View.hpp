@@ -2,6 +2,7 @@
 
 #include <framework/image/BaseImage.hpp>
 
+#include <ranges>
 #include <span>
 #include <utility>
 
@@ -57,12 +58,15 @@ ImageView view(const T* pixels, const image::ImageGeometry& size, const image::I
     return image::BaseImage::wrap(pixels, image::bufferTypeOf<T>(), size, strides, Ptr<const void>{});
 }
 
-/// The same for a span, a vector, an array, which has as many pixels as the size says; else image::ImageException.
+/// What a std::span can look at.
 template <class Pixels>
-requires requires(const Pixels& pixels)
+concept SpanOfPixels = requires(const Pixels& pixels)
 {
     std::span{pixels};
-}
+};
+
+/// The same for a span, a vector, an array, which has as many pixels as the size says; else image::ImageException.
+template <SpanOfPixels Pixels>
 ImageView view(const Pixels& pixels, const image::ImageGeometry& size)
 {
     const std::span all{pixels};
@@ -73,5 +77,11 @@ ImageView view(const Pixels& pixels, const image::ImageGeometry& size)
     }
     return view(all.data(), size);
 }
+
+/// Nobody keeps the pixels of a temporary.
+template <SpanOfPixels Pixels>
+requires(!std::is_lvalue_reference_v<Pixels> && !std::ranges::borrowed_range<Pixels>) ImageView
+    view(Pixels&& pixels, const image::ImageGeometry& size)
+= delete;
 
 } // namespace orlix

@@ -59,11 +59,10 @@ std::string wrapState(const std::string& verb, const std::string& content)
     data::ByteWriter writer;
     writer(verb);
     writer(stateVersion);
-    std::string bytes{magic};
-    bytes.append(writer.take()).append(content);
+    const std::string checked = writer.take() + content;
     data::ByteWriter check;
-    check(data::checksum(bytes));
-    return bytes + check.take();
+    check(data::checksum(checked));
+    return std::string{magic} + checked + check.take();
 }
 
 std::string_view unwrapState(std::string_view bytes, std::string& verb)
@@ -73,8 +72,9 @@ std::string_view unwrapState(std::string_view bytes, std::string& verb)
         throw fail("these bytes are no state of a measure");
     }
     constexpr std::size_t checkSize = 4;
+    bytes.remove_prefix(magic.size());
     const std::string_view checked = bytes.substr(0, bytes.size() - std::min(bytes.size(), checkSize));
-    data::ByteReader reader{checked.substr(magic.size())};
+    data::ByteReader reader{checked};
     std::uint32_t version = 0;
     std::uint32_t sum = 0;
     try {

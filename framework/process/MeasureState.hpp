@@ -90,11 +90,22 @@ struct ORLIX_API ResultPlace
     std::size_t nbAxes() const;
 };
 
+/// Fields with the names that they have in a result.
+using NamedFields = std::vector<std::pair<std::string, data::Field>>;
+
 /// A result for programs that walk its fields.
 struct ResultRow
 {
     ResultPlace place;
-    std::vector<std::pair<std::string, data::Field>> fields;
+    NamedFields fields;
+};
+
+/// Results for such programs.
+struct ResultRows
+{
+    std::vector<ResultRow> rows;
+    NamedFields columns;            ///< every field that a row of this measure may have
+    std::vector<std::string> notes; ///< what a user should know
 };
 
 struct StateMeasure;
@@ -124,9 +135,7 @@ public:
     virtual bool nextPass() = 0;
 
     /// Throws MeasureException while another pass is needed.
-    virtual std::vector<ResultRow> finishRows() const = 0;
-    /// What a user should know of the results.
-    virtual std::vector<std::string> getNotes() const = 0;
+    virtual ResultRows finishRows() const = 0;
 
     /// The same on every machine.
     virtual std::string toBytes() const = 0;
@@ -158,6 +167,7 @@ struct StateMeasure
     std::vector<StateInput> inputs;
     bool takesMask;
     StateEntry entry;
+    const char* passReason = ""; ///< what needs another pass
 };
 
 /// The measure whose state the bytes are, if they are one's; else MeasureException.

@@ -20,9 +20,21 @@ class FieldStream final : public data::FieldVisitor
 public:
     explicit FieldStream(Stream& stream) : stream_{stream} {}
     void operator()(const data::FieldInfo&, bool& value) override { stream_(value); }
-    void operator()(const data::FieldInfo&, unsigned& value) override { stream_(value); }
+    void operator()(const data::FieldInfo& info, unsigned& value) override
+    {
+        stream_(value);
+        if constexpr (Stream::isReader) {
+            if (!info.enumerators.empty() && value >= info.enumerators.size()) {
+                Stream::fail(std::string{info.name} + " has no value " + std::to_string(value));
+            }
+        }
+    }
     void operator()(const data::FieldInfo&, std::uint64_t& value) override { stream_(value); }
-    void operator()(const data::FieldInfo&, double& value) override { stream_(value); }
+    void operator()(const data::FieldInfo&, double& value) override
+    {
+        stream_(value);
+        value += 0.0; // of both zeros one
+    }
     void operator()(const data::FieldInfo&, std::vector<double>& values) override { stream_(values); }
     void operator()(const data::FieldInfo&, std::vector<std::uint64_t>& values) override { stream_(values); }
     void operator()(const data::FieldInfo&, std::optional<double>& value) override

@@ -50,13 +50,24 @@ PieceCut::PieceCut(const StateMeasure& measure, Per per, std::span<const ImageVi
             fail(verb + ": the mask has " + toString(mask->getGeometry()) + ", but the image " + toString(size));
         }
     }
+    constexpr std::uint64_t mostAcross = std::uint64_t{1} << 40; // sums of products with positions have room for them
+    constexpr std::uint64_t mostPlanes = std::uint64_t{1} << 32;
+    const auto fits = [](std::uint64_t at, std::uint64_t side, std::uint64_t most) {
+        return at <= most && side <= most - at;
+    };
+    if (!fits(offset.x, size.x, mostAcross) || !fits(offset.y, size.y, mostAcross) ||
+        !fits(offset.z, size.z, mostPlanes) || !fits(offset.c, size.c, mostPlanes) ||
+        !fits(offset.t, size.t, mostPlanes)) {
+        fail(verb + ": positions are below 2^40 in x and y, and below 2^32 in z, c and t");
+    }
     core_ = {{}, {size.x, size.y, size.z, size.c, size.t}};
     if (core) {
         const auto place = [&](std::uint64_t Position::*side) {
             const std::uint64_t begin = core->begin.*side;
             const std::uint64_t end = core->end.*side;
             if (begin >= end || begin < offset.*side || end > offset.*side + core_.end.*side) {
-                fail(verb + ": the core of a piece lies in the piece");
+                fail(verb + ": the core of a piece lies in the piece, in positions of the whole image; its end is one "
+                            "behind the last in all five axes");
             }
             core_.begin.*side = begin - offset.*side;
             core_.end.*side = end - offset.*side;

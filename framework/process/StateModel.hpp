@@ -82,13 +82,15 @@ private:
 ///     static const StateMeasure& getMeasure();
 ///     using Options; using Result;     // plain records with visitFields(); options have `per`, results `plan`
 ///     struct Part;                     // what is kept of a plan, a volume or the image, with pass(stream)
-///     static void check(const Options&, const PixelTypeList&);    // throws MeasureException; without types, of
-///     options static void consume(const Options&, const Piece&, Part&);   // on any thread static void combine(const
-///     Options&, Part& into, const Part& from); static Result finish(const Options&, const PixelTypeList&, const Part&,
-///     const ResultPlace&); static std::vector<std::string> getNotes(const Result&);
+///     static void check(const Options&, const PixelTypeList&);    // throws MeasureException; also without types
+///     static void consume(const Options&, const Piece&, Part&);   // on any thread
+///     static void combine(const Options&, Part& into, Part from);
+///     static Result finish(const Options&, const PixelTypeList&, const Part&, const ResultPlace&);
+///     static std::vector<std::string> getNotes(const Result&);
 ///
-/// and, where it looks at neighbours, `static std::uint64_t getMargin(const Options&)`; where pixels must enter more
-/// than once,
+/// where a result is a table, `static std::vector<NamedFields> listRows(const Result&)` and `listColumns(options,
+/// types, place)`, the fields of a row; and, where it looks at neighbours, `static std::uint64_t getMargin(const
+/// Options&)`; where pixels must enter more than once,
 ///
 ///     static bool needsPass(const Options&, const PixelTypeList&, const Part&);
 ///     static void nextPass(const Options&, const PixelTypeList&, Part&);
@@ -103,6 +105,7 @@ public:
     using Options = typename M::Options;
     using Result = typename M::Result;
     using Part = typename M::Part;
+    static constexpr bool isTable = requires(const Result& result) { M::listRows(result); };
     static constexpr bool hasPasses = requires(const Part& part) { M::fork(part); };
 
     explicit StateModel(Options options) : options_{std::move(options)} { M::check(options_, {}); }
@@ -223,32 +226,37 @@ public:
         return results;
     }
 
-    std::vector<ResultRow> finishRows() const override
+    ResultRows finishRows() const override
     {
-        std::vector<ResultRow> rows;
-        for (Result& result : finish()) {
-            if constexpr (requires { M::listRows(result); }) {
-                for (auto& fields : M::listRows(result)) {
-                    rows.push_back({getPlace(result.plan), std::move(fields)});
+        ResultRows results;
+        for (const Result& result : finish()) {
+            const ResultPlace place = getPlace(result.plan);
+            if constexpr (isTable) {
+                for (NamedFields& fields : M::listRows(result)) {
+                    results.rows.push_back({place, std::move(fields)});
                 }
             } else {
-                rows.push_back({getPlace(result.plan), nameFields(data::collectFields(result))});
+                results.rows.push_back({place, {}});
+                for (const data::Field& field : data::collectFields(result)) {
+                    if (field.isThere) {
+                        results.rows.back().fields.emplace_back(field.info.name, field);
+                    }
+                }
             }
-        }
-        return rows;
-    }
-
-    std::vector<std::string> getNotes() const override
-    {
-        std::vector<std::string> notes;
-        for (const Result& result : finish()) {
             for (std::string& note : M::getNotes(result)) {
-                if (std::find(notes.begin(), notes.end(), note) == notes.end()) {
-                    notes.push_back(std::move(note));
+                if (std::find(results.notes.begin(), results.notes.end(), note) == results.notes.end()) {
+                    results.notes.push_back(std::move(note));
                 }
             }
         }
-        return notes;
+        if constexpr (isTable) {
+            results.columns = M::listColumns(options_, types_, getPlace({}));
+        } else {
+            for (const data::Field& field : data::collectFields(Result{})) {
+                results.columns.emplace_back(field.info.name, field);
+            }
+        }
+        return results;
     }
 
     std::string toBytes() const override
@@ -284,17 +292,6 @@ private:
     using Parts = std::map<image::PlanIndex, Part>;
 
     ResultPlace getPlace(const image::PlanIndex& plan) const { return {options_.per, plan.z, plan.c, plan.t, extent_}; }
-
-    static std::vector<std::pair<std::string, data::Field>> nameFields(const std::vector<data::Field>& fields)
-    {
-        std::vector<std::pair<std::string, data::Field>> named;
-        for (const data::Field& field : fields) {
-            if (field.isThere) {
-                named.emplace_back(field.info.name, field);
-            }
-        }
-        return named;
-    }
 
     static std::string writeOptions(Options options)
     {
@@ -359,7 +356,7 @@ private:
             if (found == into.end()) {
                 into.emplace(plan, std::move(part));
             } else {
-                M::combine(options_, found->second, part);
+                M::combine(options_, found->second, std::move(part));
             }
         }
     }

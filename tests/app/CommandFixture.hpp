@@ -104,6 +104,17 @@ protected:
         return path(name);
     }
 
+    /// An array as NumPy writes it.
+    template <class T>
+    std::string writeArray(const std::string& name, const std::string& type, const std::string& shape,
+                           const std::vector<T>& pixels) const
+    {
+        std::string header = "{'descr': '" + type + "', 'fortran_order': False, 'shape': " + shape + ", }";
+        header.append(118 - header.size() - 1, ' ').append("\n");
+        const std::string_view bytes{reinterpret_cast<const char*>(pixels.data()), pixels.size() * sizeof(T)};
+        return writeBytes(name, std::string{"\x93NUMPY\x01\x00\x76\x00", 10}.append(header).append(bytes));
+    }
+
     static std::string readBytes(const std::string& file)
     {
         std::ifstream in{file, std::ios::binary};

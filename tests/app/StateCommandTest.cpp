@@ -1,6 +1,7 @@
 #include <app/CommandFixture.hpp>
 
 #include <ORLIX/Measures/Describe.hpp>
+#include <framework/process/StateBytes.hpp>
 
 namespace orlix::test
 {
@@ -57,6 +58,12 @@ TEST_F(CommandTest, MeasuresRegions)
     EXPECT_EQ(second["TouchesBorder"], true);
     EXPECT_EQ(second["Sum.2"], 2.0 + 9.0);
     EXPECT_NE(run({"regions", labels, "--csv"}).output.find("BoundingBox.x0"), std::string::npos);
+    const std::string background = writeArray("zero.npy", "|u1", "(3, 4)", std::vector<unsigned char>(12));
+    const Outcome none = run({"regions", background, background, background, "--median", "--csv"});
+    EXPECT_EQ(none.status, 0);
+    EXPECT_EQ(none.output.rfind("path,Label,NbPixels,BoundingBox.x0,BoundingBox.y0,BoundingBox.x1,BoundingBox.y1,", 0),
+              0u);
+    EXPECT_NE(none.output.find(",Median.2\r\n"), std::string::npos) << none.output;
     EXPECT_EQ(run({"threshold", image, "--method", "mean", "--json"}).result()["Method"], "mean");
 }
 
@@ -83,7 +90,7 @@ TEST_F(CommandTest, MergesStates)
     measure("z=1:4", "2.state", "");
     const Outcome early = run({"merge", path("1.state"), path("2.state")});
     EXPECT_EQ(early.status, 1);
-    EXPECT_NE(early.error.find("need another pass"), std::string::npos) << early.error;
+    EXPECT_NE(early.error.find("is needed for percentiles of 32-bit pixels"), std::string::npos) << early.error;
     EXPECT_EQ(run({"merge", path("2.state"), path("1.state"), "--save-state", path("all.state")}).status, 0);
     measure("z=0:1", "3.state", "all.state");
     measure("z=1:4", "4.state", "all.state");
@@ -101,6 +108,27 @@ TEST_F(CommandTest, MergesStates)
               runOn({"histogram", image, "--min", "0", "--max", "60", "--classes", "7", "--json"}).result());
 }
 
+// Whatever the first row lacks: a first plane of NaN has no positions, float pixels have no entropy.
+TEST_F(CommandTest, NamesEveryColumn)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const std::string floats = writeArray<float>("f.npy", "<f4", "(2, 1, 2)", {nan, nan, 1, 2});
+    const std::string bytes = writeArray<unsigned char>("b.npy", "|u1", "(1, 2)", {1, 2});
+    const Outcome table = run({"describe", floats, bytes, "--per", "plan", "--csv"});
+    ASSERT_EQ(table.status, 0) << table.error;
+    std::istringstream lines{table.output};
+    std::string header, first, second, third;
+    std::getline(lines, header), std::getline(lines, first), std::getline(lines, second), std::getline(lines, third);
+    EXPECT_NE(header.find("Max,MaxPosition.x,MaxPosition.y,"), std::string::npos) << header;
+    EXPECT_EQ(header.substr(header.size() - 9), ",Entropy\r");
+    const auto nbCells = [](const std::string& line) { return std::count(line.begin(), line.end(), ','); };
+    EXPECT_EQ(nbCells(first), nbCells(header));
+    EXPECT_EQ(nbCells(second), nbCells(header));
+    EXPECT_EQ(second.back(), '\r');
+    EXPECT_EQ(second[second.size() - 2], ',');
+    EXPECT_NE(third.find(",0.6931471805599453\r"), std::string::npos) << third;
+}
+
 TEST_F(CommandTest, RefusesWrongStates)
 {
     const std::string image = write("a.tif", 1, {});
@@ -110,6 +138,10 @@ TEST_F(CommandTest, RefusesWrongStates)
     const std::string bytes = readBytes(state);
     const std::string cut = writeBytes("cut.state", bytes.substr(0, bytes.size() / 2));
     const std::string text = writeBytes("text.state", "no state");
+    const std::string empty = writeBytes("empty.state", "");
+    const std::string hollow =
+        writeBytes("hollow.state", imaproc::wrapState("histogram", R"({"measure":"x","results":[{}]})"));
+    const std::string large = writeArray<std::int64_t>("large.npy", "<i8", "(2, 2)", {1, std::int64_t{1} << 40, 7, 0});
     ASSERT_EQ(run({"threshold", image, "--save-state", path("t.state")}).status, 0);
     ASSERT_EQ(run({"histogram", image, "--save-state", path("h.state")}).status, 0);
     struct Case
@@ -125,6 +157,11 @@ TEST_F(CommandTest, RefusesWrongStates)
              {{"merge", state, path("t.state")}, 1, "states that merge are of one measure"},
              {{"merge", path("h.state"), state}, 1, "states that merge are of one measure"},
              {{"merge", state, path("h.state")}, 1, "states that merge are of one measure"},
+             {{"merge", empty}, 1, "empty.state: it is empty"},
+             {{"merge", hollow}, 1, "hollow.state: the state is damaged: it has no histograms"},
+             {{"regions", large}, 1, "some of its int64 values are none of int32"},
+             {{"describe", image, "--moments", "3"}, 2, "moments is 2 or 4, not 3 (see orlix describe --help)"},
+             {{"compare", image, image, "--peak", "0"}, 2, "the peak of a signal is above 0 and finite"},
              {{"merge"}, 2, "STATE is required"},
              {{"describe", image, "--next-pass", state}, 1, "it needs no other pass"},
              {{"compare", image, image, "--next-pass", state}, 1, "it is a state of describe"},

@@ -201,6 +201,31 @@ TEST(Compare, GivesTheSimilarityOfScikitImage)
     EXPECT_NEAR(*mixed.SSIM, 0.9793612100466391, 1e-14);
 }
 
+// What rounding makes of windows whose mean is large stays a similarity, with a mask and without.
+TEST(Compare, GivesSimilaritiesUpToOne)
+{
+    std::mt19937 random{4};
+    std::vector<float> a(60 * 20);
+    std::vector<float> b(a.size());
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        a[i] = 1e7f + static_cast<float>(random() % 3);
+        b[i] = i % 2 == 0 ? a[i] : -a[i];
+    }
+    const std::vector<unsigned char> all(a.size(), 1);
+    const ImageGeometry size{60, 20};
+    for (const SsimWindow window : {SsimWindow::Uniform, SsimWindow::Gaussian}) {
+        for (const auto* const second : {&a, &b}) {
+            CompareOptions options{.peak = 1e-3, .bins = 0, .window = window};
+            const double plain = *compare(view(a, size), view(*second, size), options)->SSIM;
+            options.mask = view(all, size);
+            EXPECT_EQ(*compare(view(a, size), view(*second, size), options)->SSIM, plain);
+            EXPECT_LE(std::fabs(plain), 1);
+        }
+    }
+    a[5] = std::numeric_limits<float>::infinity();
+    EXPECT_TRUE(std::isnan(*compare(view(a, size), view(b, size), {.peak = 1, .bins = 0})->SSIM));
+}
+
 TEST(Compare, RefusesWhatMakesNoSense)
 {
     const auto bytes = randomValues<unsigned char>(12);
@@ -208,9 +233,10 @@ TEST(Compare, RefusesWhatMakesNoSense)
     const auto refusal = [&](const ImageView& a, const ImageView& b, const CompareOptions& options) {
         return messageOf<MeasureException>([&] { (void)compare(a, b, options); });
     };
-    EXPECT_EQ(refusal(view(floats, {4, 3}), view(floats, {4, 3}), {}),
-              "float32 images have no peak of their own: give the highest value that a pixel may have, less the lowest "
-              "(peak)");
+    EXPECT_EQ(
+        refusal(view(floats, {4, 3}), view(floats, {4, 3}), {}),
+        "float32 images have no peak of their own: give it as the option peak, the highest value that a pixel may "
+        "have, less the lowest");
     EXPECT_EQ(refusal(view(bytes, {4, 3}), view(bytes, {3, 4}), {}),
               "compare: all images have one size, but one has 4 x 3, another 3 x 4");
     EXPECT_EQ(refusal(view(bytes, {4, 3}), view(bytes, {4, 3}), {.windowSize = 4}),

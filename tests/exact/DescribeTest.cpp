@@ -260,7 +260,8 @@ TEST(Describe, RefusesWhatMakesNoSense)
               "describe: the mask has 3 x 4, but the image 4 x 3");
     EXPECT_EQ(messageOf<MeasureException>([] { (void)describe({}); }), "describe: there is no image");
     EXPECT_EQ(messageOf<image::ImageException>([] {
-                  (void)view(std::vector<int>(7), {2, 3});
+                  const std::vector<int> seven(7);
+                  (void)view(seven, {2, 3});
               }),
               "there are 7 pixels, but an image of 2 x 3 has 6");
 }

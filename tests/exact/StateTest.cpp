@@ -129,6 +129,36 @@ TYPED_TEST(States, HaveTheSameBytesHoweverTheyAreCut)
     }
 }
 
+// So are those of images with NaN and infinities, whole rows of them, under a mask, per volume.
+TEST(States, HaveTheSameBytesWhereThereAreNoNumbers)
+{
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    auto pixels = randomValues<float>(size.nbPixels(), 3);
+    auto other = randomValues<float>(size.nbPixels(), 4);
+    std::fill_n(pixels.begin(), 30 * size.x, std::numeric_limits<float>::quiet_NaN());
+    std::fill_n(other.begin() + 40 * size.x, 9, infinity);
+    std::fill_n(pixels.begin() + 60 * size.x, 3 * size.x, -infinity);
+    auto mask = randomValues<unsigned char>(size.nbPixels());
+    for (unsigned char& each : mask) {
+        each = each % 3 != 0;
+    }
+    std::vector<int> labels(size.nbPixels());
+    for (std::size_t i = 0; i < labels.size(); ++i) {
+        labels[i] = static_cast<int>(i / 200 % 3);
+    }
+    for (const Per per : {Per::Image, Per::Volume, Per::Plan}) {
+        expectSameBytes<DescribeState>({.per = per, .moments = 4}, [&](auto& state, const Extent& part) {
+            state.add(cut(pixels, part), cut(mask, part), part.begin);
+        });
+        expectSameBytes<CompareState>({.per = per, .peak = 1, .ssim = false}, [&](auto& state, const Extent& part) {
+            state.add(cut(pixels, part), cut(other, part), cut(mask, part), part.begin);
+        });
+        expectSameBytes<RegionsState>({.per = per, .median = true}, [&](auto& state, const Extent& part) {
+            state.add(cut(labels, part), {cut(pixels, part)}, part.begin);
+        });
+    }
+}
+
 // Windows across a cut need a margin; without it the state says so.
 TEST(States, LookAtMargins)
 {
@@ -170,6 +200,9 @@ TEST(States, RefuseDamagedBytes)
         EXPECT_THROW((void)DescribeState::fromBytes(damaged), MeasureException);
         EXPECT_THROW((void)DescribeState::fromBytes(bytes.substr(0, random() % bytes.size())), MeasureException);
     }
+    for (std::size_t length = 0; length < 64; ++length) {
+        EXPECT_THROW((void)DescribeState::fromBytes(bytes.substr(0, length)), MeasureException) << length;
+    }
     EXPECT_EQ(messageOf<MeasureException>([&] { (void)CompareState::fromBytes(bytes); }),
               "the state is of describe, not of compare");
 }
@@ -198,6 +231,15 @@ TEST(States, MergeOnlyWithTheirOwnKind)
     EXPECT_EQ(refusal(next, other), "describe: states that merge are in the same pass: this one is in pass 1, not 2");
     EXPECT_EQ(messageOf<MeasureException>([&] { (void)other.finish(); }),
               "all pixels must enter the state once more before there are results");
+    EXPECT_EQ(messageOf<MeasureException>([&] {
+                  const auto bytes = randomValues<unsigned char>(100);
+                  state.add(view(bytes, {10, 10}), {}, {.z = std::uint64_t{1} << 32});
+              }),
+              "describe: positions are below 2^40 in x and y, and below 2^32 in z, c and t");
+    EXPECT_THROW(DescribeState({.mask = view(pixels, {10, 10})}), MeasureException);
+    EXPECT_THROW(
+        (void)*describe(ImageView{BaseImage::create(image::eImageBufferType::eIBT_UInt8, {0, 0})}, {.per = Per::Plan}),
+        MeasureException);
     state.merge(DescribeState{}); // nothing
     EXPECT_EQ(state.toBytes(), before);
 }

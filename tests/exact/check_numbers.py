@@ -81,13 +81,13 @@ def check_compare(name, first, second, peak):
     near(f"{name} SSIM", result["SSIM"], structural_similarity(a, b, data_range=peak))
     near(f"{name} NMI", result["NMI"], normalized_mutual_information(a, b, bins=100))
     near(f"{name} r", result["r"], np.corrcoef(a.ravel(), b.ravel())[0, 1])
-    gaussian = measure("compare", *paths, "--peak", peak, "--window", "gaussian", "--sample-covariance", "off")[0]
+    gaussian = measure("compare", *paths, "--peak", peak, "--window", "gaussian", "--no-sample-covariance")[0]
     expected = structural_similarity(a, b, data_range=peak, gaussian_weights=True, use_sample_covariance=False)
     near(f"{name} Gaussian SSIM", gaussian["SSIM"], expected)
 
 
 def check_regions(labels, image, kind):
-    rows = measure("regions", save("l.npy", labels), save("i.npy", image), "--median", "on", *kind)
+    rows = measure("regions", save("l.npy", labels), save("i.npy", image), "--median", *kind)
     regions = regionprops(labels, image)
     check("labels", [row["Label"] for row in rows] == [region.label for region in regions])
     for row, region in zip(rows, regions):
@@ -147,7 +147,7 @@ def main():
     check_pieces("describe", [sample["cells"]], ["--moments", "4"], 1)
     check_pieces("describe", [sample["surface"]], ["--percentiles", "3,50"], 2)
     check_pieces("compare", [sample["cells"], sample["labels"]], ["--window-size", "9"], 1)
-    check_pieces("regions", [sample["labels"], sample["cells"]], ["--median", "on"], 1)
+    check_pieces("regions", [sample["labels"], sample["cells"]], ["--median"], 1)
     check_pieces("threshold", [sample["surface"]], [], 2)
     check_pieces("histogram", [sample["cells"]], ["--min", "0", "--max", "255", "--classes", "16"], 1)
     print("\n".join(faults) or f"{checks} numbers are as they should be")

@@ -39,6 +39,7 @@ public:
         return bin;
     }
 
+    double getLowest(std::uint32_t bin) const { return edges_[bin]; }
     double getCentre(std::uint32_t bin) const { return (edges_[bin] + edges_[bin + 1]) / 2; }
 
 private:

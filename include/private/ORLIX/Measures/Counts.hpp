@@ -16,22 +16,25 @@ using namespace imaproc;
 class ValueCounts
 {
 public:
-    struct Entry
+    struct [[gnu::packed, gnu::aligned(4)]] Entry // 12 bytes
     {
         std::uint32_t key = 0;
         std::uint64_t count = 0;
 
-        friend bool operator==(const Entry&, const Entry&) = default;
         template <class Stream>
-        void pass(Stream& stream)
+        void pass(Stream & stream)
         {
-            stream(key), stream(count);
+            std::uint32_t k = key; // of packed members there are no references
+            std::uint64_t n = count;
+            stream(k), stream(n);
+            key = k, count = n;
         }
     };
 
+    void reserve(std::size_t size) { entries_.reserve(size); }
     /// A key above those that are there.
     void append(std::uint32_t key, std::uint64_t count) { entries_.push_back({key, count}); }
-    void merge(const ValueCounts& other);
+    void merge(ValueCounts other);
     const std::vector<Entry>& getEntries() const { return entries_; }
     std::uint64_t getTotal() const;
 
@@ -118,7 +121,7 @@ public:
 
     void add(const Piece& piece);
     void settle();
-    void merge(const RankSearch& other) { counts_.merge(other.counts_); }
+    void merge(RankSearch other) { counts_.merge(std::move(other.counts_)); }
     RankSearch fork() const;
     bool isAlike(const RankSearch& other) const { return known_ == other.known_ && targets_ == other.targets_; }
 

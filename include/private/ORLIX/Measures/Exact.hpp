@@ -27,7 +27,7 @@ Integer toInteger(const imaproc::Words<N>& words)
 /// normal double.
 double roundQuotient(Integer p, Integer q, int exponent = 0);
 
-/// The double nearest to the root of p / q * 2^exponent, for p not below 0; NaN where q is 0.
+/// The double nearest to the root of p / q * 2^exponent; NaN where p is below 0 or q not above.
 double roundRoot(Integer p, Integer q, int exponent = 0);
 
 } // namespace orlix::measures

@@ -16,7 +16,13 @@ using Model = imaproc::StateModel<typename ModelOf<M>::Type>;
 
 template <class M>
 State<M>::State(const Options& options) : model_{std::make_unique<Model<M>>(options)}
-{}
+{
+    if constexpr (requires { options.mask; }) {
+        if (options.mask) {
+            throw MeasureException{"a state is given a mask with each piece, not in its options", ORLIX_HERE};
+        }
+    }
+}
 template <class M>
 State<M>::State(std::unique_ptr<imaproc::BaseMeasureState> model) : model_{std::move(model)}
 {}

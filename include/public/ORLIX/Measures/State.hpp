@@ -28,7 +28,8 @@ enum class NanPolicy
 ORLIX_API std::span<const char* const> namesOf(NanPolicy);
 
 /// Results in the order of their plans or volumes: t slowest, then c, then z. Of a whole image there is one, which *
-/// and -> give.
+/// and -> give; they throw MeasureException where there is none, as per plan of an image without pixels. What -> of a
+/// temporary leads to goes with it: `for (double p : describe(image)->Percentiles)` looks at what is gone.
 template <class Result>
 class Results : public std::vector<Result>
 {
@@ -36,8 +37,18 @@ public:
     using std::vector<Result>::vector;
     explicit Results(std::vector<Result> results) : std::vector<Result>{std::move(results)} {}
 
-    const Result& operator*() const { return this->at(0); }
-    const Result* operator->() const { return &this->at(0); }
+    const Result& operator*() const& { return first(); }
+    Result operator*() && { return first(); }
+    const Result* operator->() const { return &first(); }
+
+private:
+    const Result& first() const
+    {
+        if (this->empty()) {
+            throw MeasureException{"there is no result: the image has no pixels", ORLIX_HERE};
+        }
+        return this->front();
+    }
 };
 
 /// The state of a measure M. Pixels may enter in any pieces and in any order, and states may merge as any tree: the
@@ -50,7 +61,8 @@ public:
     using Options = typename M::Options;
     using Result = typename M::Result;
 
-    /// Throws MeasureException if the options are none.
+    /// Throws MeasureException if an option has a value that the measure does not take, or there is a mask in them:
+    /// that goes with each piece.
     explicit State(const Options& options = {});
     State(const State& other);
     State(State&&) noexcept = default;
@@ -59,7 +71,8 @@ public:
 
     /// The pixels of a piece, those whose mask byte is not 0 if there is a mask. The first one lies at `offset` in the
     /// whole image. Where the measure looks at neighbours, the piece has a margin of them, and `core` is what it is
-    /// without it. Throws MeasureException; then nothing has entered.
+    /// without it, in positions of the whole image as `offset` is: Extent{{10, 0}, {20, 64, 1, 1, 1}}. Throws
+    /// MeasureException; then nothing has entered.
     void add(const ImageView& image, const ImageView& mask = {}, const Position& offset = {},
              const std::optional<Extent>& core = {}) requires(M::nbImages == 1)
     {

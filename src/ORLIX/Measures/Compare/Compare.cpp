@@ -32,8 +32,7 @@ void CompareOptions::visitFields(data::FieldVisitor& field)
     field({.name = "nan", .help = "what NaN pixels do", .option = "nan"}, nan);
     field({.name = "peak",
            .help = "of the signal (default: the range of the integer type; float images need it)",
-           .option = "peak",
-           .lowest = std::numeric_limits<double>::min()},
+           .option = "peak"},
           peak);
     field({.name = "threshold", .help = "of the first image, in Manders' coefficients", .option = "threshold"},
           threshold);
@@ -75,6 +74,7 @@ void Comparison::visitFields(data::FieldVisitor& field)
 {
     static constexpr const char* axes[] = {"x", "y", "z", "c", "t"};
     field({"NbPixels", "number of the pairs of pixels: inside the mask, neither of them NaN", "pixels"}, NbPixels);
+    field({"NbNaN", "number of the pairs with a NaN", "pixels"}, NbNaN);
     field({"ME", "mean error: second image less first", "grey levels"}, ME);
     field({"MSE", "mean squared error", "grey levels squared"}, MSE);
     field({"RMSE", "root of the mean squared error", "grey levels"}, RMSE);
@@ -134,8 +134,8 @@ double getPeak(const CompareOptions& options, eImageBufferType type)
         return *options.peak;
     }
     if (type == eImageBufferType::eIBT_Float32) {
-        fail("float32 images have no peak of their own: give the highest value that a pixel may have, less the lowest "
-             "(peak)");
+        fail("float32 images have no peak of their own: give it as the option peak, the highest value that a pixel may "
+             "have, less the lowest");
     }
     const auto [lowest, highest] = image::getValueRange(type);
     return highest - lowest;
@@ -258,7 +258,8 @@ struct CompareModel
                       "the exact values.",
             .inputs = {{"Image"}, {"Image2"}},
             .takesMask = true,
-            .entry = stateEntry<CompareModel>};
+            .entry = stateEntry<CompareModel>,
+            .passReason = "mutual information of anything but two images of 8 bits"};
         return measure;
     }
 
@@ -295,9 +296,9 @@ struct CompareModel
         }
     }
 
-    static void combine(const Options&, Part& into, const Part& from)
+    static void combine(const Options&, Part& into, Part from)
     {
-        into.joint.merge(from.joint);
+        into.joint.merge(std::move(from.joint));
         if (into.isSecondPass) {
             return;
         }
@@ -351,7 +352,7 @@ struct CompareModel
     static Result finish(const Options& options, const PixelTypeList& types, const Part& part, const ResultPlace& place)
     {
         if (options.nan == NanPolicy::Fail && part.nbNaN != 0) {
-            fail(std::to_string(part.nbNaN) + " pairs of pixels have a NaN");
+            fail("pairs of pixels with a NaN: " + std::to_string(part.nbNaN));
         }
         Result result;
         result.NbPixels = part.nbPairs;
@@ -376,9 +377,9 @@ struct CompareModel
     {
         std::vector<std::string> notes;
         if (result.NbNaN != 0) {
-            notes.push_back(std::to_string(result.NbNaN) + " pairs of pixels have a NaN");
+            notes.push_back("pairs of pixels with a NaN: " + std::to_string(result.NbNaN));
         }
-        if (result.SSIM && std::isnan(*result.SSIM)) {
+        if (result.SSIM && std::isnan(*result.SSIM) && !std::isnan(result.ME)) {
             notes.emplace_back("no window of the structural similarity lies in the image and counts");
         }
         return notes;
@@ -592,7 +593,7 @@ private:
                 found.append(i, counts[i]);
             }
         }
-        part.joint.merge(found);
+        part.joint.merge(std::move(found));
         std::fill(counts.begin(), counts.end(), 0);
         part.table->room = std::uint64_t{1} << 31;
     }
@@ -733,7 +734,7 @@ private:
                  std::to_string(expected) + ": pieces need a margin of " + std::to_string(border / 2) +
                  " pixels in x and y, and must make up the whole image (or leave out ssim)");
         }
-        if (part.nbCounting == 0 || (options.nan == NanPolicy::Propagate && part.nbNaN != 0)) {
+        if (part.nbCounting == 0 || part.nbInfinite != 0 || (options.nan == NanPolicy::Propagate && part.nbNaN != 0)) {
             return nan;
         }
         return roundQuotient(toInteger(part.similarity), part.nbCounting, SsimWindows::unit);

@@ -313,7 +313,8 @@ bool compareWords(PairBlock& block, std::size_t size, CompareFigures& f)
     return true;
 }
 
-/// The generic domain: it cleans the block, and leaves the sums to those who add up anything.
+/// The generic domain: it cleans the block, so that what counts are pairs of finite pixels, and leaves the sums to
+/// those who add up anything.
 template <Domain::domain D>
 bool cleanPairs(PairBlock& block, std::size_t size, CompareFigures& f)
 {
@@ -327,6 +328,7 @@ bool cleanPairs(PairBlock& block, std::size_t size, CompareFigures& f)
         f.nbInfinite += counts && isNumber && !isFinite;
         f.nbPairs += counts && isNumber;
         for (int k = 0; k < 2; ++k) {
+            block.counts[i] = counts && isFinite;
             if (counts && isFinite) {
                 const double x = block.pixels[k][i];
                 f.min[k] = f.min[k] < x ? f.min[k] : x;

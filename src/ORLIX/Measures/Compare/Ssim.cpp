@@ -26,8 +26,9 @@ SsimPlane::SsimPlane(const CompareOptions& options, double peak, std::span<const
     if (!windows_.window.isUniform) {
         double sum = 0;
         for (std::size_t k = 0; k < weights_.size(); ++k) {
-            const double x = static_cast<double>(k) - static_cast<double>(radius_);
-            weights_[k] = std::exp(-0.5 * x * x / (options.sigma * options.sigma));
+            // Of more digits than a double, so that libraries which round their last one differently agree on it.
+            const long double x = (static_cast<double>(k) - static_cast<double>(radius_)) / options.sigma;
+            weights_[k] = static_cast<double>(std::exp(-x * x / 2));
             sum += weights_[k];
         }
         for (double& weight : weights_) {
@@ -36,8 +37,9 @@ SsimPlane::SsimPlane(const CompareOptions& options, double peak, std::span<const
         windows_.n = 1;
     }
     windows_.factor = options.sampleCovariance && pixels > 1 ? pixels / (pixels - 1) : 1;
-    windows_.c1 = std::pow(options.k1 * peak, 2) * windows_.n * windows_.n;
-    windows_.c2 = std::pow(options.k2 * peak, 2) * windows_.n * windows_.n;
+    const auto square = [](double x) { return x * x; };
+    windows_.c1 = square(options.k1 * peak) * square(windows_.n);
+    windows_.c2 = square(options.k2 * peak) * square(windows_.n);
     windows_.window.weights = weights_.data();
     windows_.window.size = weights_.size();
     const std::size_t room = size_ + 2 * radius_ + 2 * SsimWeights::step;
@@ -125,6 +127,10 @@ std::optional<std::int64_t> SsimPlane::getSum() const
 Ptr<image::BaseImage> ssimImage(const ImageView& image, const ImageView& image2, const CompareOptions& options)
 {
     const double peak = checkComparison(options, image, image2);
+    if (options.mask) {
+        throw MeasureException{"an image of structural similarity has a value for every pixel: it takes no mask",
+                               ORLIX_HERE};
+    }
     const image::ImageGeometry& size = image->getGeometry();
     auto output = image::BaseImage::create(image::eImageBufferType::eIBT_Float32, size);
     const ImageView images[] = {image, image2};

@@ -93,7 +93,9 @@ ORLIX_KERNEL void measureAt(const SsimWindows& w, std::size_t x, typename Step<D
         const Numbers product = sums[0][i] * sums[1][i];
         const Numbers above = (2 * product + w.c1) * (2 * w.factor * (w.n * sums[4][i] - product) + w.c2);
         const Numbers below = (squares + w.c1) * (w.factor * (w.n * (sums[2][i] + sums[3][i]) - squares) + w.c2);
-        values[i] = above / below;
+        // What lies beyond 1 is rounding; NaN stays.
+        const Numbers similarity = above / below;
+        values[i] = maximum(Numbers{} - 1, minimum(Numbers{} + 1, similarity));
         S::put(values[i], w.values + x + i * S::size);
     }
 }

@@ -13,29 +13,29 @@ namespace orlix::measures
 
 using image::eImageBufferType;
 
-void ValueCounts::merge(const ValueCounts& other)
+void ValueCounts::merge(ValueCounts other)
 {
-    if (entries_.empty() || other.entries_.empty()) {
-        if (entries_.empty()) {
-            entries_ = other.entries_;
-        }
-        return;
+    if (entries_.size() < other.entries_.size()) {
+        entries_.swap(other.entries_);
     }
-    std::vector<Entry> merged;
-    merged.reserve(entries_.size() + other.entries_.size());
-    auto a = entries_.begin();
-    auto b = other.entries_.begin();
-    while (a != entries_.end() && b != other.entries_.end()) {
-        if (a->key == b->key) {
-            merged.push_back({a->key, a->count + b->count});
-            ++a, ++b;
+    // Behind what is there, the keys that are not; whole tables need no memory for that.
+    const std::size_t size = entries_.size();
+    std::size_t at = 0;
+    for (const Entry& entry : other.entries_) {
+        while (at < size && entries_[at].key < entry.key) {
+            ++at;
+        }
+        if (at < size && entries_[at].key == entry.key) {
+            entries_[at].count += entry.count;
         } else {
-            merged.push_back(a->key < b->key ? *a++ : *b++);
+            entries_.push_back(entry);
         }
     }
-    merged.insert(merged.end(), a, entries_.end());
-    merged.insert(merged.end(), b, other.entries_.end());
-    entries_ = std::move(merged);
+    if (entries_.size() != size) {
+        other.entries_ = {};
+        std::inplace_merge(entries_.begin(), entries_.begin() + static_cast<std::ptrdiff_t>(size), entries_.end(),
+                           [](const Entry& a, const Entry& b) { return a.key < b.key; });
+    }
 }
 
 std::uint64_t ValueCounts::getTotal() const
@@ -130,13 +130,18 @@ void ValueCounter::collect()
     // A signed byte counts as an unsigned one.
     const std::uint32_t turn = type_ == eImageBufferType::eIBT_Int8 ? 0x80 : 0;
     const auto first = static_cast<std::uint32_t>(counts_.first + (type_ == eImageBufferType::eIBT_Int16 ? 32768 : 0));
+    std::size_t size = 0;
+    for (std::uint32_t entry = 0; entry < counts_.size; ++entry) {
+        size += countOf(entry) != 0;
+    }
     ValueCounts found;
+    found.reserve(size);
     for (std::uint32_t entry = 0; entry < counts_.size; ++entry) {
         if (const std::uint64_t count = countOf(entry ^ turn); count != 0) {
             found.append(first + entry, count);
         }
     }
-    found_.merge(found);
+    found_.merge(std::move(found));
 }
 
 /// The tables of one pass: a pixel goes by its upper 16 bits to a target, or to a group of targets and by its next 8
@@ -237,6 +242,8 @@ struct RankSearch::Scan
     void take(ValueCounts& into)
     {
         ValueCounts found;
+        const auto size = counts.size() - static_cast<std::size_t>(std::count(counts.begin(), counts.end(), 0u));
+        found.reserve(size);
         for (std::size_t i = nowhere; i < counts.size(); ++i) {
             if (counts[i] != 0) {
                 found.append(static_cast<std::uint32_t>(i - nowhere), counts[i]);
@@ -248,7 +255,7 @@ struct RankSearch::Scan
             found.append(*entry, static_cast<std::uint64_t>(end - entry));
             entry = end;
         }
-        into.merge(found);
+        into.merge(std::move(found));
         std::fill(counts.begin(), counts.end(), 0);
         entries.clear();
         room = capacity;
@@ -311,8 +318,8 @@ namespace
 
 void RankSearch::setTargets(std::vector<Target> targets)
 {
-    // All that is left in one pass, where its tables stay below 2 MiB; else in steps of 8 bits.
-    constexpr std::size_t mostTargets = 7;
+    // All that is left in one pass, where that takes no more than 1 MiB; else in steps of 8 bits.
+    constexpr std::size_t mostTargets = 1;
     targets_ = std::move(targets);
     const bool isOneStep = known_ == 16 && (targets_.size() <= mostTargets || isSmall());
     nextBits_ = known_ == 32 ? 0 : isOneStep ? 16 : 8;

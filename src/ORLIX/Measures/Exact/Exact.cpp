@@ -74,7 +74,7 @@ double roundQuotient(Integer p, Integer q, int exponent)
 
 double roundRoot(Integer p, Integer q, int exponent)
 {
-    if (q == 0) {
+    if (q <= 0 || p < 0) {
         return nan;
     }
     if (p == 0) {

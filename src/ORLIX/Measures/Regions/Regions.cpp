@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <numeric>
 
 namespace orlix::measures
 {
@@ -44,16 +45,29 @@ std::span<const char* const> namesOfBox(std::size_t nbAxes)
 constexpr data::FieldInfo labelField{"Label", "of the region"};
 constexpr data::FieldInfo pixelsField{"NbPixels", "number of the pixels", "pixels"};
 constexpr data::FieldInfo borderField{"TouchesBorder", "whether the region lies at the border of the image"};
-constexpr data::FieldInfo centroidField{
-    .name = "Centroid", .help = "mean position of the pixels", .unit = "pixels", .columnNames = axes};
+constexpr data::FieldInfo nanField{"NbNaN", "number of the pixels that are NaN, and take part in no figure", "pixels"};
 constexpr data::FieldInfo sumField{"Sum", "sum of the pixels", "grey levels"};
 constexpr data::FieldInfo meanField{"Mean", "mean of the pixels", "grey levels"};
 constexpr data::FieldInfo deviationField{"StdDev", "standard deviation of the population", "grey levels"};
 constexpr data::FieldInfo minField{"Min", "lowest pixel", "grey levels"};
 constexpr data::FieldInfo maxField{"Max", "highest pixel", "grey levels"};
-constexpr data::FieldInfo weightedField{
-    .name = "WeightedCentroid", .help = "the same, weighted by the pixels", .unit = "pixels", .columnNames = axes};
 constexpr data::FieldInfo medianField{"Median", "the middle pixel of all in their order", "grey levels"};
+
+data::FieldInfo centroidField(std::size_t nbAxes)
+{
+    return {.name = "Centroid",
+            .help = "mean position of the pixels",
+            .unit = "pixels",
+            .columnNames = std::span{axes}.first(nbAxes)};
+}
+
+data::FieldInfo weightedField(std::size_t nbAxes)
+{
+    return {.name = "WeightedCentroid",
+            .help = "the same, weighted by the pixels",
+            .unit = "pixels",
+            .columnNames = std::span{axes}.first(nbAxes)};
+}
 
 data::FieldInfo boxField(std::size_t nbAxes)
 {
@@ -75,12 +89,13 @@ void Regions::visitFields(data::FieldVisitor& field)
     field(labelField, number);
     field(pixelsField, count);
     field(boxField(nbAxes), counts);
-    field(centroidField, numbers);
+    field(centroidField(nbAxes), numbers);
     field(borderField, isThere);
+    field(nanField, count);
     for (const data::FieldInfo& info : {sumField, meanField, deviationField, minField, maxField}) {
         field(info, number);
     }
-    field(weightedField, numbers);
+    field(weightedField(nbAxes), numbers);
     field(medianField, number);
 }
 
@@ -182,10 +197,10 @@ struct RegionImage
             found.append(*entry, static_cast<std::uint64_t>(end - entry));
             entry = end;
         }
-        values.merge(found);
+        values.merge(std::move(found));
         entered.clear();
     }
-    void combine(const RegionImage& from)
+    void combine(RegionImage&& from)
     {
         nbNaN += from.nbNaN;
         nbPositiveInfinity += from.nbPositiveInfinity;
@@ -197,7 +212,7 @@ struct RegionImage
         for (std::size_t axis = 0; axis < nbAllAxes; ++axis) {
             imaproc::add(moments[axis], from.moments[axis]);
         }
-        values.merge(from.values);
+        values.merge(std::move(from.values));
     }
 };
 
@@ -249,7 +264,7 @@ struct Region
             add(positions[axis], UInt128{size} * (from + to) / 2);
         }
     }
-    void combine(const Region& from)
+    void combine(Region&& from)
     {
         nbPixels += from.nbPixels;
         for (std::size_t axis = 0; axis < nbAllAxes; ++axis) {
@@ -258,7 +273,7 @@ struct Region
             imaproc::add(positions[axis], from.positions[axis]);
         }
         for (std::size_t i = 0; i < images.size(); ++i) {
-            images[i].combine(from.images[i]);
+            images[i].combine(std::move(from.images[i]));
         }
     }
 };
@@ -423,7 +438,7 @@ struct RegionsModel
         mergeRegions(part.regions, std::move(regions));
     }
 
-    static void combine(const Options&, Part& into, const Part& from) { mergeRegions(into.regions, from.regions); }
+    static void combine(const Options&, Part& into, Part from) { mergeRegions(into.regions, std::move(from.regions)); }
 
     static Result finish(const Options& options, const PixelTypeList& types, const Part& part, const ResultPlace& place)
     {
@@ -433,7 +448,8 @@ struct RegionsModel
         const Coordinates begin = toCoordinates(place.image.begin);
         const Coordinates end = toCoordinates(place.image.end);
         for (const Region& region : part.regions) {
-            result.Label.push_back(static_cast<std::int64_t>(valueOf(region.key, labelType(types[0]))));
+            result.Label.push_back(types.empty() ? 0
+                                                 : static_cast<std::int64_t>(valueOf(region.key, labelType(types[0]))));
             result.NbPixels.push_back(region.nbPixels);
             bool touches = false;
             for (std::size_t axis = 0; axis < result.nbAxes; ++axis) {
@@ -447,7 +463,8 @@ struct RegionsModel
             }
             result.TouchesBorder.push_back(touches);
             for (std::size_t i = 0; i < region.images.size(); ++i) {
-                finishImage(options, types[i + 1], region, region.images[i], result.nbAxes, result.images[i]);
+                finishImage(options, types[i + 1], result.Label.back(), region, region.images[i], result.nbAxes,
+                            result.images[i]);
             }
         }
         return result;
@@ -457,9 +474,12 @@ struct RegionsModel
     {
         std::vector<std::string> notes;
         for (const RegionFigures& image : result.images) {
-            const auto hasNaN = [](std::uint64_t count) { return count != 0; };
-            if (const auto n = std::count_if(image.NbNaN.begin(), image.NbNaN.end(), hasNaN); n != 0) {
-                notes.push_back("there are NaN pixels in " + std::to_string(n) + " regions");
+            const auto n = std::accumulate(image.NbNaN.begin(), image.NbNaN.end(), std::uint64_t{0});
+            if (n != 0) {
+                const auto hasNone = [](std::uint64_t count) { return count == 0; };
+                const auto others = std::count_if(image.NbNaN.begin(), image.NbNaN.end(), hasNone);
+                notes.push_back("pixels that are NaN: " + std::to_string(n) + ", in regions: " +
+                                std::to_string(static_cast<std::ptrdiff_t>(image.NbNaN.size()) - others));
             }
         }
         if (result.Label.empty()) {
@@ -468,9 +488,17 @@ struct RegionsModel
         return notes;
     }
 
-    static std::vector<std::vector<std::pair<std::string, data::Field>>> listRows(const Result& result)
+    static NamedFields listColumns(const Options& options, const PixelTypeList& types, const ResultPlace& place)
     {
-        std::vector<std::vector<std::pair<std::string, data::Field>>> rows(result.size());
+        Part part;
+        part.regions.resize(1);
+        part.regions[0].images.resize(types.empty() ? 0 : types.size() - 1);
+        return listRows(finish({.per = options.per, .median = options.median}, types, part, place)).front();
+    }
+
+    static std::vector<NamedFields> listRows(const Result& result)
+    {
+        std::vector<NamedFields> rows(result.size());
         const std::size_t n = result.nbAxes;
         for (std::size_t row = 0; row < rows.size(); ++row) {
             const auto add = [&](const data::FieldInfo& info, data::Value value, const std::string& suffix = "") {
@@ -483,17 +511,18 @@ struct RegionsModel
             add(labelField, result.Label[row]);
             add(pixelsField, result.NbPixels[row]);
             add(boxField(n), slice(result.BoundingBox, 2 * n));
-            add(centroidField, slice(result.Centroid, n));
+            add(centroidField(n), slice(result.Centroid, n));
             add(borderField, bool{result.TouchesBorder[row]});
             for (std::size_t i = 0; i < result.images.size(); ++i) {
                 const RegionFigures& image = result.images[i];
                 const std::string suffix = result.images.size() > 1 ? "." + std::to_string(i + 1) : "";
+                add(nanField, image.NbNaN[row], suffix);
                 add(sumField, image.Sum[row], suffix);
                 add(meanField, image.Mean[row], suffix);
                 add(deviationField, image.StdDev[row], suffix);
                 add(minField, image.Min[row], suffix);
                 add(maxField, image.Max[row], suffix);
-                add(weightedField, slice(image.WeightedCentroid, n), suffix);
+                add(weightedField(n), slice(image.WeightedCentroid, n), suffix);
                 if (!image.Median.empty()) {
                     add(medianField, image.Median[row], suffix);
                 }
@@ -608,7 +637,7 @@ private:
         auto b = from.begin();
         while (a != into.end() && b != from.end()) {
             if (a->key == b->key) {
-                a->combine(*b++);
+                a->combine(std::move(*b++));
                 merged.push_back(std::move(*a++));
             } else {
                 merged.push_back(std::move(a->key < b->key ? *a++ : *b++));
@@ -619,11 +648,13 @@ private:
         into = std::move(merged);
     }
 
-    static void finishImage(const Options& options, eImageBufferType type, const Region& region,
+    static void finishImage(const Options& options, eImageBufferType type, std::int64_t label, const Region& region,
                             const RegionImage& image, std::size_t nbAxes, RegionFigures& figures)
     {
         if (options.nan == NanPolicy::Fail && image.nbNaN != 0) {
-            throw MeasureException{std::to_string(image.nbNaN) + " pixels of a region are NaN", ORLIX_HERE};
+            throw MeasureException{"label " + std::to_string(label) +
+                                       ": pixels of the image that are NaN: " + std::to_string(image.nbNaN),
+                                   ORLIX_HERE};
         }
         const std::uint64_t n = region.nbPixels - image.nbNaN;
         const std::uint64_t nbInfinite = image.nbPositiveInfinity + image.nbNegativeInfinity;

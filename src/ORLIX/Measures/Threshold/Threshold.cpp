@@ -232,7 +232,8 @@ struct ThresholdModel
             .remark = "Pixels above the threshold are foreground. Float pixels are sorted into 256 classes first.",
             .inputs = {{"Image"}},
             .takesMask = true,
-            .entry = stateEntry<ThresholdModel>};
+            .entry = stateEntry<ThresholdModel>,
+            .passReason = "the histogram of 32-bit pixels"};
         return measure;
     }
 
@@ -266,14 +267,14 @@ struct ThresholdModel
                 found.append(bin, part.fine[bin]);
             }
         }
-        part.counts.merge(found);
+        part.counts.merge(std::move(found));
         part.fine = {};
         part.bins.reset();
     }
 
-    static void combine(const Options&, Part& into, const Part& from)
+    static void combine(const Options&, Part& into, Part from)
     {
-        into.counts.merge(from.counts);
+        into.counts.merge(std::move(from.counts));
         if (!into.isSecondPass) {
             into.figures.combine(from.figures);
         }
@@ -412,8 +413,9 @@ private:
         const unsigned size = isCoarse ? nbBins : nbFineBins;
         const Bins bins{min, max, size};
         h.counts.resize(size);
+        // Li's method asks which pixels are above a level: a pixel on a bound is not above it.
         for (std::uint32_t bin = 0; bin < size; ++bin) {
-            h.levels.push_back(bins.getCentre(bin));
+            h.levels.push_back(method == ThresholdMethod::Li ? bins.getLowest(bin) : bins.getCentre(bin));
         }
         h.width = h.levels[1] - h.levels[0];
         count([&](std::uint32_t key) { return std::size_t{key / (nbFineBins / size)}; });
