@@ -301,4 +301,14 @@ TEST(Threshold, PartsTwoNormalDistributions)
     EXPECT_EQ(threshold(view(constant, {3, 3}))->Threshold, -4);
 }
 
+// A pixel that is the threshold is below it: (0.5 - 2) / ln(0.5 / 2).
+TEST(Threshold, OfThreeLevelsByLi)
+{
+    std::vector<float> pixels;
+    for (int i = 0; i < 27; ++i) {
+        pixels.push_back(static_cast<float>(i % 3));
+    }
+    EXPECT_NEAR(threshold(view(pixels, {9, 3}), {.method = ThresholdMethod::Li})->Threshold, 1.0820212806667227, 3e-5);
+}
+
 } // namespace orlix::test

@@ -47,8 +47,9 @@ constexpr unsigned nbBins = 256;
 struct LevelCounts
 {
     std::vector<double> counts;
-    std::vector<double> levels;
-    double width = 1; ///< between two levels
+    std::vector<double> levels; ///< in the middle of classes
+    std::vector<double> lowest; ///< of a class
+    double width = 1;           ///< between two levels
 
     std::size_t size() const { return counts.size(); }
 };
@@ -139,7 +140,7 @@ double findIsodata(const LevelCounts& h)
 
 double findLi(const LevelCounts& h, double mean)
 {
-    const double lowest = h.levels[0];
+    const double lowest = h.lowest[0];
     const double tolerance = h.width / 2;
     double next = mean - lowest;
     double current = -2 * tolerance;
@@ -148,9 +149,8 @@ double findLi(const LevelCounts& h, double mean)
         double sums[2] = {};
         double counts[2] = {};
         for (std::size_t i = 0; i < h.size(); ++i) {
-            const double level = h.levels[i] - lowest;
-            const bool isAbove = level > current;
-            sums[isAbove] += h.counts[i] * level;
+            const bool isAbove = h.lowest[i] - lowest > current; // a pixel that is the threshold is not
+            sums[isAbove] += h.counts[i] * (h.levels[i] - lowest);
             counts[isAbove] += h.counts[i];
         }
         const double below = sums[0] / counts[0];
@@ -403,6 +403,7 @@ private:
             h.counts.resize(static_cast<std::size_t>(max - min) + 1);
             h.levels.resize(h.counts.size());
             std::iota(h.levels.begin(), h.levels.end(), min);
+            h.lowest = h.levels;
             const bool isFine = part.isSecondPass;
             count([&](std::uint32_t key) {
                 return isFine ? std::size_t{key} : static_cast<std::size_t>(valueOf(key, type) - min);
@@ -413,9 +414,9 @@ private:
         const unsigned size = isCoarse ? nbBins : nbFineBins;
         const Bins bins{min, max, size};
         h.counts.resize(size);
-        // Li's method asks which pixels are above a level: a pixel on a bound is not above it.
         for (std::uint32_t bin = 0; bin < size; ++bin) {
-            h.levels.push_back(method == ThresholdMethod::Li ? bins.getLowest(bin) : bins.getCentre(bin));
+            h.levels.push_back(bins.getCentre(bin));
+            h.lowest.push_back(bins.getLowest(bin));
         }
         h.width = h.levels[1] - h.levels[0];
         count([&](std::uint32_t key) { return std::size_t{key / (nbFineBins / size)}; });
