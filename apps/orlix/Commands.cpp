@@ -334,15 +334,18 @@ void addParameter(CLI::App& command, const attr::Parameter& parameter, Options& 
     const std::string name = parameter.info.option;
     const std::string option = "--" + name;
     std::string help = parameter.info.help;
-    if (parameter.defaultValue && parameter.info.enumerators.empty() && help.find("(default") == std::string::npos) {
+    if (parameter.defaultValue && help.find("(default") == std::string::npos) {
         std::string text = toJson(*parameter.defaultValue).dump();
-        std::erase_if(text, [](char c) { return c == '[' || c == ']'; });
+        std::erase_if(text, [](char c) { return c == '[' || c == ']' || c == '"'; });
         help += " (default: " + text + ")";
     }
     std::string& target = options.parameters[name];
     const auto& enumerators = parameter.info.enumerators;
     if (parameter.defaultValue && std::holds_alternative<bool>(*parameter.defaultValue)) {
-        command.add_flag(option + "{on},--no-" + name + "{off}", target, help);
+        const bool isOn = std::get<bool>(*parameter.defaultValue);
+        command.add_flag_callback(
+            isOn ? "--no-" + name : option, [&target, isOn] { target = isOn ? "off" : "on"; },
+            isOn ? "do not " + std::string{parameter.info.help} : parameter.info.help);
     } else if (parameter.defaultValue && std::holds_alternative<std::vector<double>>(*parameter.defaultValue)) {
         command.add_option(option, target, help)
             ->check(listOf(parameter.info.lowest, parameter.info.highest))

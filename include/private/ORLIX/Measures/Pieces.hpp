@@ -34,8 +34,14 @@ Kernel<T> selectKernel(const KernelTables<KernelsByType<Kernel>>& tables)
     if (const Kernel<T> kernel = findKernel<T>(tables)) {
         return kernel;
     }
-    throw MeasureException{std::string{"there is no kernel for pixels of "} + getName(image::imageBufferTypeOf<T>) +
-                               " in " + toString(core::settings::getForcedInstructionSets()),
+    core::InstructionSetsIdentifier others;
+    for (const auto set : core::allDomains) {
+        if (kernelOf<T>(tables.of(set)) != nullptr && core::isAvailable(set)) {
+            others = others | set;
+        }
+    }
+    throw MeasureException{"there is no " + toString(core::settings::getForcedInstructionSets()) + " kernel for " +
+                               getName(image::imageBufferTypeOf<T>) + " pixels: there are " + toString(others),
                            ORLIX_HERE};
 }
 

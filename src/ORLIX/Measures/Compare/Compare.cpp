@@ -65,7 +65,7 @@ void CompareOptions::visitFields(data::FieldVisitor& field)
     field({.name = "k2", .help = "constant of the structural similarity", .option = "k2", .lowest = 0, .highest = 1},
           k2);
     field({.name = "sampleCovariance",
-           .help = "variances of windows are over the number of pixels less 1",
+           .help = "divide variances of windows by the number of pixels less 1",
            .option = "sample-covariance"},
           sampleCovariance);
 }
