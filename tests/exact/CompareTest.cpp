@@ -50,16 +50,6 @@ std::vector<unsigned char> disturb(std::vector<unsigned char> pixels)
     return pixels;
 }
 
-template <class T>
-std::vector<Rational> toRationals(const std::vector<T>& pixels)
-{
-    std::vector<Rational> numbers;
-    for (const T x : pixels) {
-        numbers.emplace_back(static_cast<double>(x));
-    }
-    return numbers;
-}
-
 /// Every error, the correlation and the line, against their definitions.
 void expectExact(const Comparison& found, const std::vector<Rational>& a, const std::vector<Rational>& b)
 {

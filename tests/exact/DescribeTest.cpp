@@ -33,16 +33,6 @@ Rational getMoment(const std::vector<Rational>& pixels, int power)
     return sum / pixels.size();
 }
 
-template <class T>
-std::vector<Rational> toRationals(const std::vector<T>& pixels)
-{
-    std::vector<Rational> numbers;
-    for (const T x : pixels) {
-        numbers.emplace_back(static_cast<double>(x));
-    }
-    return numbers;
-}
-
 void expectExact(const Description& found, const std::vector<Rational>& pixels, bool hasFourth)
 {
     Rational sum = 0;

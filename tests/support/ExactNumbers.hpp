@@ -6,11 +6,22 @@
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace orlix::test
 {
 
 using Rational = boost::multiprecision::cpp_rational;
+
+template <class T>
+std::vector<Rational> toRationals(const std::vector<T>& pixels)
+{
+    std::vector<Rational> numbers;
+    for (const T x : pixels) {
+        numbers.emplace_back(static_cast<double>(x));
+    }
+    return numbers;
+}
 
 /// Whether no double is nearer to the exact value.
 inline testing::AssertionResult isNearest(double x, const Rational& exact)
