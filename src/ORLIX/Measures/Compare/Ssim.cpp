@@ -11,7 +11,7 @@ std::size_t SsimPlane::getRadius(const CompareOptions& options)
         return options.windowSize / 2;
     }
     constexpr double truncate = 3.5;
-    return options.window == SsimWindow::Uniform ? 3 : static_cast<std::size_t>(truncate * options.sigma + 0.5);
+    return options.window == SsimWindow::Uniform ? 3 : static_cast<std::size_t>(std::lround(truncate * options.sigma));
 }
 
 SsimPlane::SsimPlane(const CompareOptions& options, double peak, std::span<const ImageView> images, const Position& at,

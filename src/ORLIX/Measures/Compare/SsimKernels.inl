@@ -16,21 +16,21 @@ template <Domain::domain D>
 struct Step
 {
     using Numbers = Pack<double, D>;
-    using Bits = Pack<std::int64_t, D>;
+    using Bits = Pack<std::uint64_t, D>; // those of NaN may overflow
     static constexpr std::size_t size = lanes<double, D>;
     ORLIX_KERNEL static Numbers get(const double* from) { return load<Numbers>(from); }
     ORLIX_KERNEL static void put(Numbers numbers, double* to) { store(numbers, to); }
-    ORLIX_KERNEL static std::int64_t add(Bits bits) { return addLanes<std::int64_t, std::int64_t>(bits); }
+    ORLIX_KERNEL static std::uint64_t add(Bits bits) { return addLanes<std::uint64_t, std::uint64_t>(bits); }
 };
 template <>
 struct Step<Domain::eIS_Generic>
 {
     using Numbers = double;
-    using Bits = std::int64_t;
+    using Bits = std::uint64_t;
     static constexpr std::size_t size = 1;
     ORLIX_KERNEL static double get(const double* from) { return *from; }
     ORLIX_KERNEL static void put(double number, double* to) { *to = number; }
-    ORLIX_KERNEL static std::int64_t add(Bits bits) { return bits; }
+    ORLIX_KERNEL static std::uint64_t add(Bits bits) { return bits; }
 };
 
 /// A product with a weight that is 1 needs none.
@@ -101,10 +101,10 @@ ORLIX_KERNEL void measureAt(const SsimWindows& w, std::size_t x, typename Step<D
 }
 
 /// A similarity, in units.
-ORLIX_KERNEL std::int64_t toUnits(double value, double start, std::int64_t startBits)
+ORLIX_KERNEL std::uint64_t toUnits(double value, double start, std::uint64_t startBits)
 {
     const double moved = value + start;
-    std::int64_t bits;
+    std::uint64_t bits;
     __builtin_memcpy(&bits, &moved, sizeof bits);
     return bits - startBits;
 }
@@ -118,7 +118,7 @@ ORLIX_KERNEL void measure(SsimWindows& w)
     constexpr std::size_t packs = 2;
     // Added to it, a similarity is rounded to units, which the bits of the double count.
     const double start = 1.5 * powerOfTwo(52 + SsimWindows::unit);
-    std::int64_t startBits;
+    std::uint64_t startBits;
     __builtin_memcpy(&startBits, &start, sizeof start);
     Bits sum{};
     Bits isNaN{};
@@ -134,7 +134,7 @@ ORLIX_KERNEL void measure(SsimWindows& w)
             sum += bits - startBits;
         }
     }
-    w.sum = S::add(sum);
+    std::uint64_t total = S::add(sum);
     w.hasNaN = S::add(isNaN) != 0;
     if (x < w.size) {
         measureAt<D, IsUniform>(w, x, values);
@@ -142,8 +142,9 @@ ORLIX_KERNEL void measure(SsimWindows& w)
     for (; x < w.size; ++x) {
         const double value = w.values[x];
         w.hasNaN |= value != value;
-        w.sum += toUnits(value, start, startBits);
+        total += toUnits(value, start, startBits);
     }
+    w.sum = std::int64_t(total);
 }
 
 template <Domain::domain D>
