@@ -142,7 +142,7 @@ bool sumRun(const RegionRun<T>& run, int unit, RunSums& sums)
             if constexpr (isFloat<T>) {
                 x[k] *= perUnit;
                 const Lanes rounder = UnitLanes<D>::start(0);
-                isOff |= (x[k] + rounder) - rounder != x[k]; // so is what is not finite, or too great
+                isOff |= (x[k] + rounder) - rounder != x[k]; // so is NaN
             }
             total[k] += x[k];
             rest.add(x[k], place[k]);
