@@ -25,7 +25,7 @@ struct RegionFigures
     std::vector<double> Max;
     std::vector<double> WeightedCentroid; ///< as many numbers as there are axes, for each region
     std::vector<double> Median;           ///< where it is asked for
-    std::vector<std::uint64_t> NbNaN;
+    std::vector<std::uint64_t> NbNaN;     ///< pixels that take part in none of these
 };
 
 /// Columns of a table with a row for every label that occurs, but for the background 0, in ascending order.
