@@ -202,6 +202,28 @@ ORLIX_KERNEL std::uint32_t laneBits(S selection)
     }
 }
 
+/// Writes the selected lanes one behind the other, and tells how many; there is room for a whole pack.
+template <Domain::domain D, class S>
+ORLIX_KERNEL std::size_t storeSelected(S selection, Pack<std::uint32_t, D> x, std::uint32_t* to)
+{
+    std::uint32_t bits = laneBits<D>(selection);
+    if constexpr (D == Domain::eIS_AVX512) {
+        // In a register: some processors are slow where this goes to memory.
+        store((Pack<std::uint32_t, D>)_mm512_maskz_compress_epi32(__mmask16(bits), (__m512i)x), to);
+        return std::size_t(__builtin_popcount(bits));
+    } else {
+        std::size_t size = 0;
+        if (bits != 0) {
+            std::uint32_t lane[lanes<std::uint32_t, D>];
+            store(x, lane);
+            for (; bits != 0; bits &= bits - 1) {
+                to[size++] = lane[__builtin_ctz(bits)];
+            }
+        }
+        return size;
+    }
+}
+
 /// Which of the next pixels of type T count: those whose mask byte is not 0.
 template <class T, Domain::domain D>
 ORLIX_KERNEL LaneMask<T, D> loadLaneMask(const std::uint8_t* mask)

@@ -78,6 +78,18 @@ __m512i addProducts(const __m512i& sums, F product)
     });
 }
 
+inline __m512i compress(unsigned mask, const __m512i& a)
+{
+    const Lanes<std::uint32_t, __m512i> x{a};
+    std::uint32_t selected[16] = {};
+    for (int i = 0, size = 0; i < 16; ++i) {
+        if ((mask >> i & 1) != 0) {
+            selected[size++] = x.lane[i];
+        }
+    }
+    return fill<std::uint32_t, __m512i>([&](int i) { return selected[i]; });
+}
+
 inline __m512i maddWords(const __m512i& sums, const __m512i& a, const __m512i& b)
 {
     const Lanes<std::int16_t, __m512i> x{a};
@@ -198,6 +210,7 @@ void storeUnaligned(void* to, const Register& from)
 #undef _mm512_madd52hi_epu64
 #undef _mm512_madd52lo_epu64
 #undef _mm512_madd_epi16
+#undef _mm512_maskz_compress_epi32
 #undef _mm512_movepi32_mask
 #undef _mm512_mulhi_epu16
 #undef _mm512_packs_epi32
@@ -238,6 +251,7 @@ void storeUnaligned(void* to, const Register& from)
 #define _mm512_madd52hi_epu64(sums, a, b) ORLIX_EMULATED::madd52(sums, a, b, 52)
 #define _mm512_madd52lo_epu64(sums, a, b) ORLIX_EMULATED::madd52(sums, a, b, 0)
 #define _mm512_madd_epi16(a, b) ORLIX_EMULATED::maddWords(__m512i{}, a, b)
+#define _mm512_maskz_compress_epi32(mask, a) ORLIX_EMULATED::compress(mask, a)
 #define _mm512_movepi32_mask(a)                                                                                        \
     ORLIX_EMULATED::bits(16,                                                                                           \
                          [from = ORLIX_EMULATED::Lanes<std::int32_t, __m512i>{a}](int i) { return from.lane[i] < 0; })

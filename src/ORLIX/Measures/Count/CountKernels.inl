@@ -116,14 +116,7 @@ std::size_t find(R run, const Prefixes& p, std::uint32_t* found)
                     isWanted |= start == prefix[j];
                 }
             }
-            std::uint32_t bits = laneBits<D>(isWanted & counts);
-            if (bits != 0) {
-                std::uint32_t numbers[lane];
-                store(ordered, numbers);
-                for (; bits != 0; bits &= bits - 1) {
-                    found[size++] = numbers[__builtin_ctz(bits)];
-                }
-            }
+            size += storeSelected<D>(isWanted & counts, ordered, found + size);
         }
     }
     for (; i < run.size; ++i) {
