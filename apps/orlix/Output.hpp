@@ -27,7 +27,7 @@ struct Report
     bool omitsUnknown = false;                        ///< fields that are null are not known, instead of NaN
     bool isSilent = false;                            ///< it is not printed: what it would say went to a file
     std::map<std::string, std::vector<std::string>> columnNames{}; ///< of the elements of lists, in CSV
-    Json emptyRow{}; ///< nothing, under the name of every field that a row may have; null: that are those of the first
+    Json emptyRow{}; ///< nothing, under the name of every field that a row may have; null: the first row has them all
 };
 
 /// A number as JSON: NaN is null, infinities are "Infinity" and "-Infinity".

@@ -191,27 +191,18 @@ TEST(Compare, GivesTheSimilarityOfScikitImage)
     EXPECT_NEAR(*mixed.SSIM, 0.9793612100466391, 1e-14);
 }
 
-// What rounding makes of windows whose mean is large stays a similarity, with a mask and without.
+// What rounding makes of windows without contrast stays a similarity, with a mask and without.
 TEST(Compare, GivesSimilaritiesUpToOne)
 {
-    std::mt19937 random{4};
-    std::vector<float> a(60 * 20);
-    std::vector<float> b(a.size());
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        a[i] = 1e7f + static_cast<float>(random() % 3);
-        b[i] = i % 2 == 0 ? a[i] : -a[i];
-    }
+    constexpr ImageGeometry size{60, 20};
+    std::vector<float> a(size.nbPixels(), 235.217f);
+    const std::vector<float> b(a.size(), 25.5724f);
     const std::vector<unsigned char> all(a.size(), 1);
-    const ImageGeometry size{60, 20};
-    for (const SsimWindow window : {SsimWindow::Uniform, SsimWindow::Gaussian}) {
-        for (const auto* const second : {&a, &b}) {
-            CompareOptions options{.peak = 1e-3, .bins = 0, .window = window};
-            const double plain = *compare(view(a, size), view(*second, size), options)->SSIM;
-            options.mask = view(all, size);
-            EXPECT_EQ(*compare(view(a, size), view(*second, size), options)->SSIM, plain);
-            EXPECT_LE(std::fabs(plain), 1);
-        }
-    }
+    CompareOptions options{.peak = 1, .bins = 0, .window = SsimWindow::Gaussian, .k1 = 0, .k2 = 0};
+    const double plain = *compare(view(a, size), view(b, size), options)->SSIM;
+    EXPECT_LE(std::fabs(plain), 1);
+    options.mask = view(all, size);
+    EXPECT_EQ(*compare(view(a, size), view(b, size), options)->SSIM, plain);
     a[5] = std::numeric_limits<float>::infinity();
     EXPECT_TRUE(std::isnan(*compare(view(a, size), view(b, size), {.peak = 1, .bins = 0})->SSIM));
 }

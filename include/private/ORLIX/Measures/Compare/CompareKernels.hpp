@@ -48,9 +48,9 @@ using ReadKernel = bool (*)(const T* from, std::size_t size, float* to);
 template <class T>
 using ReadWordsKernel = void (*)(const T* from, std::size_t size, std::int32_t bias, std::int16_t* to);
 
-/// A block of `size` pairs enters, and returns whether the sums did. Of floats, if they did not, pairs that do not
-/// count, or that are not finite, are 0 in `pixels` on return, there are others, or `counts` says which, and whoever
-/// calls adds them up; of words, nothing is changed then. There is one for float and one for short.
+/// A block of `size` pairs enters, and returns whether the sums did. If those of floats did not, whoever calls adds up
+/// the pairs of `pixels` that `counts` selects then: one that is not to enter is 0, beside others that are, or it is
+/// not selected. If those of words did not, nothing is changed. There is one for float and one for short.
 template <class T>
 using CompareKernel = bool (*)(PairBlock& block, std::size_t size, CompareFigures& figures);
 
