@@ -74,6 +74,8 @@ public:
     /// kernel is chosen.
     virtual bool isStrip() const { return false; }
     virtual image::PixelBox getStripBox() const { return {}; }
+    /// The bytes that getStripBox() fetches from a source.
+    virtual std::size_t getStripLoad() const { return 0; }
     virtual bool isMask() const { return false; }
     /// Whether an image has to be one plan.
     virtual bool isOnePlan() const { return false; }
@@ -505,7 +507,8 @@ public:
     const image::BaseImage* getImage() const final { return this->value_.image.get(); }
     image::ePlanKind getPlanKind() const final { return Strip::kind; }
     bool isStrip() const final { return true; }
-    image::PixelBox getStripBox() const final { return this->value_.getBox(); }
+    image::PixelBox getStripBox() const final { return this->value_.getBox(nbRowsAround_); }
+    std::size_t getStripLoad() const final { return this->value_.getLoad(); }
     bool isMask() const final { return types_ == image::maskTypes; }
     core::ProcessingResult check() const final;
 
@@ -515,12 +518,13 @@ public:
     void take(const Share& share, const BaseAttribute& of) final;
 
 protected:
-    BaseStripAttribute(const char* name, eAttributeRole role, const image::PixelTypes& types)
-        : StoredAttribute<StripType>{name, role}, types_{types}
+    BaseStripAttribute(const char* name, eAttributeRole role, const image::PixelTypes& types, std::size_t nbRowsAround)
+        : StoredAttribute<StripType>{name, role}, types_{types}, nbRowsAround_{nbRowsAround}
     {}
 
 private:
     image::PixelTypes types_;
+    std::size_t nbRowsAround_;
 };
 
 extern template class BaseStripAttribute<image::XStrip2d>;
@@ -529,6 +533,7 @@ extern template class BaseStripAttribute<image::ZStrip3d>;
 extern template class BaseStripAttribute<image::SeqYStrip2d>;
 extern template class BaseStripAttribute<image::OutputYStrip2d>;
 
+/// Where the rows before and behind a strip are read as well, Self has `static constexpr std::size_t nbRowsAround`.
 template <class Self, class StripType, const image::PixelTypes& Types = image::numericTypes,
           eAttributeRole Role = eAttributeRole::eAR_Input>
 class StripInput : public BaseStripAttribute<StripType>
@@ -537,7 +542,16 @@ public:
     static constexpr eAttributeRole role = Role;
 
 protected:
-    StripInput() : BaseStripAttribute<StripType>{Self::name, Role, Types} {}
+    StripInput() : BaseStripAttribute<StripType>{Self::name, Role, Types, getNbRowsAround()} {}
+
+private:
+    static constexpr std::size_t getNbRowsAround()
+    {
+        if constexpr (requires { Self::nbRowsAround; }) {
+            return Self::nbRowsAround;
+        }
+        return 0;
+    }
 };
 
 /// The strip that a level 3 processor writes into; it must be set.

@@ -286,6 +286,7 @@ class ORLIX_API InKnlYStrip2d final : public StripInput<InKnlYStrip2d, image::YS
 {
 public:
     static constexpr const char* name = "InKnlYStrip2d";
+    static constexpr std::size_t nbRowsAround = 1;
 };
 
 // The first and the second of two images.

@@ -15,6 +15,7 @@ std::atomic<InstructionSetsIdentifier> forcedSets{InstructionSetsIdentifier{}};
 
 constexpr std::size_t defaultMemoryLimit = std::size_t{2} << 30;
 std::atomic<std::size_t> memoryLimit{defaultMemoryLimit};
+std::atomic<std::size_t> pixelMemory{0};
 
 } // namespace
 
@@ -48,6 +49,16 @@ void setMemoryLimit(std::size_t bytes)
 std::size_t getMemoryLimit()
 {
     return memoryLimit.load(std::memory_order_relaxed);
+}
+
+void setPixelMemory(std::size_t bytes)
+{
+    pixelMemory = bytes;
+}
+
+std::size_t getPixelMemory()
+{
+    return pixelMemory.load(std::memory_order_relaxed);
 }
 
 } // namespace orlix::core::settings

@@ -46,8 +46,10 @@ cudaPointerAttributes describePointer(const void* pointer)
 }
 
 /// Copies an image to one without gaps: as a whole, by planes whose rows ascend, or row by row.
-void copyPixels(const BaseImage& from, BaseImage& to)
+void copyPixels(const BaseImage& image, BaseImage& to)
 {
+    const Ptr<const BaseImage> loaded = image.loadAll();
+    const BaseImage& from = *loaded;
     const image::ImageGeometry& size = from.getGeometry();
     if (size.empty()) {
         return;

@@ -15,6 +15,7 @@
 #include <limits>
 #include <new>
 #include <optional>
+#include <unistd.h>
 
 namespace orlix::image
 {
@@ -143,6 +144,118 @@ Ptr<const BaseImage> BaseImage::wrap(const void* pixels, eImageBufferType type, 
     return wrap(const_cast<void*>(pixels), type, geometry, std::move(owner));
 }
 
+namespace
+{
+
+class FunctionSource final : public PixelSource
+{
+public:
+    explicit FunctionSource(BaseImage::Fetch fetch) : fetch_{std::move(fetch)} {}
+    void fetch(const Box& box, const PixelTarget& target) override { fetch_(box, target); }
+
+private:
+    BaseImage::Fetch fetch_;
+};
+
+} // namespace
+
+Ptr<const BaseImage> BaseImage::fromSource(Ptr<PixelSource> source, eImageBufferType type,
+                                           const ImageGeometry& geometry)
+{
+    checkedBufferSize(type, geometry);
+    if (source == nullptr) {
+        raise(ORLIX_HERE, eImageMessage::eIM_NullSource, toString(geometry));
+    }
+    auto image = makePtr<BaseImage>();
+    image->type_ = type;
+    image->geometry_ = geometry;
+    image->strides_ = ImageStrides::contiguous(geometry, image::getPixelSize(type));
+    image->source_ = makePtr<SourceBuffer>(std::move(source), image::getPixelSize(type), geometry);
+    return image;
+}
+
+Ptr<const BaseImage> BaseImage::fromSource(Fetch fetch, eImageBufferType type, const ImageGeometry& geometry)
+{
+    return fromSource(fetch ? makePtr<FunctionSource>(std::move(fetch)) : Ptr<PixelSource>{}, type, geometry);
+}
+
+SourceLayout BaseImage::getLayout() const
+{
+    SourceLayout layout{.readsAhead = true};
+    if (source_) {
+        layout = source_->getLayout();
+        if (swapsPlanes_) {
+            std::swap(layout.block.z, layout.block.t);
+            std::swap(layout.phase.z, layout.phase.t);
+        }
+    }
+    return layout;
+}
+
+LoadedBox BaseImage::load(const Box& box, const std::optional<Box>& sweep) const
+{
+    if (!source_) {
+        const Position& at = box.begin;
+        return {getRow(at.y, at.z, at.c, at.t) + at.x * getPixelSize(), strides_, {}};
+    }
+    const Box around = locate(sweep.value_or(Box{{}, geometry_}));
+    if (swapsPlanes_) {
+        LoadedBox loaded = source_->load(locate(box), around);
+        std::swap(loaded.strides.z, loaded.strides.t);
+        return loaded;
+    }
+    return source_->load(locate(box), around);
+}
+
+void BaseImage::read(const Box& box, const PixelTarget& target, const std::optional<Box>& sweep) const
+{
+    if (source_) {
+        PixelTarget to = target;
+        if (swapsPlanes_) {
+            std::swap(to.strides.z, to.strides.t);
+        }
+        source_->read(locate(box), to, locate(sweep.value_or(Box{{}, geometry_})));
+        return;
+    }
+    const Position& at = box.begin;
+    const std::size_t offset = at.x * getPixelSize();
+    const PlanRange plans{box.size, ePlanKind::ePK_Plan2d};
+    for (std::size_t i = 0; i < plans.size(); ++i) {
+        const PlanIndex& plan = plans[i];
+        for (std::size_t y = 0; y < box.size.y; ++y) {
+            std::memcpy(target.row(y, plan.z, plan.c, plan.t),
+                        getRow(at.y + y, at.z + plan.z, at.c + plan.c, at.t + plan.t) + offset,
+                        box.size.x * getPixelSize());
+        }
+    }
+}
+
+Ptr<const BaseImage> BaseImage::loadAll() const
+{
+    if (!source_) {
+        return makePtr<BaseImage>(*this);
+    }
+    const auto memory =
+        static_cast<std::size_t>(::sysconf(_SC_PHYS_PAGES)) * static_cast<std::size_t>(::sysconf(_SC_PAGE_SIZE));
+    if (const std::size_t bytes = checkedBufferSize(type_, geometry_); bytes > memory) {
+        raise(ORLIX_HERE, eImageMessage::eIM_NoMemory, toString(geometry_), bytes >> 20, memory >> 20);
+    }
+    auto image = create(type_, geometry_);
+    read({{}, geometry_}, {image->getRow(0), image->getStrides()});
+    return image;
+}
+
+Box BaseImage::locate(Box box) const
+{
+    if (swapsPlanes_) {
+        std::swap(box.begin.z, box.begin.t);
+        std::swap(box.size.z, box.size.t);
+    }
+    box.begin = {origin_.x + box.begin.x, origin_.y + box.begin.y, origin_.z + box.begin.z, origin_.c + box.begin.c,
+                 origin_.t + box.begin.t};
+    return box;
+}
+
 Ptr<BaseImage> BaseImage::getSubImage(const PlanIndex& plan, ePlanKind kind)
 {
     const bool inside = plan.z < (kind == ePlanKind::ePK_Volume3d ? 1 : geometry_.z) && plan.c < geometry_.c &&
@@ -151,7 +264,11 @@ Ptr<BaseImage> BaseImage::getSubImage(const PlanIndex& plan, ePlanKind kind)
         raise(ORLIX_HERE, eImageMessage::eIM_NoSuchPlan, toString(plan), toString(geometry_));
     }
     auto image = makePtr<BaseImage>(*this);
-    image->pixels_ = inside ? pixels_ + offset(0, plan.z, plan.c, plan.t) : pixels_;
+    if (source_) {
+        image->origin_ = locate({{0, 0, plan.z, plan.c, plan.t}, {}}).begin;
+    } else {
+        image->pixels_ = inside ? pixels_ + offset(0, plan.z, plan.c, plan.t) : pixels_;
+    }
     image->geometry_ = getSubGeometry(geometry_, kind);
     return image;
 }
@@ -167,6 +284,14 @@ Ptr<const BaseImage> BaseImage::getPlanesAsSequence() const
     auto image = makePtr<BaseImage>(*this);
     std::swap(image->geometry_.z, image->geometry_.t);
     std::swap(image->strides_.z, image->strides_.t);
+    image->swapsPlanes_ = !swapsPlanes_;
+    return image;
+}
+
+Ptr<const BaseImage> BaseImage::getBinaryAsNumbers() const
+{
+    auto image = makePtr<BaseImage>(*this);
+    image->type_ = type_ == eImageBufferType::eIBT_Binary ? eImageBufferType::eIBT_UInt8 : type_;
     return image;
 }
 
@@ -192,8 +317,11 @@ ProcessingResult BaseImage::write(data::OutputArchive& archive) const
         pixels.reserve(geometry_.nbPixels() * getPixelSize());
         const PlanRange plans{geometry_, ePlanKind::ePK_Plan2d};
         for (std::size_t i = 0; i < plans.size(); ++i) {
+            const PlanIndex& plan = plans[i];
+            const LoadedBox loaded =
+                load({{0, 0, plan.z, plan.c, plan.t}, getSubGeometry(geometry_, ePlanKind::ePK_Plan2d)});
             for (std::size_t y = 0; y < geometry_.y; ++y) {
-                const std::byte* const row = getRow(y, plans[i].z, plans[i].c, plans[i].t);
+                const std::byte* const row = loaded.first + static_cast<std::ptrdiff_t>(y) * loaded.strides.y;
                 pixels.insert(pixels.end(), row, row + rowBytes);
             }
         }

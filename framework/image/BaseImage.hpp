@@ -5,10 +5,14 @@
 #include <framework/core/Ptr.hpp>
 #include <framework/data/DynamicObject.hpp>
 #include <framework/image/Geometry.hpp>
+#include <framework/image/PixelSource.hpp>
 #include <framework/image/PixelType.hpp>
+#include <framework/image/SourceBuffer.hpp>
 
 #include <cstddef>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace orlix::image
@@ -21,8 +25,8 @@ public:
     using BaseException::BaseException;
 };
 
-/// An image: pixels of one type on x, y, z, c and t, in a buffer of its own or in a caller's. A plan or a volume of an
-/// image is again an image; it looks at the same pixels and keeps their buffer alive.
+/// An image: pixels of one type on x, y, z, c and t, in a buffer of its own, in a caller's, or wherever a source has
+/// them. A plan or a volume of an image is again an image; it looks at the same pixels and keeps them alive.
 class ORLIX_API BaseImage final : public data::DynamicObject<BaseImage, data::BaseDynamicObject>
 {
 public:
@@ -59,6 +63,14 @@ public:
         return wrap(asBytes(pixels), type, geometry, asOwner(std::move(owner)));
     }
 
+    /// An image whose pixels are fetched when a measure needs them, and dropped after. Throws ImageException if the
+    /// image cannot be addressed.
+    static Ptr<const BaseImage> fromSource(Ptr<PixelSource> source, eImageBufferType type,
+                                           const ImageGeometry& geometry);
+    /// The same where a function writes the pixels of a box; several threads call it at once.
+    using Fetch = std::function<void(const Box& box, const PixelTarget& target)>;
+    static Ptr<const BaseImage> fromSource(Fetch fetch, eImageBufferType type, const ImageGeometry& geometry);
+
     /// An image whose pixels lie in the memory of a GPU, where `owner` keeps them alive: only measures that run there
     /// read them. framework/gpu makes such images.
     static Ptr<BaseImage> wrapGpu(void* pixels, eImageBufferType type, const ImageGeometry& geometry,
@@ -69,8 +81,20 @@ public:
     const ImageStrides& getStrides() const { return strides_; }
     std::size_t getPixelSize() const { return image::getPixelSize(type_); }
     bool isGpuImage() const { return isGpuImage_; }
+    /// Whether its pixels are fetched from somewhere: it has no rows to be looked at, but boxes to be loaded.
+    bool hasSource() const { return source_ != nullptr; }
+    /// How the source has its pixels; of other images, that any box is there.
+    SourceLayout getLayout() const;
 
-    /// The first pixel of a row.
+    /// A box of pixels in memory: where they lie or, of a source, gapless where they were fetched to. Throws what the
+    /// source throws. `sweep`: the box that is loaded before others are; else the whole image.
+    LoadedBox load(const Box& box, const std::optional<Box>& sweep = {}) const;
+    /// Copies a box of pixels.
+    void read(const Box& box, const PixelTarget& target, const std::optional<Box>& sweep = {}) const;
+    /// All pixels in memory: the image itself, or a copy of what its source has.
+    Ptr<const BaseImage> loadAll() const;
+
+    /// The first pixel of a row; not of a source.
     std::byte* getRow(std::size_t y, std::size_t z = 0, std::size_t c = 0, std::size_t t = 0)
     {
         return pixels_ + offset(y, z, c, t);
@@ -86,6 +110,8 @@ public:
     Ptr<BaseImage> getSubImage(const PlanIndex& plan, ePlanKind kind);
     /// The planes of a volume as the times of a 2d sequence.
     Ptr<const BaseImage> getPlanesAsSequence() const;
+    /// The pixels of a binary image as the numbers 0 and 1.
+    Ptr<const BaseImage> getBinaryAsNumbers() const;
 
     /// Shares the other image's pixels.
     void copy(const BaseDynamicObject& other) override;
@@ -102,6 +128,7 @@ private:
         return Ptr<const void>{pixels, [kept = std::move(owner)](const void*) mutable { kept.reset(); }};
     }
 
+    Box locate(Box box) const;
     std::ptrdiff_t offset(std::size_t y, std::size_t z, std::size_t c, std::size_t t) const
     {
         return static_cast<std::ptrdiff_t>(y) * strides_.y + static_cast<std::ptrdiff_t>(z) * strides_.z +
@@ -114,6 +141,9 @@ private:
     ImageStrides strides_;
     std::byte* pixels_ = nullptr;
     Ptr<const void> owner_;
+    Ptr<SourceBuffer> source_;
+    Position origin_;          ///< in the source's image
+    bool swapsPlanes_ = false; ///< z is the source's t, and t its z
 };
 
 } // namespace orlix::image

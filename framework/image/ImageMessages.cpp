@@ -14,6 +14,8 @@ std::span<const Message> MessageMap<image::eImageMessage>::texts()
         {5, "The archive holds %1% bytes of pixels where %2% are needed"},
         {6, "\"%1%\" is no pixel type"},
         {7, "The pixels lie on a GPU: copy them to the host first"},
+        {8, "An image of %1% cannot come from no source"},
+        {9, "The pixels of an image of %1% need %2% MiB of memory, and this machine has %3%"},
     };
     return table;
 }

@@ -16,6 +16,8 @@ enum class eImageMessage : unsigned
     eIM_WrongPixels = 5,     ///< bytes that came, bytes that are needed
     eIM_UnknownType = 6,     ///< type name
     eIM_GpuPixels = 7,
+    eIM_NullSource = 8, ///< geometry
+    eIM_NoMemory = 9,   ///< geometry, MiB that are needed, MiB of the machine
 };
 
 } // namespace orlix::image

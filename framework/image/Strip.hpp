@@ -6,7 +6,9 @@
 #include <framework/image/Geometry.hpp>
 #include <framework/image/PixelType.hpp>
 
+#include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace orlix::image
 {
@@ -21,6 +23,7 @@ struct PixelBox
     std::ptrdiff_t strideY = 0;
     std::ptrdiff_t strideZ = 0;
     std::size_t pixelSize = 1;
+    Ptr<const void> owner{}; ///< of pixels that were fetched
 };
 
 /// What a strip is a band of.
@@ -60,27 +63,42 @@ struct ORLIX_API Strip
     }
     std::size_t nbPixels() const { return image ? count * getElementPixels(*image) : 0; }
 
-    /// Of a sequence, the rows at the first time.
-    PixelBox getBox() const
+    /// Where it lies in the image; of a sequence, the rows at the first time.
+    Box getPlace() const
+    {
+        const ImageGeometry& size = image->getGeometry();
+        if constexpr (Element == eStripElement::eSE_Plane) {
+            return {{0, 0, first}, {size.x, size.y, count}};
+        } else if constexpr (Element == eStripElement::eSE_Column) {
+            return {{first}, {count, size.y}};
+        } else {
+            return {{0, first}, {size.x, count}};
+        }
+    }
+    /// Its pixels, which a source fetches, together with those of so many rows before and behind it that there are.
+    PixelBox getBox(std::size_t nbRowsAround = 0) const
     {
         if (nbPixels() == 0) {
             return {};
         }
-        const ImageGeometry& size = image->getGeometry();
-        const ImageStrides& strides = image->getStrides();
-        PixelBox box{image->getRow(0), size.x, size.y, 1, strides.y, strides.z, image->getPixelSize()};
-        if constexpr (Element == eStripElement::eSE_Plane) {
-            box.origin = image->getRow(0, first);
-            box.z = count;
-        } else if constexpr (Element == eStripElement::eSE_Column) {
-            box.origin += first * box.pixelSize;
-            box.x = count;
-        } else {
-            box.origin = image->getRow(first);
-            box.y = count;
-        }
-        return box;
+        const Box place = getPlace();
+        Box wide = place;
+        const std::size_t before = std::min<std::size_t>(nbRowsAround, place.begin.y);
+        const std::size_t behind = std::min(nbRowsAround, image->getGeometry().y - place.begin.y - place.size.y);
+        wide.begin.y -= before;
+        wide.size.y += before + behind;
+        LoadedBox loaded = image->load(wide);
+        return {loaded.first + static_cast<std::ptrdiff_t>(before) * loaded.strides.y,
+                place.size.x,
+                place.size.y,
+                place.size.z,
+                loaded.strides.y,
+                loaded.strides.z,
+                image->getPixelSize(),
+                std::move(loaded.owner)};
     }
+    /// The bytes that a source fetches for it.
+    std::size_t getLoad() const { return image && image->hasSource() ? nbPixels() * image->getPixelSize() : 0; }
 };
 
 using XStrip2d = Strip<eStripElement::eSE_Column>;
@@ -90,11 +108,11 @@ using SeqYStrip2d = Strip<eStripElement::eSE_SequenceRow>;
 /// Rows that are written.
 using OutputYStrip2d = Strip<eStripElement::eSE_Row, BaseImage>;
 
-/// Row y of a plan that has pixels, where its border goes on beyond it: outside, the nearest row.
-inline const std::byte* continueBorder2d(const BaseImage& plan, std::ptrdiff_t y)
+/// The row of a plan that stands for row y where its border goes on beyond it: outside, the nearest row.
+inline std::ptrdiff_t continueBorder2d(const BaseImage& plan, std::ptrdiff_t y)
 {
     const auto last = static_cast<std::ptrdiff_t>(plan.getGeometry().y) - 1;
-    return plan.getRow(static_cast<std::size_t>(y < 0 ? 0 : y > last ? last : y));
+    return y < 0 ? 0 : y > last ? last : y;
 }
 
 /// Reads a box as runs of pixels that lie gapless in memory. Parsers of boxes of one size that walk runs of the same

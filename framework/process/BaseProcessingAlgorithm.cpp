@@ -98,6 +98,16 @@ ProcessingResult BaseProcessingAlgorithm::mainProcess()
     }
 
     clearDataParserColl(parsers_);
+    std::size_t load = 0;
+    std::size_t planeBytes = 0;
+    for (const attr::BaseAttribute* const attribute : getAttributes()) {
+        if (const std::size_t bytes = attribute->getStripLoad(); bytes != 0) {
+            const image::BaseImage& image = *attribute->getImage();
+            load += bytes;
+            planeBytes = std::max(planeBytes, image.getGeometry().x * image.getGeometry().y * image.getPixelSize());
+        }
+    }
+    const image::LoadRoom room{load, planeBytes};
     initDataParserColl(parsers_);
     ProcessingInfo info =
         parsers_.empty() ? getNoParseInfo() : ProcessingInfo{parsers_[0].nbPixels(), parsers_[0].longestRun()};

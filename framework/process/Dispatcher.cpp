@@ -28,7 +28,7 @@ ProcessingResult BaseDispatcher::process(const RunContext& context)
             failure.report(begin, ProcessingResult::failure(core::describeCurrentException()));
         }
     };
-    executor::parallelFor(children_, grain_, priority_, RangeBody{body});
+    (inOrder_ ? executor::parallelInOrder : executor::parallelFor)(children_, grain_, priority_, RangeBody{body});
     if (context.cancelled() && !failure) {
         return ProcessingResult::failure(core::formatMessage(eProcessorMessage::eCancelled));
     }

@@ -18,12 +18,14 @@ public:
     core::ProcessingResult process(const RunContext& context) final;
 
 protected:
-    /// What the next process() runs: `grain` children, at least, make it worth to use another thread.
-    void setChildren(std::size_t children, std::size_t grain, ePriority priority)
+    /// What the next process() runs: `grain` children, at least, make it worth to use another thread. `inOrder`: they
+    /// are begun in their order.
+    void setChildren(std::size_t children, std::size_t grain, ePriority priority, bool inOrder = false)
     {
         children_ = children;
         grain_ = grain;
         priority_ = priority;
+        inOrder_ = inOrder;
     }
     std::size_t getNbChildren() const { return children_; }
 
@@ -48,6 +50,7 @@ protected:
 private:
     std::size_t children_ = 0;
     std::size_t grain_ = 1;
+    bool inOrder_ = false;
     ePriority priority_ = ePriority::eP_Normal;
 };
 

@@ -71,6 +71,18 @@ void parallelFor(std::size_t count, std::size_t grain, ePriority priority, Range
     ThreadPool::getInstance().parallelFor(threads, count, std::max<std::size_t>(1, grain), priority, body);
 }
 
+void parallelInOrder(std::size_t count, std::size_t grain, ePriority priority, RangeBody body)
+{
+    std::atomic<std::size_t> next{0};
+    const auto work = [&](std::size_t, std::size_t) {
+        for (std::size_t begin = next.fetch_add(grain); begin < count; begin = next.fetch_add(grain)) {
+            body(begin, std::min(count, begin + grain));
+        }
+    };
+    const std::size_t ranges = count / grain + (count % grain != 0 ? 1 : 0);
+    parallelFor(std::min<std::size_t>(ranges, core::settings::getNbThreads()), 1, priority, RangeBody{work});
+}
+
 void submit(ePriority priority, std::function<void()> task)
 {
     Submitted* const counter = submitted;

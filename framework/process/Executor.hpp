@@ -42,6 +42,10 @@ namespace executor
 /// returns when all have run. One range, or one thread, runs on the calling thread. `body` throws nothing.
 ORLIX_API void parallelFor(std::size_t count, std::size_t grain, ePriority priority, RangeBody body);
 
+/// The same in ranges of `grain` that begin in their order, each when a thread is free: for what is best read from its
+/// begin to its end.
+ORLIX_API void parallelInOrder(std::size_t count, std::size_t grain, ePriority priority, RangeBody body);
+
 /// Runs `task`, which throws nothing, on another thread and returns at once.
 ORLIX_API void submit(ePriority priority, std::function<void()> task);
 

@@ -2,7 +2,10 @@
 
 #include <framework/data/DynamicClassRegistration.hpp>
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
+#include <vector>
 
 namespace orlix::imaproc
 {
@@ -26,27 +29,19 @@ std::size_t nearest(double position, std::size_t size)
     return rounded >= 0 && rounded < static_cast<double>(size) ? static_cast<std::size_t>(rounded) : size;
 }
 
-/// The pixel at a position; null where it lies outside.
-template <class T>
-const T* findPixel(const image::BaseImage& image, double x, double y, double z)
+image::Position findPixel(const image::ImageGeometry& size, const image::Coords2d& at)
 {
-    const image::ImageGeometry& size = image.getGeometry();
-    const std::size_t column = nearest(x, size.x);
-    const std::size_t row = nearest(y, size.y);
-    const std::size_t plane = nearest(z, size.z);
-    const bool isInside = column < size.x && row < size.y && plane < size.z;
-    return isInside ? reinterpret_cast<const T*>(image.getRow(row, plane)) + column : nullptr;
+    return {nearest(at.x, size.x), nearest(at.y, size.y)};
+}
+image::Position findPixel(const image::ImageGeometry& size, const image::Coords3d& at)
+{
+    return {nearest(at.x, size.x), nearest(at.y, size.y), nearest(at.z, size.z)};
 }
 
 template <class T>
-const T* findPixel(const image::BaseImage& image, const image::Coords2d& at)
+double getPixel(const image::BaseImage& image, const image::Position& at)
 {
-    return findPixel<T>(image, at.x, at.y, 0);
-}
-template <class T>
-const T* findPixel(const image::BaseImage& image, const image::Coords3d& at)
-{
-    return findPixel<T>(image, at.x, at.y, at.z);
+    return static_cast<double>(*reinterpret_cast<const T*>(image.load({at, {1, 1}}).first));
 }
 
 } // namespace
@@ -62,25 +57,35 @@ core::ProcessingResult ImageValueExtraction<Self, SubImage, Positions>::runDeriv
     const image::BaseImage& image = this->template value<SubImage>();
     const auto& positions = this->template value<Positions>().Coordinates;
     std::vector<double>& values = this->template value<attr::OutValues>().Values;
-    values.clear();
-    values.reserve(positions.size());
+    values.assign(positions.size(), 0);
+    const image::ImageGeometry& size = image.getGeometry();
+    std::vector<std::pair<image::Position, std::size_t>> pixels; // with their numbers on the list
+    pixels.reserve(positions.size());
+    for (const auto& position : positions) {
+        const image::Position at = findPixel(size, position);
+        if (at.x >= size.x || at.y >= size.y || at.z >= size.z) {
+            return core::ProcessingResult::failure(core::formatMessage(eProcessorMessage::ePositionOutside,
+                                                                       this->getObjectName(), pixels.size(),
+                                                                       Positions::name, toString(size)));
+        }
+        pixels.emplace_back(at, pixels.size());
+    }
+    if (image.hasSource()) { // which is read in its order
+        std::sort(pixels.begin(), pixels.end());
+    }
     image::forEachPixelType([&]<class T>(std::type_identity<T>) {
         if (image.getType() == image::imageBufferTypeOf<T>) {
-            for (const auto& at : positions) {
-                const T* const pixel = findPixel<T>(image, at);
-                if (pixel == nullptr) {
-                    break;
+            for (const auto& [at, i] : pixels) {
+                if (context.cancelled()) {
+                    return;
                 }
-                values.push_back(static_cast<double>(*pixel));
+                values[i] = getPixel<T>(image, at);
             }
         }
     });
     context.advance();
-    return values.size() == positions.size()
-               ? core::ProcessingResult{}
-               : core::ProcessingResult::failure(core::formatMessage(eProcessorMessage::ePositionOutside,
-                                                                     this->getObjectName(), values.size(),
-                                                                     Positions::name, toString(image.getGeometry())));
+    return context.cancelled() ? core::ProcessingResult::failure(core::formatMessage(eProcessorMessage::eCancelled))
+                               : core::ProcessingResult{};
 }
 
 ProcessorClass ImageValueExtraction2d::processorClass{typeid(ImageValueExtraction2d), getOrigin(), creators()};

@@ -1,5 +1,7 @@
 #include <framework/process/Level.hpp>
 
+#include <framework/core/Settings.hpp>
+
 #include <algorithm>
 
 namespace orlix::imaproc
@@ -41,12 +43,13 @@ void Level::runChildren(std::size_t begin, std::size_t end, const RunContext& ch
     const Ptr<BaseProcessor> child = child_->processorClass->getCreators().processor();
     (void)child->init(eProcessorRulePolicy::eRP_CheckRules);
     child->setDispatchPolicy(getDispatchPolicy());
-    for (std::size_t i = begin; i < end && !childContext.cancelled() && !failure; ++i) {
+    for (std::size_t k = begin; k < end && !childContext.cancelled() && !failure; ++k) {
+        const std::size_t i = findChild(k);
         ProcessingResult result;
         try {
             const attr::Share share = getShare(i);
-            for (std::size_t k = 0; k < child_->nbLinks; ++k) {
-                const ChildClass::Link link = child_->links[k];
+            for (std::size_t n = 0; n < child_->nbLinks; ++n) {
+                const ChildClass::Link link = child_->links[n];
                 child->getAttributes()[link.to]->take(share, *getAttributes()[link.from]);
             }
             giveResults(*child, i);
@@ -122,26 +125,60 @@ ProcessingResult Level::retrieveProvider(ePriority priority, Ptr<ActionProvider>
         return {};
     }
     const std::size_t children = cut();
-    std::size_t grain = 1;
-    if (child_->cut == nullptr && children > 1) {
-        // Plans are taken together until they are worth another thread; and ranges of half a grain occur, too.
-        const image::BaseImage& image = *getAttributes().front()->getImage();
-        const auto kind = getAttributes().front()->getPlanKind();
-        const std::size_t planBytes = getSubGeometry(image.getGeometry(), kind).nbPixels() * image.getPixelSize();
-        const std::size_t maxParallel = getMaxParallelPlans();
-        grain = std::max<std::size_t>(1, getDispatchPolicy().stripBytes / std::max<std::size_t>(1, planBytes));
-        if (maxParallel < children) {
-            grain = std::max(grain, maxParallel <= 1 ? children : 2 * (children / maxParallel + 1));
-        }
-    }
     if (merge_->order == Merge::Order::InOrder) {
         parts_.resize(children * (child_->nbAttributes - child_->firstResult));
     } else if (merge_->order == Merge::Order::AnyOrder) {
         merge_->clear(*getAttributes().back()->getRecord());
     }
-    setChildren(children, grain, priority);
+    const auto& attributes = getAttributes();
+    const bool isFetched = std::any_of(attributes.begin(), attributes.end(), [](const BaseAttribute* attribute) {
+        return attribute->getImage() != nullptr && attribute->getImage()->hasSource();
+    });
+    setChildren(children, findGrain(children), priority, isFetched);
     provider = asProvider();
     return {};
+}
+
+std::size_t Level::findGrain(std::size_t children) const
+{
+    if (child_->cut != nullptr || children <= 1) {
+        return 1;
+    }
+    // Plans are taken together until they are worth another thread; and ranges of half a grain occur, too.
+    const image::BaseImage& image = *getAttributes().front()->getImage();
+    const auto kind = getAttributes().front()->getPlanKind();
+    const std::size_t planBytes = getSubGeometry(image.getGeometry(), kind).nbPixels() * image.getPixelSize();
+    const std::size_t maxParallel = getMaxParallelPlans();
+    const std::size_t stripBytes = getDispatchPolicy().stripBytes;
+    std::size_t grain = std::max<std::size_t>(1, stripBytes / std::max<std::size_t>(1, planBytes));
+    if (maxParallel < children) {
+        grain = std::max(grain, maxParallel <= 1 ? children : 2 * (children / maxParallel + 1));
+    }
+    // Large plans that are fetched come one after the other: their strips are enough for all threads.
+    constexpr std::size_t enoughStrips = 16;
+    const bool isLarge = planBytes / enoughStrips > stripBytes * core::settings::getNbThreads();
+    for (const BaseAttribute* const attribute : getAttributes()) {
+        if (const image::BaseImage* const each = attribute->getImage(); each != nullptr && each->hasSource()) {
+            grain = isLarge || each->getLayout().isSequential ? children : grain;
+        }
+    }
+    return grain;
+}
+
+std::size_t Level::findChild(std::size_t i) const
+{
+    const image::BaseImage& image = *getAttributes().front()->getImage();
+    const image::ImageGeometry& size = image.getGeometry();
+    const bool isOfPlans = child_->cut == nullptr && plans_.size() == getNbChildren() &&
+                           getAttributes().front()->getPlanKind() == image::ePlanKind::ePK_Plan2d;
+    if (!isOfPlans || !takesAnyOrder() || image.getLayout().block.c == 1) {
+        return i;
+    }
+    // Channels that are decoded together are measured one behind the other.
+    const std::size_t c = i % size.c;
+    const std::size_t z = i / size.c % size.z;
+    const std::size_t t = i / size.c / size.z;
+    return (t * size.c + c) * size.z + z;
 }
 
 void Level::giveResults(BaseProcessor& child, std::size_t index)

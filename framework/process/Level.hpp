@@ -89,6 +89,8 @@ protected:
     virtual std::size_t getMinStripElements() const { return 1; }
     /// How many plans may be measured at once.
     virtual std::size_t getMaxParallelPlans() const { return std::numeric_limits<std::size_t>::max(); }
+    /// Whether plans may be measured in any order.
+    virtual bool takesAnyOrder() const { return true; }
     /// Sets what a child does not take from its parent.
     virtual void prepareChild(BaseProcessor&, std::size_t) {}
 
@@ -97,6 +99,10 @@ protected:
 
     /// Cuts the first image for the children, and returns their number.
     std::size_t cut();
+    /// How many children are worth another thread.
+    std::size_t findGrain(std::size_t children) const;
+    /// The child that is the i-th to begin.
+    std::size_t findChild(std::size_t i) const;
     attr::Share getShare(std::size_t child) const;
     /// What the children left in their outputs, child by child.
     Merge::Parts getParts() const { return {parts_.data(), parts_.size()}; }

@@ -3,6 +3,7 @@
 #include <framework/core/Exception.hpp>
 #include <framework/data/Fields.hpp>
 #include <framework/image/View.hpp>
+#include <framework/process/BaseAction.hpp>
 
 #include <cstdint>
 #include <memory>
@@ -33,31 +34,7 @@ enum class Per
 };
 ORLIX_API std::span<const char* const> namesOf(Per);
 
-/// The place of a pixel in an image.
-struct Position
-{
-    std::uint64_t x = 0;
-    std::uint64_t y = 0;
-    std::uint64_t z = 0;
-    std::uint64_t c = 0;
-    std::uint64_t t = 0;
-
-    friend constexpr bool operator==(const Position&, const Position&) = default;
-    /// The order of pixels: t slowest, then c, z, y, x.
-    friend constexpr bool operator<(const Position& a, const Position& b)
-    {
-        return a.t != b.t   ? a.t < b.t
-               : a.c != b.c ? a.c < b.c
-               : a.z != b.z ? a.z < b.z
-               : a.y != b.y ? a.y < b.y
-                            : a.x < b.x;
-    }
-    template <class Stream>
-    void pass(Stream& stream)
-    {
-        stream(x), stream(y), stream(z), stream(c), stream(t);
-    }
-};
+using image::Position;
 
 /// The pixels from `begin` to before `end` in every axis.
 struct ORLIX_API Extent
@@ -110,6 +87,21 @@ struct ResultRows
 
 struct StateMeasure;
 
+/// Who watches a run, and may end it.
+struct RunControl
+{
+    RunState* state = nullptr;
+    ePriority priority = ePriority::eP_Normal;
+
+    bool isCancelled() const { return state != nullptr && state->cancelled.load(std::memory_order_relaxed); }
+    void advance(double share) const
+    {
+        if (state != nullptr) {
+            state->progress.fetch_add(share, std::memory_order_relaxed);
+        }
+    }
+};
+
 /// A state of any measure. What pixels it has seen, however they were cut, decides what it is, bit by bit.
 class ORLIX_API BaseMeasureState
 {
@@ -123,7 +115,7 @@ public:
     /// a part of the whole image, `core`, pixels enter; others are only looked at as neighbours. Throws
     /// MeasureException if they are not what the measure takes; then nothing has entered.
     virtual void add(std::span<const ImageView> images, const ImageView& mask, const Position& offset,
-                     const std::optional<Extent>& core) = 0;
+                     const std::optional<Extent>& core, const RunControl& run) = 0;
     /// Throws MeasureException where the two states are not of one measure, with the same options and pixel types.
     virtual void merge(const BaseMeasureState& other) = 0;
 

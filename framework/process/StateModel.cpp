@@ -1,5 +1,7 @@
 #include <framework/process/StateModel.hpp>
 
+#include <cmath>
+
 namespace orlix::imaproc
 {
 
@@ -76,42 +78,150 @@ PieceCut::PieceCut(const StateMeasure& measure, Per per, std::span<const ImageVi
             place(side);
         }
     }
-    if (size.empty()) {
-        return;
-    }
-    // Planes go together where they are small, and one result covers them.
-    const Position& begin = core_.begin;
-    const Position& end = core_.end;
-    const std::size_t rowBytes = (end.x - begin.x) * pixelBytes;
-    const std::size_t rows = std::min(end.y - begin.y, std::max<std::size_t>(1, pieceBytes / rowBytes));
-    const bool isOfPlanes = rows == end.y - begin.y && per != Per::Plan;
-    const std::size_t planes =
-        isOfPlanes ? std::min(end.z - begin.z, std::max<std::size_t>(1, pieceBytes / (rowBytes * rows))) : 1;
-    for (std::size_t t = begin.t; t < end.t; ++t) {
-        for (std::size_t c = begin.c; c < end.c; ++c) {
-            for (std::size_t z = begin.z; z < end.z; z += planes) {
-                for (std::size_t y = begin.y; y < end.y; y += rows) {
-                    starts_.push_back({y, z, c, t, std::min(rows, end.y - y), std::min(planes, end.z - z)});
-                }
-            }
-        }
+    rowBytes_ = (core_.end.x - core_.begin.x) * pixelBytes;
+    ends_ = size.empty();
+    if (!ends_) {
+        chooseOrder();
     }
 }
 
-Piece PieceCut::operator[](std::size_t i) const
+std::pair<std::uint64_t, std::uint64_t> PieceCut::Axis::getBlock(std::uint64_t position) const
 {
-    const Start& start = starts_[i];
+    const std::uint64_t before = (position + phase) % block;
+    const std::uint64_t first = std::max(begin, position - std::min(position, before));
+    return {first, std::min(end, position + block - before) - first};
+}
+
+void PieceCut::Axis::enterBlock(std::uint64_t first)
+{
+    from = first;
+    to = first + getBlock(first).second;
+    at = first;
+}
+
+void PieceCut::chooseOrder()
+{
+    // What is decoded together is read together: of some rows all planes, channels and times of a block.
+    image::ImageGeometry block{1, 1, 1, 1, 1};
+    Position phase;
+    std::size_t blockRows = 1;
+    const auto enter = [&](const ImageView& image) {
+        const image::SourceLayout layout = image ? image->getLayout() : image::SourceLayout{};
+        const std::size_t depth = layout.block.z * layout.block.c * layout.block.t;
+        if (depth > block.z * block.c * block.t) {
+            block = layout.block;
+            phase = layout.phase;
+        }
+        blockRows = std::max(blockRows, layout.block.y);
+    };
+    std::for_each(images_.begin(), images_.end(), enter);
+    enter(mask_);
+    const bool isDeep = block.z * block.c * block.t > 1;
+    const Position& begin = core_.begin;
+    const Position& end = core_.end;
+    const std::size_t pieceRows = std::max<std::size_t>(1, pieceBytes / rowBytes_);
+    axes_ = {Axis{begin.y, end.y, isDeep ? blockRows * std::max<std::size_t>(1, pieceRows / blockRows) : end.y,
+                  isDeep ? phase.y : 0},
+             Axis{begin.z, end.z, isDeep ? block.z : end.z, isDeep ? phase.z : 0},
+             Axis{begin.c, end.c, isDeep ? block.c : end.c, isDeep ? phase.c : 0},
+             Axis{begin.t, end.t, isDeep ? block.t : end.t, isDeep ? phase.t : 0}};
+    for (Axis& axis : axes_) {
+        axis.enterBlock(axis.begin);
+    }
+    auto& [y, z, c, t] = axes_;
+    y.step = std::min(end.y - begin.y, pieceRows);
+    // Planes go together where they are small, and one result covers them.
+    if (y.step == end.y - begin.y && y.to == y.end && per_ != Per::Plan) {
+        z.step = std::max<std::size_t>(1, pieceBytes / (rowBytes_ * y.step));
+    }
+}
+
+void PieceCut::advance()
+{
+    for (Axis& axis : axes_) { // in the block
+        axis.at += axis.step;
+        if (axis.at < axis.to) {
+            return;
+        }
+        axis.at = axis.from;
+    }
+    for (Axis& axis : axes_) {
+        if (axis.to < axis.end) {
+            axis.enterBlock(axis.to);
+            return;
+        }
+        axis.enterBlock(axis.begin);
+    }
+    ends_ = true;
+}
+
+bool PieceCut::take(std::vector<image::Box>& places)
+{
+    places.clear();
+    const std::lock_guard lock{mutex_};
+    const auto& [y, z, c, t] = axes_;
+    for (std::size_t bytes = 0; bytes < pieceBytes && !ends_; advance()) {
+        places.push_back(
+            {{core_.begin.x, y.at, z.at, c.at, t.at}, {core_.end.x - core_.begin.x, y.count(), z.count(), 1, 1}});
+        bytes += rowBytes_ * y.count() * z.count();
+    }
+    return !places.empty();
+}
+
+std::size_t PieceCut::countWorkers() const
+{
+    if (ends_) {
+        return 0;
+    }
+    const Position& begin = core_.begin;
+    const Position& end = core_.end;
+    const double bytes = static_cast<double>(rowBytes_) * static_cast<double>(end.y - begin.y) *
+                         static_cast<double>((end.z - begin.z) * (end.c - begin.c) * (end.t - begin.t));
+    const double worth = std::ceil(bytes / static_cast<double>(pieceBytes));
+    return static_cast<std::size_t>(std::min<double>(worth, core::settings::getNbThreads()));
+}
+
+double PieceCut::getShare(const image::Box& place) const
+{
+    const auto count = [](std::uint64_t x, std::uint64_t y, std::uint64_t z, std::uint64_t c, std::uint64_t t) {
+        return static_cast<double>(x * y) * static_cast<double>(z * c * t);
+    };
+    const Position& begin = core_.begin;
+    const Position& end = core_.end;
+    return count(place.size.x, place.size.y, place.size.z, 1, 1) /
+           count(end.x - begin.x, end.y - begin.y, end.z - begin.z, end.c - begin.c, end.t - begin.t);
+}
+
+Piece PieceCut::makePiece(const image::Box& place) const
+{
     Piece piece;
     piece.types = types_;
     piece.whole = images_;
-    piece.at = {core_.begin.x, start.y, start.z, start.c, start.t};
+    piece.at = place.begin;
     piece.offset = offset_;
+    std::size_t load = 0;
+    std::size_t planeBytes = 0;
+    const auto weigh = [&](const ImageView& image) {
+        if (image && image->hasSource()) {
+            const image::ImageGeometry& size = image->getGeometry();
+            load += place.size.nbPixels() * image->getPixelSize();
+            planeBytes = std::max(planeBytes, size.x * size.y * image->getPixelSize());
+        }
+    };
+    std::for_each(images_.begin(), images_.end(), weigh);
+    weigh(mask_);
+    if (load != 0) {
+        piece.room = std::make_unique<image::LoadRoom>(load, planeBytes);
+    }
+    const auto [y, z] = std::pair{axes_[0].getBlock(place.begin.y), axes_[1].getBlock(place.begin.z)};
+    const auto [c, t] = std::pair{axes_[2].getBlock(place.begin.c), axes_[3].getBlock(place.begin.t)};
+    const image::Box block{{0, y.first, z.first, c.first, t.first},
+                           {images_[0]->getGeometry().x, y.second, z.second, c.second, t.second}};
     const auto parse = [&](const ImageView& image) {
-        const image::ImageStrides& strides = image->getStrides();
-        const std::byte* const row = image->getRow(start.y, start.z, start.c, start.t);
-        return image::StripParser{image::PixelBox{row + core_.begin.x * image->getPixelSize(),
-                                                  core_.end.x - core_.begin.x, start.rows, start.planes, strides.y,
-                                                  strides.z, image->getPixelSize()}};
+        image::LoadedBox loaded = image->load(place, block);
+        return image::StripParser{image::PixelBox{loaded.first, place.size.x, place.size.y, place.size.z,
+                                                  loaded.strides.y, loaded.strides.z, image->getPixelSize(),
+                                                  std::move(loaded.owner)}};
     };
     for (const ImageView& image : images_) {
         piece.images.push_back(parse(image));
@@ -129,7 +239,7 @@ Piece PieceCut::operator[](std::size_t i) const
 
 Extent PieceCut::getExtent() const
 {
-    if (starts_.empty()) {
+    if (images_[0]->getGeometry().empty()) {
         return {};
     }
     const auto move = [&](const Position& at) {
@@ -138,10 +248,10 @@ Extent PieceCut::getExtent() const
     return {move(core_.begin), move(core_.end)};
 }
 
-image::PlanIndex PieceCut::partOf(std::size_t i) const
+image::PlanIndex PieceCut::partOf(const image::Box& place) const
 {
-    const auto index = [](std::uint64_t a, std::size_t b) { return static_cast<unsigned>(a + b); };
-    const Start& start = starts_[i];
+    const auto index = [](std::uint64_t a, std::uint64_t b) { return static_cast<unsigned>(a + b); };
+    const Position& start = place.begin;
     switch (per_) {
     case Per::Plan:
         return {index(offset_.z, start.z), index(offset_.c, start.c), index(offset_.t, start.t)};

@@ -4,11 +4,14 @@
 #include <framework/image/Strip.hpp>
 #include <framework/process/Executor.hpp>
 #include <framework/process/MeasureState.hpp>
+#include <framework/process/ProcessorMessages.hpp>
 #include <framework/process/StateBytes.hpp>
 
 #include <boost/container/small_vector.hpp>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <exception>
 #include <map>
 #include <mutex>
@@ -22,6 +25,7 @@ using PixelTypeList = std::vector<image::eImageBufferType>;
 /// Rows or planes of images of one size that enter a state together: in each image a box of the same place.
 struct Piece
 {
+    std::unique_ptr<image::LoadRoom> room; ///< for what was fetched
     boost::container::small_vector<image::StripParser, 3> images;
     std::span<const image::eImageBufferType> types; ///< of the images
     std::optional<image::StripParser> mask;
@@ -46,7 +50,7 @@ struct Piece
     }
 };
 
-/// The images of an addition as pieces, which are the same for the same sizes.
+/// The images of an addition as pieces, in the order in which they are best read.
 class ORLIX_API PieceCut
 {
 public:
@@ -54,27 +58,52 @@ public:
     PieceCut(const StateMeasure& measure, Per per, std::span<const ImageView> images, const ImageView& mask,
              const Position& offset, const std::optional<Extent>& core);
 
-    std::size_t size() const { return starts_.size(); }
-    Piece operator[](std::size_t i) const;
+    /// The places of the next pieces, so many that they are worth a thread; false when all are taken. Any thread calls
+    /// it.
+    bool take(std::vector<image::Box>& places);
+    /// How many threads they are worth, all together.
+    std::size_t countWorkers() const;
+    /// The share of all pixels that a place has.
+    double getShare(const image::Box& place) const;
+
+    Piece makePiece(const image::Box& place) const;
     const PixelTypeList& getTypes() const { return types_; }
     Extent getExtent() const;
-    /// What the results of piece i are of.
-    image::PlanIndex partOf(std::size_t i) const;
+    /// What the results of a place are of.
+    image::PlanIndex partOf(const image::Box& place) const;
 
 private:
-    struct Start
+    /// An axis that is gone through block by block, and a block step by step.
+    struct Axis
     {
-        std::size_t y, z, c, t;
-        std::size_t rows, planes;
+        std::uint64_t begin = 0;
+        std::uint64_t end = 0;
+        std::uint64_t block = 1;
+        std::uint64_t phase = 0;
+        std::uint64_t step = 1;
+        std::uint64_t from = 0; ///< of the block
+        std::uint64_t to = 0;
+        std::uint64_t at = 0;
+
+        /// Where the block of a position begins, and how long it is.
+        std::pair<std::uint64_t, std::uint64_t> getBlock(std::uint64_t position) const;
+        void enterBlock(std::uint64_t first);
+        std::uint64_t count() const { return std::min(step, to - at); }
     };
+
+    void chooseOrder();
+    void advance();
 
     Per per_;
     std::vector<ImageView> images_;
     PixelTypeList types_;
     ImageView mask_;
     Position offset_;
-    Extent core_; ///< in the images
-    std::vector<Start> starts_;
+    Extent core_;              ///< in the images
+    std::size_t rowBytes_ = 0; ///< of all images
+    std::mutex mutex_;
+    std::array<Axis, 4> axes_; ///< y, z, c and t
+    bool ends_ = false;
 };
 
 /// The state of a measure M, which has
@@ -115,9 +144,9 @@ public:
     std::unique_ptr<BaseMeasureState> clone() const override { return std::make_unique<StateModel>(*this); }
 
     void add(std::span<const ImageView> images, const ImageView& mask, const Position& offset,
-             const std::optional<Extent>& core) override
+             const std::optional<Extent>& core, const RunControl& run) override
     {
-        const PieceCut pieces{getMeasure(), options_.per, images, mask, offset, core};
+        PieceCut pieces{getMeasure(), options_.per, images, mask, offset, core};
         const PixelTypeList& types = pieces.getTypes();
         if (!types_.empty() && types != types_) {
             throw MeasureException{"the state has pixels of other types: all pieces of an image have one type",
@@ -127,20 +156,24 @@ public:
         Parts entered;
         std::mutex mutex;
         std::exception_ptr failure;
-        const auto enter = [&](std::size_t begin, std::size_t end) {
+        std::atomic<bool> ends{false};
+        const auto enter = [&](std::size_t, std::size_t) {
             try {
-                Parts parts = consume(pieces, begin, end);
+                Parts parts = consume(pieces, run, ends);
                 const std::lock_guard lock{mutex};
                 combineParts(entered, std::move(parts));
             } catch (...) {
                 const std::lock_guard lock{mutex};
-                failure = std::current_exception();
+                failure = failure ? failure : std::current_exception();
+                ends = true;
             }
         };
-        const std::size_t grain = pieces.size() / (2 * std::size_t{core::settings::getNbThreads()}); // each has a part
-        executor::parallelFor(pieces.size(), std::max<std::size_t>(1, grain), ePriority::eP_Normal, RangeBody{enter});
+        executor::parallelFor(pieces.countWorkers(), 1, run.priority, RangeBody{enter}); // each has parts of its own
         if (failure) {
             std::rethrow_exception(failure);
+        }
+        if (run.isCancelled()) {
+            throw MeasureException{core::formatMessage(eProcessorMessage::eCancelled), ORLIX_HERE};
         }
         types_ = types;
         if (pass_ == 0) {
@@ -325,7 +358,8 @@ private:
         }
     }
 
-    Parts consume(const PieceCut& pieces, std::size_t begin, std::size_t end) const
+    /// The pieces that one thread takes.
+    Parts consume(PieceCut& pieces, const RunControl& run, const std::atomic<bool>& ends) const
     {
         Parts parts;
         Part* part = nullptr;
@@ -337,13 +371,19 @@ private:
                 }
             }
         };
-        for (std::size_t i = begin; i < end; ++i) {
-            if (part == nullptr || pieces.partOf(i) != plan) {
-                settle();
-                plan = pieces.partOf(i);
-                part = &parts.try_emplace(plan, beginPart(plan)).first->second;
+        for (std::vector<image::Box> places; pieces.take(places);) {
+            for (const image::Box& place : places) {
+                if (run.isCancelled() || ends) {
+                    return {};
+                }
+                if (part == nullptr || pieces.partOf(place) != plan) {
+                    settle();
+                    plan = pieces.partOf(place);
+                    part = &parts.try_emplace(plan, beginPart(plan)).first->second;
+                }
+                M::consume(options_, pieces.makePiece(place), *part);
+                run.advance(pieces.getShare(place));
             }
-            M::consume(options_, pieces[i], *part);
         }
         settle();
         return parts;

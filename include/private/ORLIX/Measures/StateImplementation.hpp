@@ -39,7 +39,7 @@ template <class M>
 void State<M>::addImages(const std::vector<ImageView>& images, const ImageView& mask, const Position& offset,
                          const std::optional<Extent>& core)
 {
-    model_->add(images, mask, offset, core);
+    model_->add(images, mask, offset, core, {});
 }
 template <class M>
 std::uint64_t State<M>::getMargin() const
@@ -84,7 +84,7 @@ Results<typename M::Result> measure(const typename M::Options& options, const st
 {
     Model<M> model{options};
     do {
-        model.add(images, mask, {}, {});
+        model.add(images, mask, {}, {}, {});
     } while (model.nextPass());
     return Results<typename M::Result>{model.finish()};
 }

@@ -612,6 +612,15 @@ private:
         }
     }
 
+    /// Rows of a plane as an image.
+    static ImageView loadRows(const image::BaseImage& image, const Position& plane, std::size_t first,
+                              std::size_t count)
+    {
+        const image::ImageGeometry size{image.getGeometry().x, count};
+        const image::LoadedBox loaded = image.load({{0, first, plane.z, plane.c, plane.t}, size});
+        return image::BaseImage::wrap(loaded.first, image.getType(), size, loaded.strides, loaded.owner);
+    }
+
     /// Of the windows centred on pixels [begin, end) of the rows of a plane of the piece.
     static void addSimilarity(const Options& options, const Piece& piece, std::size_t z, std::size_t begin,
                               std::size_t end, Part& part)
@@ -620,13 +629,18 @@ private:
         const image::ImageGeometry& size = piece.whole[0]->getGeometry();
         const image::PixelBox& box = piece.box();
         const Position plane{0, 0, piece.at.z + z, piece.at.c, piece.at.t};
-        SsimPlane windows{options, getPeak(options, piece.types[0]), piece.whole, plane, begin, end};
+        // With the rows around, which are fetched where the images are not in memory.
+        const std::size_t firstRow = piece.at.y - std::min<std::size_t>(piece.at.y, radius);
+        const std::size_t rows = std::min(size.y, piece.at.y + box.y + radius) - firstRow;
+        const ImageView around[] = {loadRows(*piece.whole[0], plane, firstRow, rows),
+                                    loadRows(*piece.whole[1], plane, firstRow, rows)};
+        SsimPlane windows{options, getPeak(options, piece.types[0]), around, begin, end};
         for (std::size_t i = 0; i < box.y; ++i) {
             const std::size_t y = piece.at.y + i;
             if (y < radius || y + radius >= size.y) {
                 continue;
             }
-            const double* const values = windows.measure(y);
+            const double* const values = windows.measure(y - firstRow);
             part.nbWindows += end - begin;
             if (const auto sum = windows.getSum(); sum && !piece.mask) {
                 addShifted(part.similarity, *sum, 0);

@@ -14,10 +14,11 @@ std::size_t SsimPlane::getRadius(const CompareOptions& options)
     return options.window == SsimWindow::Uniform ? 3 : static_cast<std::size_t>(std::lround(truncate * options.sigma));
 }
 
-SsimPlane::SsimPlane(const CompareOptions& options, double peak, std::span<const ImageView> images, const Position& at,
+SsimPlane::SsimPlane(const CompareOptions& options, double peak, std::span<const ImageView, 2> images,
                      std::size_t begin, std::size_t end)
-    : images_{images}, at_{at}, begin_{begin}, size_{end - begin}, height_{images[0]->getGeometry().y},
-      radius_{getRadius(options)}, weights_(2 * radius_ + 1, 1.0), nextRow_{std::numeric_limits<std::ptrdiff_t>::min()}
+    : images_{images}, begin_{begin}, size_{end - begin}, height_{images[0]->getGeometry().y}, radius_{getRadius(
+                                                                                                   options)},
+      weights_(2 * radius_ + 1, 1.0), nextRow_{std::numeric_limits<std::ptrdiff_t>::min()}
 {
     const auto window = static_cast<double>(weights_.size());
     const double pixels = window * window;
@@ -81,7 +82,7 @@ void SsimPlane::read(std::ptrdiff_t y)
     for (std::size_t k = 0; k < 2; ++k) {
         const image::BaseImage& image = *images_[k];
         const std::size_t width = image.getGeometry().x;
-        const std::byte* const from = image.getRow(reflect(y, height_), at_.z, at_.c, at_.t);
+        const std::byte* const from = image.getRow(reflect(y, height_));
         const bool isBinary = image.getType() == image::eImageBufferType::eIBT_Binary;
         withPixelType(isBinary ? image::eImageBufferType::eIBT_UInt8 : image.getType(),
                       [&]<class T>(std::type_identity<T>) {
@@ -133,7 +134,7 @@ Ptr<image::BaseImage> ssimImage(const ImageView& image, const ImageView& image2,
     }
     const image::ImageGeometry& size = image->getGeometry();
     auto output = image::BaseImage::create(image::eImageBufferType::eIBT_Float32, size);
-    const ImageView images[] = {image, image2};
+    const Ptr<const image::BaseImage> images[] = {image->loadAll(), image2->loadAll()};
     const image::PlanRange plans{size, image::ePlanKind::ePK_Plan2d};
     const std::size_t tiles = (size.x + SsimPlane::bestSize - 1) / SsimPlane::bestSize;
     const auto measure = [&](std::size_t begin, std::size_t end) {
@@ -141,7 +142,9 @@ Ptr<image::BaseImage> ssimImage(const ImageView& image, const ImageView& image2,
             const image::PlanIndex plan = plans[i / tiles];
             const std::size_t x = i % tiles * SsimPlane::bestSize;
             const std::size_t width = std::min(SsimPlane::bestSize, size.x - x);
-            SsimPlane windows{options, peak, images, {0, 0, plan.z, plan.c, plan.t}, x, x + width};
+            const ImageView planes[] = {images[0]->getSubImage(plan, image::ePlanKind::ePK_Plan2d),
+                                        images[1]->getSubImage(plan, image::ePlanKind::ePK_Plan2d)};
+            SsimPlane windows{options, peak, planes, x, x + width};
             for (std::size_t y = 0; y < size.y; ++y) {
                 auto* const row = reinterpret_cast<float*>(output->getRow(y, plan.z, plan.c, plan.t));
                 std::copy_n(windows.measure(y), width, row + x);

@@ -16,10 +16,9 @@ double checkComparison(const CompareOptions& options, const ImageView& image, co
 class SsimPlane
 {
 public:
-    /// The windows centred on pixels [begin, end) of rows, up to 2^12. `at` is a position in the images, whose z, c and
-    /// t say which planes.
-    SsimPlane(const CompareOptions& options, double peak, std::span<const ImageView> images, const Position& at,
-              std::size_t begin, std::size_t end);
+    /// The windows centred on pixels [begin, end) of the rows of two planes in memory, up to 2^12.
+    SsimPlane(const CompareOptions& options, double peak, std::span<const ImageView, 2> images, std::size_t begin,
+              std::size_t end);
 
     static std::size_t getRadius(const CompareOptions& options);
     /// So many windows keep the sums of their rows in the cache.
@@ -34,8 +33,7 @@ private:
     void read(std::ptrdiff_t y);
     std::size_t slot(std::ptrdiff_t y) const;
 
-    std::span<const ImageView> images_;
-    Position at_;
+    std::span<const ImageView, 2> images_;
     std::size_t begin_;
     std::size_t size_;
     std::size_t height_;

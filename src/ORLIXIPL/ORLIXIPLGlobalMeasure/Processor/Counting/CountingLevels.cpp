@@ -10,6 +10,7 @@
 #include <bit>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 #include <new>
 
 namespace orlix::imaproc::glbmsr
@@ -91,28 +92,47 @@ public:
     {
         const image::ImageGeometry& size = image_->getGeometry();
         NumberSet set{span_};
-        const auto addRows = [&](std::size_t begin, std::size_t end) {
-            for (std::size_t row = begin; row < end && !context.cancelled(); ++row) {
-                // Of either sign: what counts is how far it lies from the lowest.
-                const auto* const pixels =
-                    reinterpret_cast<const std::uint32_t*>(image_->getRow(row % size.y, row / size.y));
-                for (std::size_t x = 0; x < size.x; ++x) {
-                    if (x == 0 || pixels[x] != pixels[x - 1]) {
-                        set.add(pixels[x] - lowest_);
-                    }
+        const std::size_t rows = std::min(size.y, partBytes_ / (size.x * sizeof(std::uint32_t)) + 1);
+        const std::size_t parts = (size.y + rows - 1) / rows; // of a plane
+        std::mutex mutex;
+        core::ProcessingResult result;
+        const auto addParts = [&](std::size_t begin, std::size_t end) {
+            try {
+                for (std::size_t i = begin; i < end && !context.cancelled(); ++i) {
+                    const std::size_t y = i % parts * rows;
+                    addPart({{0, y, i / parts}, {size.x, std::min(rows, size.y - y)}}, set);
                 }
+            } catch (...) {
+                const std::lock_guard lock{mutex};
+                result = core::ProcessingResult::failure(core::describeCurrentException());
             }
         };
-        const std::size_t grain = partBytes_ / (size.x * sizeof(std::uint32_t)) + 1;
-        executor::parallelFor(size.y * size.z, grain, priority_, RangeBody{addRows});
+        executor::parallelInOrder(parts * size.z, 1, priority_, RangeBody{addParts});
         context.advance();
         labels_ = set.count();
-        return context.cancelled()
+        return context.cancelled() && result
                    ? core::ProcessingResult::failure(core::formatMessage(imaproc::eProcessorMessage::eCancelled))
-                   : core::ProcessingResult{};
+                   : result;
     }
 
 private:
+    /// Rows of a plane.
+    void addPart(const image::Box& part, NumberSet& set) const
+    {
+        const image::LoadRoom room{image_->hasSource() ? part.size.nbPixels() * sizeof(std::uint32_t) : 0, 0};
+        const image::LoadedBox loaded = image_->load(part);
+        for (std::size_t y = 0; y < part.size.y; ++y) {
+            // Of either sign: what counts is how far it lies from the lowest.
+            const auto* const pixels = reinterpret_cast<const std::uint32_t*>(
+                loaded.first + static_cast<std::ptrdiff_t>(y) * loaded.strides.y);
+            for (std::size_t x = 0; x < part.size.x; ++x) {
+                if (x == 0 || pixels[x] != pixels[x - 1]) {
+                    set.add(pixels[x] - lowest_);
+                }
+            }
+        }
+    }
+
     Ptr<const image::BaseImage> image_;
     std::uint32_t lowest_;
     std::uint32_t span_;

@@ -29,14 +29,15 @@ struct GaussianNoise
         if (state.nbPixels == 0) {
             return;
         }
-        const std::size_t width = strip.image->getGeometry().x;
-        const auto row = [&](std::size_t y, int step) {
-            const auto at = static_cast<std::ptrdiff_t>(y) + step;
-            return reinterpret_cast<const T*>(image::continueBorder2d(*strip.image, at));
+        const image::PixelBox& box = strips.parsers[0].getBox();
+        const auto first = static_cast<std::ptrdiff_t>(strip.first);
+        const auto row = [&](std::ptrdiff_t y) {
+            const std::ptrdiff_t at = image::continueBorder2d(*strip.image, y) - first;
+            return reinterpret_cast<const T*>(box.origin + at * box.strideY);
         };
         AbsResponses responses{};
-        for (std::size_t y = strip.first; y < strip.first + strip.count; ++y) {
-            kernel(row(y, -1), row(y, 0), row(y, 1), width, responses);
+        for (std::ptrdiff_t y = first; y < first + static_cast<std::ptrdiff_t>(strip.count); ++y) {
+            kernel(row(y - 1), row(y), row(y + 1), box.x, responses);
         }
         state.sum = std::is_floating_point_v<T>
                         ? std::accumulate(std::begin(responses.laneSums), std::end(responses.laneSums), 0.0)

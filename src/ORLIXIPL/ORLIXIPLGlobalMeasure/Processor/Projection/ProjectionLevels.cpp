@@ -7,7 +7,9 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Stats/MomentSums.hpp>
 
 #include <framework/core/NumericLimits.hpp>
+#include <framework/core/Settings.hpp>
 #include <framework/process/KernelTables.hpp>
+#include <framework/process/ParallelRead.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -15,6 +17,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <unistd.h>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -171,6 +174,13 @@ namespace
 /// Pixels that are worked at together, so that their sums stay in the cache.
 constexpr std::size_t chunk = 1024;
 
+/// Null stays null.
+template <class T>
+T* advance(T* from, std::size_t count)
+{
+    return from == nullptr ? nullptr : from + count;
+}
+
 /// Where the pixels of a strip go, whatever their type.
 struct Output
 {
@@ -189,21 +199,29 @@ struct Output
 
 template <class T>
 void writeSums(const Columns<T>& columns, eProjStatType statistic, const ColumnKernel<T>& kernel, const Output& output,
-               std::byte* to)
+               const SequenceSums& kept, std::byte* to)
 {
-    const auto n = static_cast<double>(columns.count);
+    const auto n = static_cast<double>(kept.nbTimes);
     const ProjectionFinish& finish = output.writers.finish;
-    double sums[chunk];
-    std::fill_n(sums, columns.width, 0.0);
-    if (statistic == ePST_Sum || statistic == ePST_Mean) {
-        kernel.sum(columns, sums);
-        if (statistic == ePST_Mean) {
-            finish.mean(sums, columns.width, n);
-        }
-    } else {
-        double squares[chunk];
-        std::fill_n(squares, columns.width, 0.0);
+    const bool hasSquares = statistic == ePST_Var || statistic == ePST_StdDev;
+    double own[2][chunk];
+    double* const sums = kept.sums != nullptr ? kept.sums : own[0];
+    double* const squares = kept.squares != nullptr ? kept.squares : own[1];
+    if (kept.isFirst) {
+        std::fill_n(sums, columns.width, 0.0);
+        std::fill_n(squares, hasSquares ? columns.width : 0, 0.0);
+    }
+    if (hasSquares) {
         kernel.squares(columns, sums, squares);
+    } else {
+        kernel.sum(columns, sums);
+    }
+    if (!kept.isLast) {
+        return;
+    }
+    if (statistic == ePST_Mean) {
+        finish.mean(sums, columns.width, n);
+    } else if (hasSquares) {
         (statistic == ePST_Var ? finish.variance : finish.deviation)(sums, squares, columns.width, n);
     }
     output.write(sums, columns.width, to);
@@ -211,15 +229,22 @@ void writeSums(const Columns<T>& columns, eProjStatType statistic, const ColumnK
 
 template <class T>
 void writeSelected(const Columns<T>& columns, eProjStatType statistic, const ColumnKernel<T>& kernel,
-                   const Output& output, unsigned char* scratch, std::byte* to)
+                   const Output& output, const SequenceSums& kept, unsigned char* scratch, std::byte* to)
 {
-    T pixels[chunk]; // not the output itself, which may be a plane of the input
+    T own[chunk]; // not the output itself, which may be a plane of the input
+    T* const pixels = kept.extremes != nullptr ? reinterpret_cast<T*>(kept.extremes) : own;
     if (statistic == ePST_Median) {
         kernel.median(columns, scratch, pixels);
     } else {
-        std::memcpy(pixels, columns.pixels, columns.width * sizeof(T));
-        const Columns<T> others = columns.part(0, columns.width, 1, columns.count - 1);
+        const std::size_t first = kept.isFirst ? 1 : 0;
+        if (kept.isFirst) {
+            std::memcpy(pixels, columns.pixels, columns.width * sizeof(T));
+        }
+        const Columns<T> others = columns.part(0, columns.width, first, columns.count - first);
         (statistic == ePST_Min ? kernel.minimum : kernel.maximum)(others, pixels);
+    }
+    if (!kept.isLast) {
+        return;
     }
     if (output.type == image::imageBufferTypeOf<T>) {
         std::memcpy(to, pixels, columns.width * sizeof(T));
@@ -250,10 +275,18 @@ core::ProcessingResult SeqProjectionStrip::genericProcessFunction(ProcessingInfo
         for (std::size_t x = 0; x < run.width; x += chunk) {
             const Columns<T> columns = run.part(x, std::min(chunk, run.width - x), 0, count);
             std::byte* const pixels = to + x * target.getPixelSize();
+            SequenceSums kept{.nbTimes = count};
+            if (kept_) {
+                const std::size_t pixel = i * info.rowSize + x;
+                kept = *kept_;
+                kept.sums = advance(kept.sums, pixel);
+                kept.squares = advance(kept.squares, pixel);
+                kept.extremes = advance(kept.extremes, pixel * sizeof(T));
+            }
             if (isMedian || statistic == ePST_Max || statistic == ePST_Min) {
-                writeSelected(columns, statistic, kernel, output, scratch.get(), pixels);
+                writeSelected(columns, statistic, kernel, output, kept, scratch.get(), pixels);
             } else {
-                writeSums(columns, statistic, kernel, output, pixels);
+                writeSums(columns, statistic, kernel, output, kept, pixels);
             }
         }
     }
@@ -361,19 +394,172 @@ core::ProcessingResult XProjection2dLvl1::postProcess()
     return {};
 }
 
-core::ProcessingResult ZProjectionImgLvl2::preProcess()
+core::ProcessingResult XProjection2dLvl1::runDerived(const RunContext& context)
 {
-    sequence_ = value<InSubImg3d>().getPlanesAsSequence();
+    const image::BaseImage& image = value<InSubImg2d>();
+    if (image.hasSource() && value<InProjStatType>() == ePST_Median) { // strips of columns have parts of all rows
+        auto loaded = image::BaseImage::create(image.getType(), image.getGeometry());
+        readInParallel(image, {{}, image.getGeometry()}, {loaded->getRow(0), loaded->getStrides()},
+                       {{}, image.getGeometry()}, context);
+        loaded_ = loaded;
+    }
+    return ProjectionLevel::runDerived(context);
+}
+
+void XProjection2dLvl1::prepareChild(BaseProcessor& child, std::size_t index)
+{
+    if (loaded_) {
+        const attr::Share share = getShare(index);
+        child.set<InXStrip2d>({loaded_, share.first, share.count});
+    }
+}
+
+void XProjection2dLvl1::clearIntermediateDataDerived()
+{
+    ProjectionLevel::clearIntermediateDataDerived();
+    loaded_.reset();
+}
+
+/// Gone through block by block: of some rows some times, then the next times of these rows. A median has all times at
+/// once, other statistics keep sums, or the extremes, in between.
+class SequenceLevel::Blocks final : public ActionProvider
+{
+public:
+    Blocks(const SequenceLevel& level, const image::BaseImage& sequence, Ptr<image::BaseImage> output,
+           eProjStatType statistic)
+        : level_{level}, sequence_{sequence}, output_{std::move(output)}, statistic_{statistic}
+    {
+        const image::ImageGeometry& size = sequence_.getGeometry();
+        const image::SourceLayout layout = sequence_.getLayout();
+        const std::size_t rowBytes = size.x * sequence_.getPixelSize();
+        const bool isMedian = statistic == ePST_Median;
+        const std::size_t set = core::settings::getPixelMemory();
+        // Block by block of what is decoded together, where that fits.
+        const auto whole = [](std::size_t most, std::size_t block, std::size_t all) {
+            const std::size_t fits = most / block * block;
+            return std::clamp<std::size_t>(fits != 0 ? fits : most, 1, all);
+        };
+        if (isMedian) {
+            times_ = size.t;
+            rows_ = whole((set != 0 ? set : getMachineMemory() / 4) / (rowBytes * size.t), layout.block.y, size.y);
+            return;
+        }
+        // Rows enough to be read fast, and times enough that what is kept is seldom touched.
+        const std::size_t mostKept = std::size_t{layout.isSequential ? 256u : 64u} << 20;
+        constexpr std::size_t mostAtOnce = std::size_t{64} << 20;
+        constexpr std::size_t readFast = std::size_t{1} << 20;
+        constexpr std::size_t enoughTimes = 16;
+        const std::size_t keptPerPixel = keepsSquares() ? 16 : keepsSums() ? 8 : sequence_.getPixelSize();
+        const std::size_t deepest = layout.block.t;
+        const std::size_t fits = std::min(mostKept / (size.x * keptPerPixel), mostAtOnce / (rowBytes * deepest));
+        const std::size_t enoughRows = layout.isSequential ? size.y : std::max(layout.block.y, readFast / rowBytes);
+        rows_ = whole(std::min(fits, enoughRows), layout.block.y, size.y);
+        times_ = whole(std::min(std::max(enoughTimes, deepest), mostAtOnce / (rowBytes * rows_)), deepest, size.t);
+    }
+
+    core::ProcessingResult process(const RunContext& context) override
+    {
+        const image::ImageGeometry& size = sequence_.getGeometry();
+        const std::size_t kept = size.x * rows_;
+        sums_.resize(keepsSums() ? kept : 0);
+        squares_.resize(keepsSquares() ? kept : 0);
+        extremes_.resize(!keepsSums() && statistic_ != ePST_Median ? kept * sequence_.getPixelSize() : 0);
+        const auto block = image::BaseImage::create(sequence_.getType(), {size.x, rows_, 1, 1, times_});
+        const std::size_t blocks = ((size.y + rows_ - 1) / rows_) * ((size.t + times_ - 1) / times_);
+        core::ProcessingResult result;
+        for (std::size_t y = 0; y < size.y; y += rows_) {
+            for (std::size_t t = 0; t < size.t && result; t += times_) {
+                const image::ImageGeometry part{size.x, std::min(rows_, size.y - y), 1, 1,
+                                                std::min(times_, size.t - t)};
+                readInParallel(sequence_, {{0, y, 0, 0, t}, part}, {block->getRow(0), block->getStrides()},
+                               {{0, y}, {size.x, part.y, 1, 1, size.t}}, context);
+                const auto pixels = image::BaseImage::wrap(std::as_const(*block).getRow(0), sequence_.getType(), part,
+                                                           block->getStrides(), block);
+                result =
+                    context.cancelled()
+                        ? core::ProcessingResult::failure(core::formatMessage(imaproc::eProcessorMessage::eCancelled))
+                        : project(pixels, y, t, context);
+                context.part(blocks).advance();
+            }
+        }
+        return result;
+    }
+
+private:
+    bool keepsSquares() const { return statistic_ == ePST_Var || statistic_ == ePST_StdDev; }
+    bool keepsSums() const { return keepsSquares() || statistic_ == ePST_Sum || statistic_ == ePST_Mean; }
+
+    static std::size_t getMachineMemory()
+    {
+        return static_cast<std::size_t>(::sysconf(_SC_PHYS_PAGES)) * static_cast<std::size_t>(::sysconf(_SC_PAGE_SIZE));
+    }
+
+    /// Strip by strip; the block's first pixel lies in row `y` at time `t`.
+    core::ProcessingResult project(const Ptr<const image::BaseImage>& block, std::size_t y, std::size_t t,
+                                   const RunContext& context)
+    {
+        const image::ImageGeometry& size = sequence_.getGeometry();
+        const StripCut cut = StripCut::of<image::SeqYStrip2d>(*block, level_.getDispatchPolicy().stripBytes, 1);
+        const auto& levelClass = static_cast<const LevelClass&>(level_.getProcessorClass());
+        const ProcessorClass& stripClass = *levelClass.getChild(level_.chooseChild()).processorClass;
+        std::mutex mutex;
+        core::ProcessingResult result;
+        const auto run = [&](std::size_t begin, std::size_t end) {
+            const auto strip = boost::static_pointer_cast<SeqProjectionStrip>(stripClass.getCreators().processor());
+            (void)strip->init(eProcessorRulePolicy::eRP_CheckRules);
+            for (std::size_t i = begin; i < end; ++i) {
+                const std::size_t first = cut.begin(i);
+                const std::size_t count = cut.begin(i + 1) - first;
+                strip->set<InSeqYStrip2d>({block, first, count});
+                strip->set<OutSingleYStrip2d>({output_, y + first, count});
+                const std::size_t pixel = first * size.x;
+                strip->continueSums({size.t, t == 0, t + block->getGeometry().t == size.t, advance(sums_.data(), pixel),
+                                     advance(squares_.data(), pixel),
+                                     advance(extremes_.data(), pixel * sequence_.getPixelSize())});
+                if (core::ProcessingResult each = strip->execute({context.state, 0, context.priority}); !each) {
+                    const std::lock_guard lock{mutex};
+                    result = std::move(each);
+                }
+            }
+        };
+        executor::parallelFor(cut.size(), 1, context.priority, RangeBody{run});
+        return result;
+    }
+
+    const SequenceLevel& level_;
+    const image::BaseImage& sequence_;
+    Ptr<image::BaseImage> output_;
+    eProjStatType statistic_;
+    std::size_t rows_ = 1; // of a block
+    std::size_t times_ = 1;
+    std::vector<double> sums_;
+    std::vector<double> squares_;
+    std::vector<std::byte> extremes_;
+};
+
+core::ProcessingResult SequenceLevel::preProcess()
+{
+    sequence_ = getSequence();
     return {};
 }
 
-void ZProjectionImgLvl2::prepareChild(BaseProcessor& child, std::size_t index)
+core::ProcessingResult SequenceLevel::retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider)
+{
+    if (!sequence_->hasSource()) {
+        return ProjectionLevel::retrieveProvider(priority, provider);
+    }
+    const auto& output = static_cast<const attr::StoredAttribute<Ptr<image::BaseImage>>&>(*getAttributes().back());
+    provider = makePtr<Blocks>(*this, *sequence_, output.get(), *find<InProjStatType>().get());
+    return {};
+}
+
+void SequenceLevel::prepareChild(BaseProcessor& child, std::size_t index)
 {
     const attr::Share share = getShare(index);
     child.set<InSeqYStrip2d>({sequence_, share.first, share.count});
 }
 
-void ZProjectionImgLvl2::clearIntermediateDataDerived()
+void SequenceLevel::clearIntermediateDataDerived()
 {
     ProjectionLevel::clearIntermediateDataDerived();
     sequence_.reset();

@@ -65,6 +65,9 @@ class ORLIX_API KernelDensityEstimator2dLvl1 final
 {
 public:
     static LevelClass processorClass;
+
+protected:
+    bool takesAnyOrder() const override { return false; } // they share a generator
 };
 
 /// The sample of one volume.
@@ -86,6 +89,9 @@ class ORLIX_API KernelDensityEstimator3dLvl1 final
 {
 public:
     static LevelClass processorClass;
+
+protected:
+    bool takesAnyOrder() const override { return false; } // they share a generator
 };
 
 } // namespace orlix::imaproc::glbmsr

@@ -3,6 +3,8 @@
 #include <framework/attribute/Projection.hpp>
 #include <framework/process/Level.hpp>
 
+#include <optional>
+
 /// What the projections share: a statistic of every column, row or pixel along an axis. A level has a class of strips
 /// for each statistic, in the order of eProjStatType; any value beyond them stands for the first. Neither threads, nor
 /// the layout of the pixels in memory, nor the instruction set change a bit of a result.
@@ -62,16 +64,33 @@ public:
     core::ProcessingResult genericProcessFunction(ProcessingInfo info);
 };
 
+/// What is kept of the pixels of a strip of rows when only some of the times have been there.
+struct SequenceSums
+{
+    std::size_t nbTimes = 0; ///< of the whole sequence
+    bool isFirst = true;     ///< of the parts of the times
+    bool isLast = true;
+    double* sums = nullptr;
+    double* squares = nullptr;
+    std::byte* extremes = nullptr; ///< pixels
+};
+
 /// A statistic of the pixels of a strip of rows over all times, written into the same rows of another image, of any of
 /// the seven pixel types.
 class ORLIX_API SeqProjectionStrip : public ProjectionStrip
 {
 public:
+    /// The strip has some of the times only, which come in their order; where it has the last ones, pixels are written.
+    void continueSums(const SequenceSums& sums) { kept_ = sums; }
+
     /// Enters the kernels that this machine can run, for every pair of types.
     static void functionRegistration(AlgorithmFunctionSelector& selector, eProjStatType statistic);
 
     template <class T>
     core::ProcessingResult genericProcessFunction(ProcessingInfo info);
+
+private:
+    std::optional<SequenceSums> kept_;
 };
 
 /// The strips of one statistic.
@@ -160,7 +179,13 @@ public:
 
 protected:
     std::size_t getMinStripElements() const override;
+    core::ProcessingResult runDerived(const RunContext& context) override;
+    void prepareChild(BaseProcessor& child, std::size_t index) override;
     core::ProcessingResult postProcess() override;
+    void clearIntermediateDataDerived() override;
+
+private:
+    Ptr<const image::BaseImage> loaded_; ///< for columns of a plan that is fetched
 };
 
 /// The maximum of every row of a strip of rows.
@@ -297,12 +322,31 @@ public:
     static AlgorithmClass processorClass;
 };
 
+/// A statistic of every pixel of a sequence. One that is fetched comes in blocks that fit memory.
+class ORLIX_API SequenceLevel : public ProjectionLevel
+{
+protected:
+    core::ProcessingResult preProcess() override;
+    core::ProcessingResult retrieveProvider(ePriority priority, Ptr<ActionProvider>& provider) override;
+    void prepareChild(BaseProcessor& child, std::size_t index) override;
+    void clearIntermediateDataDerived() override;
+
+    virtual Ptr<const image::BaseImage> getSequence() const = 0;
+
+private:
+    class Blocks;
+    Ptr<const image::BaseImage> sequence_;
+};
+
 /// A statistic of every pixel over the times of one 2d sequence.
 class ORLIX_API SeqProjectionImgLvl2 final
-    : public Processor<SeqProjectionImgLvl2, ProjectionLevel, InSubSeqImg2d, InProjStatType, OutSingleImg>
+    : public Processor<SeqProjectionImgLvl2, SequenceLevel, InSubSeqImg2d, InProjStatType, OutSingleImg>
 {
 public:
     static LevelClass processorClass;
+
+protected:
+    Ptr<const image::BaseImage> getSequence() const override { return attribute<InSubSeqImg2d>().get(); }
 };
 
 /// A statistic of every pixel over the times of an image.
@@ -315,18 +359,13 @@ public:
 
 /// A statistic of every pixel over the planes of one volume, as over the times of a sequence.
 class ORLIX_API ZProjectionImgLvl2 final
-    : public Processor<ZProjectionImgLvl2, ProjectionLevel, InSubImg3d, InProjStatType, OutImg2d>
+    : public Processor<ZProjectionImgLvl2, SequenceLevel, InSubImg3d, InProjStatType, OutImg2d>
 {
 public:
     static LevelClass processorClass;
 
 protected:
-    void clearIntermediateDataDerived() override;
-    core::ProcessingResult preProcess() override;
-    void prepareChild(BaseProcessor& child, std::size_t index) override;
-
-private:
-    Ptr<const image::BaseImage> sequence_;
+    Ptr<const image::BaseImage> getSequence() const override { return value<InSubImg3d>().getPlanesAsSequence(); }
 };
 
 /// A statistic of every pixel over the planes of an image, for each channel and time.

@@ -1,0 +1,636 @@
+#include <framework/image/SourceBuffer.hpp>
+
+#include <framework/core/Settings.hpp>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstring>
+#include <new>
+#include <sys/mman.h>
+#include <thread>
+#include <unistd.h>
+
+namespace orlix::image
+{
+
+namespace
+{
+
+constexpr std::size_t mebibyte = std::size_t{1} << 20;
+constexpr std::size_t cellBytes = mebibyte; // at least, where an image has them
+constexpr std::size_t readAheadBytes = 4 * cellBytes;
+constexpr std::size_t defaultRoom = 64 * mebibyte;   // of what workers have loaded
+constexpr std::size_t defaultCells = 256 * mebibyte; // of the cells of all images
+
+std::mutex roomMutex;
+std::condition_variable roomChanged;
+std::size_t roomTaken = 0;
+
+std::atomic<std::size_t> nbBuffers{0}; // that have cells
+
+/// The block of an axis that a position lies in: where it begins and ends in an image of so many pixels.
+struct Span
+{
+    std::size_t begin;
+    std::size_t end;
+
+    Span(std::size_t at, std::size_t block, std::size_t phase, std::size_t size)
+        : begin{at - std::min(at, (at + phase) % block)}, end{std::min(size, at + block - (at + phase) % block)}
+    {}
+    /// The same with a block of whole pixels alone.
+    static Span part(std::size_t at, std::size_t step, const Span& of)
+    {
+        Span part = of;
+        part.begin = of.begin + (at - of.begin) / step * step;
+        part.end = std::min(of.end, part.begin + step);
+        return part;
+    }
+};
+
+} // namespace
+
+PixelSource::~PixelSource() = default;
+
+LoadRoom::LoadRoom(std::size_t bytes, std::size_t planeBytes) : bytes_{bytes}
+{
+    if (bytes_ == 0) {
+        return;
+    }
+    const std::size_t set = core::settings::getPixelMemory();
+    const std::size_t most = set != 0 ? set / 2 : defaultRoom + 2 * planeBytes;
+    std::unique_lock lock{roomMutex};
+    roomChanged.wait(lock, [&] { return roomTaken == 0 || roomTaken + bytes_ <= most; });
+    roomTaken += bytes_;
+}
+
+LoadRoom::~LoadRoom()
+{
+    if (bytes_ == 0) {
+        return;
+    }
+    const std::lock_guard lock{roomMutex};
+    roomTaken -= bytes_;
+    roomChanged.notify_all();
+}
+
+void BlockPool::Free::operator()(std::byte* bytes) const
+{
+    ::munmap(bytes, size);
+}
+
+Ptr<std::byte> BlockPool::take(const std::shared_ptr<BlockPool>& pool, std::size_t bytes)
+{
+    constexpr std::size_t page = 4096;
+    const std::size_t size = std::max<std::size_t>(1, (bytes + page - 1) / page) * page;
+    Block block;
+    {
+        const std::lock_guard lock{pool->mutex_};
+        const auto fits = [&](const Block& each) { return size <= each.size() && each.size() <= size + size / 4; };
+        // The last one that was given back is still in the cache.
+        const auto found = std::find_if(pool->blocks_.rbegin(), pool->blocks_.rend(), fits);
+        if (found != pool->blocks_.rend()) {
+            block = std::move(*found);
+            pool->blocks_.erase(found.base() - 1);
+            pool->size_ -= block.size();
+        }
+    }
+    if (!block.bytes) {
+        // Not by malloc, which would keep what is freed.
+        void* const fresh = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (fresh == MAP_FAILED) {
+            throw std::bad_alloc{};
+        }
+        block.bytes = {static_cast<std::byte*>(fresh), Free{size}};
+    }
+    const std::size_t whole = block.size();
+    return {block.bytes.release(), [pool, whole](std::byte* pixels) { pool->give({{pixels, Free{whole}}}); }};
+}
+
+void BlockPool::give(Block block)
+{
+    constexpr std::size_t most = 32 * mebibyte;
+    const std::lock_guard lock{mutex_};
+    if (block.size() <= most) {
+        size_ += block.size();
+        blocks_.push_back(std::move(block));
+    }
+    while (size_ > most) {
+        size_ -= blocks_.front().size();
+        blocks_.erase(blocks_.begin());
+    }
+}
+
+/// It outlives the buffer where the thread that reads ahead still works in it.
+class SourceBuffer::Cells : public std::enable_shared_from_this<Cells>
+{
+public:
+    Cells(Ptr<PixelSource> source, std::size_t pixelSize, const ImageGeometry& size)
+        : source_{std::move(source)}, layout_{source_->getLayout()}, pixelSize_{pixelSize}, size_{size}
+    {
+        nbBuffers += hasCells() ? 1 : 0;
+    }
+
+    const SourceLayout& getLayout() const { return layout_; }
+    bool hasCells() const { return !layout_.readsAhead; }
+
+    LoadedBox load(const Box& box, const Box& sweep)
+    {
+        const ImageStrides strides = ImageStrides::contiguous(box.size, pixelSize_);
+        const Grid grid = makeGrid(sweep.size.y);
+        if (hasCells() && !box.size.empty()) {
+            const CellPtr cell = find(grid, box.begin);
+            if (const std::byte* const inside = locate(*cell, box)) {
+                complete(grid, cell);
+                startReadingAhead(grid, box, sweep);
+                return {inside, strides, cell};
+            }
+        }
+        const Ptr<std::byte> pixels = BlockPool::take(pool_, box.size.nbPixels() * pixelSize_);
+        read(box, {pixels.get(), strides}, sweep);
+        return {pixels.get(), strides, pixels};
+    }
+
+    void read(const Box& box, const PixelTarget& target, const Box& sweep)
+    {
+        if (box.size.empty()) {
+            return;
+        }
+        if (!hasCells()) {
+            source_->fetch(box, target);
+            return;
+        }
+        const Grid grid = makeGrid(sweep.size.y);
+        const auto each = [](std::uint64_t begin, std::size_t count, auto end, auto visit) {
+            for (std::uint64_t at = begin; at < begin + count; at = end(at)) {
+                visit(at);
+            }
+        };
+        // Cell by cell, so that no more of them are held than need be.
+        Position at;
+        const auto endOf = [&](std::uint64_t Position::*axis, std::size_t ImageGeometry::*side) {
+            return [&, axis, side](std::uint64_t from) {
+                Position place = at;
+                place.*axis = from;
+                const Box cell = boxOfCell(grid, place);
+                return cell.begin.*axis + cell.size.*side;
+            };
+        };
+        each(box.begin.t, box.size.t, endOf(&Position::t, &ImageGeometry::t), [&](std::uint64_t t) {
+            at.t = t;
+            each(box.begin.c, box.size.c, endOf(&Position::c, &ImageGeometry::c), [&](std::uint64_t c) {
+                at.c = c;
+                each(box.begin.z, box.size.z, endOf(&Position::z, &ImageGeometry::z), [&](std::uint64_t z) {
+                    at.z = z;
+                    each(box.begin.y, box.size.y, endOf(&Position::y, &ImageGeometry::y), [&](std::uint64_t y) {
+                        at.y = y;
+                        const CellPtr cell = find(grid, at);
+                        complete(grid, cell);
+                        copy(*cell, box, target);
+                    });
+                });
+            });
+        });
+        startReadingAhead(grid, box, sweep);
+    }
+
+    /// Nobody loads any more, and the source is not read any more.
+    void close()
+    {
+        nbBuffers -= hasCells() ? 1 : 0;
+        std::unique_lock lock{mutex_};
+        ends_ = true;
+        changed_.notify_all();
+        // A process that was forked does not have the thread.
+        changed_.wait(lock, [&] { return !isReading_ || process_ != ::getpid(); });
+        byPlace_.clear();
+        source_.reset(); // before the program ends, whenever the thread does
+    }
+
+private:
+    /// Rows of some planes, channels and times.
+    struct Cell
+    {
+        Box box;
+        Ptr<std::byte> pixels;
+        std::size_t bytes = 0;
+        std::size_t nbParts = 1;
+        std::size_t nextPart = 0; ///< that nobody decodes yet
+        std::size_t nbActive = 0; ///< who decode parts
+        std::exception_ptr failure;
+        std::uint64_t lastUse = 0;
+
+        bool isDone() const { return nextPart == nbParts && nbActive == 0; }
+    };
+    using CellPtr = Ptr<Cell>;
+    using Key = std::array<std::uint64_t, 8>; ///< the first pixel and the sizes
+
+    /// The sizes of cells; those at borders are smaller.
+    struct Grid
+    {
+        std::size_t rows = 1;
+        std::size_t planes = 1;
+        std::size_t channels = 1;
+        std::size_t times = 1;
+        std::size_t capacity = 0; ///< bytes of all cells
+    };
+
+    Grid makeGrid(std::size_t sweepRows) const
+    {
+        const ImageGeometry& block = layout_.block;
+        const std::size_t rowBytes = std::max<std::size_t>(1, size_.x * pixelSize_);
+        const std::size_t set = core::settings::getPixelMemory();
+        const std::size_t most = (set != 0 ? set / 2 : defaultCells) / std::max<std::size_t>(1, nbBuffers) +
+                                 (set != 0 ? 0 : 2 * rowBytes * size_.y);
+        // All of a block, or as much of it as fits: channels rather than planes, planes rather than times.
+        std::size_t fits =
+            std::max<std::size_t>(1, (most - most / 8) / (rowBytes * std::max<std::size_t>(1, sweepRows)));
+        const auto take = [&](std::size_t side, std::size_t whole) {
+            const std::size_t taken = std::min({side, whole, fits});
+            fits /= std::max<std::size_t>(1, taken);
+            fits = std::max<std::size_t>(1, fits);
+            return std::max<std::size_t>(1, taken);
+        };
+        Grid grid;
+        grid.channels = take(block.c, size_.c);
+        grid.planes = take(block.z, size_.z);
+        grid.times = take(block.t, size_.t);
+        const std::size_t layers = grid.channels * grid.planes * grid.times;
+        grid.rows = block.y * std::max<std::size_t>(1, cellBytes / (rowBytes * layers * block.y));
+        const std::size_t needed = layers == 1 ? 0 : rowBytes * sweepRows * layers;
+        grid.capacity = std::min(most, needed + needed / 8 + 12 * mebibyte);
+        return grid;
+    }
+
+    Box boxOfCell(const Grid& grid, const Position& at) const
+    {
+        const Position& phase = layout_.phase;
+        const ImageGeometry& block = layout_.block;
+        const Span y{at.y, grid.rows, phase.y, size_.y};
+        const Span z = Span::part(at.z, grid.planes, {at.z, block.z, phase.z, size_.z});
+        const Span c = Span::part(at.c, grid.channels, {at.c, block.c, phase.c, size_.c});
+        const Span t = Span::part(at.t, grid.times, {at.t, block.t, phase.t, size_.t});
+        return {{0, y.begin, z.begin, c.begin, t.begin},
+                {size_.x, y.end - y.begin, z.end - z.begin, c.end - c.begin, t.end - t.begin}};
+    }
+
+    std::size_t blockColumns() const { return layout_.block.x == 1 ? size_.x : layout_.block.x; }
+    std::size_t blockRows(const Cell& cell) const { return layout_.block.y == 1 ? cell.box.size.y : layout_.block.y; }
+
+    static std::size_t count(std::size_t begin, std::size_t size, std::size_t block, std::size_t phase)
+    {
+        return (begin + phase + size - 1) / block - (begin + phase) / block + 1;
+    }
+
+    Box boxOfPart(const Cell& cell, std::size_t part) const
+    {
+        const std::size_t phaseX = layout_.block.x == 1 ? 0 : layout_.phase.x;
+        const std::size_t across = count(0, size_.x, blockColumns(), phaseX);
+        const std::size_t column = part % across;
+        const std::size_t x = column == 0 ? 0 : column * blockColumns() - phaseX;
+        const Span columns{x, blockColumns(), phaseX, size_.x};
+        Box box = cell.box;
+        box.begin.x = columns.begin;
+        box.size.x = columns.end - columns.begin;
+        if (layout_.block.y != 1) {
+            const std::size_t phaseY = layout_.phase.y;
+            const std::size_t first = (cell.box.begin.y + phaseY) / layout_.block.y + part / across;
+            const std::size_t y = std::max<std::size_t>(
+                cell.box.begin.y, first * layout_.block.y - std::min(first * layout_.block.y, phaseY));
+            const Span rows{y, layout_.block.y, phaseY, cell.box.begin.y + cell.box.size.y};
+            box.begin.y = y;
+            box.size.y = rows.end - y;
+        }
+        return box;
+    }
+
+    /// The cell that a pixel lies in.
+    CellPtr find(const Grid& grid, const Position& at)
+    {
+        const Box box = boxOfCell(grid, at);
+        const Key key{box.begin.t, box.begin.c, box.begin.z, box.begin.y,
+                      box.size.t,  box.size.c,  box.size.z,  box.size.y};
+        const std::lock_guard lock{mutex_};
+        CellPtr& cell = byPlace_[key];
+        if (!cell) {
+            auto fresh = makePtr<Cell>();
+            fresh->box = box;
+            fresh->bytes = box.size.nbPixels() * pixelSize_;
+            const std::size_t phaseX = layout_.block.x == 1 ? 0 : layout_.phase.x;
+            const std::size_t phaseY = layout_.block.y == 1 ? 0 : layout_.phase.y;
+            fresh->nbParts = count(0, size_.x, blockColumns(), phaseX) *
+                             (layout_.block.y == 1 ? 1 : count(box.begin.y, box.size.y, blockRows(*fresh), phaseY));
+            try {
+                makeRoom(grid.capacity, fresh->bytes);
+                fresh->pixels = BlockPool::take(pool_, fresh->bytes);
+            } catch (...) {
+                byPlace_.erase(key);
+                throw;
+            }
+            bytes_ += fresh->bytes;
+            cell = std::move(fresh);
+        }
+        cell->lastUse = ++time_;
+        return cell;
+    }
+
+    /// Drops the cells that were not used for the longest time, and by nobody now.
+    void makeRoom(std::size_t capacity, std::size_t bytes)
+    {
+        while (bytes_ + bytes > capacity) {
+            auto oldest = byPlace_.end();
+            for (auto each = byPlace_.begin(); each != byPlace_.end(); ++each) {
+                const bool isFree = each->second && each->second.use_count() == 1;
+                if (isFree && (oldest == byPlace_.end() || each->second->lastUse < oldest->second->lastUse)) {
+                    oldest = each;
+                }
+            }
+            if (oldest == byPlace_.end()) {
+                return;
+            }
+            bytes_ -= oldest->second->bytes;
+            byPlace_.erase(oldest);
+        }
+    }
+
+    /// Decodes what is missing of a cell, together with others who need it. Throws where that failed.
+    void complete(const Grid& grid, const CellPtr& cell)
+    {
+        std::unique_lock lock{mutex_};
+        if (!cell->isDone() && layout_.isSequential) {
+            lock.unlock();
+            completeInOrder(grid, cell);
+            lock.lock();
+        }
+        decode(*cell, lock);
+        changed_.wait(lock, [&] { return cell->isDone(); });
+        if (cell->failure) {
+            drop(cell);
+            std::rethrow_exception(cell->failure);
+        }
+    }
+
+    /// Of a source that comes in an order: those before it first, which others are about to ask for.
+    void completeInOrder(const Grid& grid, const CellPtr& cell)
+    {
+        const std::lock_guard order{sequence_};
+        const Position& end = cell->box.begin;
+        std::vector<Position> between;
+        constexpr std::size_t mostBetween = 8;
+        for (std::optional<Position> at = last_; at && *at < end && between.size() <= mostBetween;) {
+            at = next(grid, boxOfCell(grid, *at), {{}, size_});
+            if (at == end) {
+                for (const Position& each : between) {
+                    const CellPtr passed = find(grid, each);
+                    std::unique_lock lock{mutex_};
+                    decode(*passed, lock);
+                }
+                break;
+            }
+            between.push_back(at.value_or(end));
+        }
+        std::unique_lock lock{mutex_};
+        if (!cell->isDone()) {
+            decode(*cell, lock);
+            last_ = end;
+        }
+    }
+
+    void decode(Cell& cell, std::unique_lock<std::mutex>& lock)
+    {
+        while (cell.nextPart < cell.nbParts) {
+            const std::size_t part = cell.nextPart++;
+            ++cell.nbActive;
+            lock.unlock();
+            std::exception_ptr failure;
+            try {
+                const Box box = boxOfPart(cell, part);
+                const PixelTarget all{cell.pixels.get(), ImageStrides::contiguous(cell.box.size, pixelSize_)};
+                source_->fetch(box, {all.row(box.begin.y - cell.box.begin.y) + box.begin.x * pixelSize_, all.strides});
+            } catch (...) {
+                failure = std::current_exception();
+            }
+            lock.lock();
+            --cell.nbActive;
+            if (failure) {
+                cell.failure = cell.failure ? cell.failure : failure;
+                cell.nextPart = cell.nbParts;
+            }
+        }
+        if (cell.isDone()) {
+            changed_.notify_all();
+        }
+    }
+
+    /// Whoever asks for it later tries again.
+    void drop(const CellPtr& cell)
+    {
+        const auto found =
+            std::find_if(byPlace_.begin(), byPlace_.end(), [&](const auto& each) { return each.second == cell; });
+        if (found != byPlace_.end()) {
+            bytes_ -= cell->bytes;
+            byPlace_.erase(found);
+        }
+    }
+
+    /// Where a box lies gapless in a cell; null where it does not.
+    const std::byte* locate(const Cell& cell, const Box& box) const
+    {
+        const Box& of = cell.box;
+        const ImageGeometry& size = box.size;
+        const bool isInside = size.x == of.size.x && box.begin.y + size.y <= of.begin.y + of.size.y &&
+                              box.begin.z + size.z <= of.begin.z + of.size.z && size.c == 1 && size.t == 1 &&
+                              (size.z == 1 || size.y == of.size.y);
+        if (!isInside) {
+            return nullptr;
+        }
+        const PixelTarget all{cell.pixels.get(), ImageStrides::contiguous(of.size, pixelSize_)};
+        return all.row(box.begin.y - of.begin.y, box.begin.z - of.begin.z, box.begin.c - of.begin.c,
+                       box.begin.t - of.begin.t);
+    }
+
+    /// Copies what a box and a cell have in common.
+    void copy(const Cell& cell, const Box& box, const PixelTarget& target) const
+    {
+        struct Common
+        {
+            Common(std::uint64_t a, std::size_t sizeA, std::uint64_t b, std::size_t sizeB)
+                : begin{std::max(a, b)}, end{std::min(a + sizeA, b + sizeB)}
+            {}
+            std::uint64_t begin;
+            std::uint64_t end;
+        };
+        const Box& of = cell.box;
+        const PixelTarget all{cell.pixels.get(), ImageStrides::contiguous(of.size, pixelSize_)};
+        const Common y{of.begin.y, of.size.y, box.begin.y, box.size.y};
+        const Common z{of.begin.z, of.size.z, box.begin.z, box.size.z};
+        const Common c{of.begin.c, of.size.c, box.begin.c, box.size.c};
+        const Common t{of.begin.t, of.size.t, box.begin.t, box.size.t};
+        const std::size_t bytes = box.size.x * pixelSize_;
+        const bool touches = bytes == size_.x * pixelSize_ && target.strides.y == all.strides.y;
+        for (std::uint64_t atT = t.begin; atT < t.end; ++atT) {
+            for (std::uint64_t atC = c.begin; atC < c.end; ++atC) {
+                for (std::uint64_t atZ = z.begin; atZ < z.end; ++atZ) {
+                    const std::byte* const from =
+                        all.row(y.begin - of.begin.y, atZ - of.begin.z, atC - of.begin.c, atT - of.begin.t) +
+                        box.begin.x * pixelSize_;
+                    std::byte* const to =
+                        target.row(y.begin - box.begin.y, atZ - box.begin.z, atC - box.begin.c, atT - box.begin.t);
+                    const std::size_t rows = y.end - y.begin;
+                    if (touches) {
+                        std::memcpy(to, from, rows * bytes);
+                        continue;
+                    }
+                    for (std::size_t row = 0; row < rows; ++row) {
+                        std::memcpy(to + static_cast<std::ptrdiff_t>(row) * target.strides.y,
+                                    from + static_cast<std::ptrdiff_t>(row) * all.strides.y, bytes);
+                    }
+                }
+            }
+        }
+    }
+
+    /// The first pixel of the cell behind one, in the order of pixels: in the box that is loaded before others, and
+    /// then behind that.
+    std::optional<Position> next(const Grid& grid, const Box& cell, const Box& sweep) const
+    {
+        const auto find = [&](const Box& last, const Position& from, const Position& end) -> std::optional<Position> {
+            Position at = last.begin;
+            at.y = last.begin.y + last.size.y;
+            if (at.y >= end.y) {
+                at.y = from.y;
+                at.z = last.begin.z + last.size.z;
+            }
+            if (at.z >= end.z) {
+                at.z = from.z;
+                at.c = last.begin.c + last.size.c;
+            }
+            if (at.c >= end.c) {
+                at.c = from.c;
+                at.t = last.begin.t + last.size.t;
+            }
+            return at.t < end.t ? std::optional{boxOfCell(grid, at).begin} : std::nullopt;
+        };
+        const Position& begin = sweep.begin;
+        const ImageGeometry& size = sweep.size;
+        const auto inside =
+            find(cell, begin, {0, begin.y + size.y, begin.z + size.z, begin.c + size.c, begin.t + size.t});
+        return inside ? inside : find(sweep, {}, {0, size_.y, size_.z, size_.c, size_.t});
+    }
+
+    /// What lies behind a box that was loaded.
+    void startReadingAhead(const Grid& grid, const Box& box, const Box& sweep)
+    {
+        const ImageGeometry& size = box.size;
+        const Box last = boxOfCell(grid, {0, box.begin.y + size.y - 1, box.begin.z + size.z - 1,
+                                          box.begin.c + size.c - 1, box.begin.t + size.t - 1});
+        const std::lock_guard lock{mutex_};
+        isUsed_ = true;
+        // A thread that comes late asks for what is gone already; after some of these, another pass has begun.
+        constexpr int mostLate = 8;
+        nbLate_ = last.begin < furthest_ ? nbLate_ + 1 : 0;
+        if (nbLate_ > 0 && nbLate_ <= mostLate) {
+            return;
+        }
+        furthest_ = last.begin;
+        nbLate_ = 0;
+        wanted_ = next(grid, last, sweep);
+        wantedGrid_ = grid;
+        wantedSweep_ = sweep;
+        if (!wanted_) {
+            return;
+        }
+        if (process_ != ::getpid()) {
+            process_ = ::getpid();
+            std::thread{[self = shared_from_this()] { self->readAhead(); }}.detach();
+        }
+        changed_.notify_all();
+    }
+
+    /// The thread that reads ahead.
+    void readAhead()
+    {
+        std::unique_lock lock{mutex_};
+        while (!ends_) {
+            const auto isCalled = [&] { return ends_ || wanted_.has_value(); };
+            if (byPlace_.empty()) {
+                changed_.wait(lock, isCalled);
+            } else if (!changed_.wait_for(lock, std::chrono::seconds{1}, isCalled) && !isUsed_) {
+                makeRoom(0, 0); // nobody measures
+            }
+            isUsed_ = false;
+            if (ends_ || !wanted_) {
+                continue;
+            }
+            isReading_ = true;
+            std::optional<Position> at = std::exchange(wanted_, std::nullopt);
+            const Grid grid = wantedGrid_;
+            const Box sweep = wantedSweep_;
+            lock.unlock();
+            for (std::size_t bytes = 0; at && bytes < readAheadBytes && !ends_;) {
+                try {
+                    const CellPtr cell = find(grid, *at);
+                    bytes += cell->bytes;
+                    complete(grid, cell);
+                    at = next(grid, cell->box, sweep);
+                } catch (...) {
+                    break; // whoever needs the pixels meets it again
+                }
+            }
+            lock.lock();
+            isReading_ = false;
+            changed_.notify_all();
+        }
+    }
+
+    Ptr<PixelSource> source_;
+    const SourceLayout layout_;
+    const std::size_t pixelSize_;
+    const ImageGeometry size_;
+    const std::shared_ptr<BlockPool> pool_ = std::make_shared<BlockPool>();
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::map<Key, CellPtr> byPlace_;
+    std::size_t bytes_ = 0; // of the cells
+    std::uint64_t time_ = 0;
+
+    std::mutex sequence_;
+    std::optional<Position> last_; // cell that was decoded in the order of pixels
+
+    std::optional<Position> wanted_; // what is to be read ahead
+    Grid wantedGrid_;
+    Box wantedSweep_;
+    Position furthest_; // cell that was loaded in this pass
+    int nbLate_ = 0;
+    bool isUsed_ = false;
+    bool isReading_ = false;
+    std::atomic<bool> ends_{false};
+    ::pid_t process_ = 0; // that has the thread
+};
+
+SourceBuffer::SourceBuffer(Ptr<PixelSource> source, std::size_t pixelSize, const ImageGeometry& size)
+    : cells_{std::make_shared<Cells>(std::move(source), pixelSize, size)}
+{}
+
+SourceBuffer::~SourceBuffer()
+{
+    cells_->close();
+}
+
+const SourceLayout& SourceBuffer::getLayout() const
+{
+    return cells_->getLayout();
+}
+
+LoadedBox SourceBuffer::load(const Box& box, const Box& sweep)
+{
+    return cells_->load(box, sweep);
+}
+
+void SourceBuffer::read(const Box& box, const PixelTarget& target, const Box& sweep)
+{
+    cells_->read(box, target, sweep);
+}
+
+} // namespace orlix::image
