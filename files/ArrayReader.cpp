@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <memory>
 
 namespace orlix::files
 {
@@ -78,6 +79,7 @@ public:
                 fail("it states more pixels than can be: " + listSizes(array.sizes));
             }
         }
+        findLayout();
         if (stride > array.available) {
             fail("it states " + std::to_string(stride) + " bytes of pixels (" + listSizes(array.sizes) + " of " +
                  getName(facts_.type) + "), but holds " + std::to_string(array.available) +
@@ -85,7 +87,7 @@ public:
         }
     }
 
-    void read(const Box& box, const PixelTarget& target) override
+    void fetch(const Box& box, const PixelTarget& target) override
     {
         const Position& begin = box.begin;
         const image::ImageGeometry& size = box.size;
@@ -104,7 +106,15 @@ public:
         std::stable_sort(axes.begin(), axes.end(), [](const Stretch& a, const Stretch& b) {
             return (a.count > 1 ? a.from : INT64_MAX) < (b.count > 1 ? b.from : INT64_MAX);
         });
-        readAxes(axes, axes.size(), offset, target.first, pixelSize);
+        try {
+            readAxes(axes, axes.size(), offset, target.first, pixelSize);
+        } catch (const FileError& error) {
+            const image::ImageGeometry& all = facts_.geometry;
+            throw FileError{error.what() + (all.z * all.c * all.t == 1 ? ""
+                                                                       : " (plane z=" + std::to_string(begin.z) +
+                                                                             ", c=" + std::to_string(begin.c) +
+                                                                             ", t=" + std::to_string(begin.t) + ")")};
+        }
         const bool isBinary = facts_.type == StoredType::Binary;
         if (isSwapped_ || isBinary) {
             forEachPlan(box, target, [&](const Position&, const PixelTarget& plan) {
@@ -122,12 +132,26 @@ public:
     }
 
 private:
+    /// Pixels that lie between those of a row are read with it.
+    void findLayout()
+    {
+        const image::ImageGeometry& size = facts_.geometry;
+        const auto isBetween = [&](std::size_t axis) { return size.x > 1 && strides_[axis] < strides_[0]; };
+        image::ImageGeometry& block = layout_.block;
+        block.y = size.y > 1 && isBetween(1) ? size.y : 1;
+        block.z = size.z > 1 && isBetween(2) ? size.z : 1;
+        block.c = size.c > 1 && isBetween(3) ? size.c : 1;
+        block.t = size.t > 1 && isBetween(4) ? size.t : 1;
+        layout_.isSequential = bytes_->isSequential();
+        layout_.readsAhead = !layout_.isSequential && block == image::ImageGeometry{1, 1, 1, 1, 1};
+    }
+
     static constexpr std::int64_t mostAtOnce = std::int64_t{4} << 20; // bytes
 
     /// Reads what the innermost `count` axes cover: at once where it touches on both sides, by way of a buffer where it
     /// is small, else along the outermost of these axes.
     void readAxes(std::array<Stretch, 5>& axes, std::size_t count, std::uint64_t offset, std::byte* to,
-                  std::size_t pixelSize)
+                  std::size_t pixelSize) const
     {
         auto run = static_cast<std::int64_t>(pixelSize);
         auto span = run; // with the gaps
@@ -145,11 +169,11 @@ private:
             return;
         }
         if (span <= mostAtOnce) {
-            buffer_.resize(static_cast<std::size_t>(span));
-            bytes_->read(offset, buffer_.size(), buffer_.data());
+            const auto buffer = std::make_unique_for_overwrite<std::byte[]>(static_cast<std::size_t>(span));
+            bytes_->read(offset, static_cast<std::size_t>(span), buffer.get());
             std::array<Stretch, 5> inner{};
             std::copy_n(axes.begin(), count, inner.begin());
-            copyPixels(buffer_.data(), to, pixelSize, inner);
+            copyPixels(buffer.get(), to, pixelSize, inner);
             return;
         }
         // As many steps of the outermost axis as the buffer holds.
@@ -178,7 +202,6 @@ private:
     std::uint64_t offset_;
     bool isSwapped_;
     std::array<std::int64_t, 5> strides_{}; // of x, y, z, c, t
-    std::vector<std::byte> buffer_;
 };
 
 } // namespace

@@ -15,6 +15,8 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <libdeflate.h>
+#include <mutex>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -47,6 +49,7 @@ public:
 
     void read(std::uint64_t offset, std::size_t count, std::byte* to) override
     {
+        readAhead(offset, count);
         while (count != 0) {
             const ::ssize_t got = ::pread(file_.get(), to, count, static_cast<::off_t>(offset));
             if (got < 0 && errno == EINTR) {
@@ -64,6 +67,17 @@ public:
     }
 
 private:
+    /// Whoever reads much is likely to go on: the system fetches what comes next.
+    void readAhead(std::uint64_t offset, std::size_t count)
+    {
+        constexpr std::size_t much = std::size_t{128} << 10;
+        constexpr std::uint64_t ahead = std::uint64_t{8} << 20;
+        if (count >= much) {
+            ::posix_fadvise(file_.get(), static_cast<::off_t>(offset + ahead), static_cast<::off_t>(count),
+                            POSIX_FADV_WILLNEED);
+        }
+    }
+
     FileDescriptor file_;
     std::string name_;
 };
@@ -75,8 +89,11 @@ public:
         : file_{path, name}, name_{name}, offset_{offset}, method_{method}
     {}
 
+    bool isSequential() const override { return true; }
+
     void read(std::uint64_t offset, std::size_t count, std::byte* to) override
     {
+        const std::lock_guard lock{mutex_};
         try {
             if (!stream_ || offset < position_) {
                 restart();
@@ -133,6 +150,7 @@ private:
     std::string name_;
     std::uint64_t offset_;
     std::string method_;
+    std::mutex mutex_;
     std::unique_ptr<io::filtering_istream> stream_;
     std::uint64_t position_ = 0;
 };
@@ -168,11 +186,7 @@ public:
             const auto file = static_cast<std::size_t>(offset / count_);
             const std::uint64_t inFile = offset % count_;
             const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(count, count_ - inFile));
-            if (file != open_ || !bytes_) {
-                bytes_ = openBytes(paths_.at(file), paths_.at(file));
-                open_ = file;
-            }
-            bytes_->read(offsets_.at(file) + inFile, part, to);
+            open(file)->read(offsets_.at(file) + inFile, part, to);
             offset += part;
             count -= part;
             to += part;
@@ -180,11 +194,23 @@ public:
     }
 
 private:
+    /// The last one that was asked for stays open.
+    std::shared_ptr<Bytes> open(std::size_t file)
+    {
+        const std::lock_guard lock{mutex_};
+        if (file != open_ || !bytes_) {
+            bytes_ = openBytes(paths_.at(file), paths_.at(file));
+            open_ = file;
+        }
+        return bytes_;
+    }
+
     std::vector<std::string> paths_;
     std::vector<std::uint64_t> offsets_;
     std::uint64_t count_; // of each
+    std::mutex mutex_;
     std::size_t open_ = 0;
-    std::unique_ptr<Bytes> bytes_;
+    std::shared_ptr<Bytes> bytes_;
 };
 
 } // namespace
@@ -267,6 +293,21 @@ std::string readText(const std::string& path, const std::string& name, std::size
 
 bool decompress(const std::string& method, const std::byte* from, std::size_t count, std::byte* to, std::size_t size)
 {
+    if (method != "bzip2") {
+        struct Free
+        {
+            void operator()(::libdeflate_decompressor* decoder) const { ::libdeflate_free_decompressor(decoder); }
+        };
+        static thread_local const std::unique_ptr<::libdeflate_decompressor, Free> decoder{
+            ::libdeflate_alloc_decompressor()};
+        const auto inflate = method == "gzip" ? &::libdeflate_gzip_decompress_ex : &::libdeflate_zlib_decompress_ex;
+        std::size_t read = 0;
+        std::size_t written = 0;
+        const auto result = inflate(decoder.get(), from, count, to, size, &read, &written);
+        if (result == LIBDEFLATE_SUCCESS && written == size && read == count) {
+            return true;
+        } // there may be several streams
+    }
     try {
         io::filtering_istream stream;
         pushDecoder(stream, method);

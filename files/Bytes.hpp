@@ -25,19 +25,21 @@ private:
     int descriptor_;
 };
 
-/// Bytes that are read from anywhere: a file, or what a compressed file holds.
+/// Bytes that are read from anywhere, on any thread: a file, or what a compressed file holds.
 class Bytes
 {
 public:
     virtual ~Bytes() = default;
     /// Throws FileError where they end before.
     virtual void read(std::uint64_t offset, std::size_t count, std::byte* to) = 0;
+    /// Whether reading backwards starts again.
+    virtual bool isSequential() const { return false; }
 };
 
 /// The bytes of a file; errors call it `name`.
 std::unique_ptr<Bytes> openBytes(const std::string& path, const std::string& name);
 
-/// What is compressed in a file from `offset` on, by "gzip", "zlib" or "bzip2". Reading backwards starts again.
+/// What is compressed in a file from `offset` on, by "gzip", "zlib" or "bzip2".
 std::unique_ptr<Bytes> openCompressedBytes(const std::string& path, const std::string& name, std::uint64_t offset,
                                            const std::string& method);
 

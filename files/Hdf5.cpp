@@ -6,8 +6,10 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <mutex>
 #include <unistd.h>
 #include <utility>
 
@@ -204,6 +206,13 @@ std::pair<std::string, std::string> findLetters(hid_t dataset)
     return isNamed ? std::pair{letters, std::string{"dimension labels"}} : std::pair<std::string, std::string>{};
 }
 
+/// The library runs one call at a time.
+std::recursive_mutex& getLibraryMutex()
+{
+    static std::recursive_mutex mutex;
+    return mutex;
+}
+
 class Hdf5Reader final : public ImageReader
 {
 public:
@@ -233,12 +242,30 @@ public:
             return texts.size() == 1 ? std::strtod(texts[0].c_str(), nullptr) : otherwise;
         };
         facts_.scale = {number("scale_factor", 1), number("add_offset", 0)};
-        findStorage(sizes);
+        findStorage(source, sizes);
     }
 
-    void read(const Box& box, const PixelTarget& target) override
+    ~Hdf5Reader() override
     {
-        readBlock(axes_.place(box, target, getPixelSize(facts_.type), chunk_.size()), target.first);
+        const std::lock_guard lock{getLibraryMutex()};
+        for (Handle* const each : {&memoryType_, &dataset_, &file_}) {
+            *each = Handle{H5I_INVALID_HID, &::H5Fclose};
+        }
+    }
+
+    void fetch(const Box& box, const PixelTarget& target) override
+    {
+        if (contiguous_) {
+            contiguous_->fetch(box, target);
+            return;
+        }
+        const std::vector<ArrayRange> wanted = axes_.place(box, target, getPixelSize(facts_.type), chunk_.size());
+        if (decodesChunks_) {
+            forEachChunk(wanted, target.first);
+            return;
+        }
+        const std::lock_guard lock{getLibraryMutex()};
+        readBlock(wanted, target.first);
     }
 
 private:
@@ -306,7 +333,7 @@ private:
         }
     }
 
-    void findStorage(const std::vector<hsize_t>& sizes)
+    void findStorage(const Source& source, const std::vector<hsize_t>& sizes)
     {
         const Handle type{::H5Dget_type(dataset_.get()), &::H5Tclose};
         const H5T_class_t kind = ::H5Tget_class(type.get());
@@ -326,13 +353,52 @@ private:
             ::H5Pget_chunk(creation.get(), static_cast<int>(chunk_.size()), chunk_.data());
         }
         checkSources(creation.get());
-        const int filters = ::H5Pget_nfilters(creation.get());
+        // Pixels of whole bytes, in one of the two orders.
+        const Handle swapped{::H5Tcopy(memoryType_.get()), &::H5Tclose};
+        ::H5Tset_order(swapped.get(), ::H5Tget_order(memoryType_.get()) == H5T_ORDER_LE ? H5T_ORDER_BE : H5T_ORDER_LE);
+        isSwapped_ = ::H5Tequal(type.get(), memoryType_.get()) <= 0;
+        const bool isPlain = facts_.members.empty() && (!isSwapped_ || ::H5Tequal(type.get(), swapped.get()) > 0);
+        const H5D_layout_t layout = ::H5Pget_layout(creation.get());
+        decodesChunks_ = isPlain && layout == H5D_CHUNKED;
+        findFilters(creation.get());
+        for (std::size_t axis = 0; axis < axes_.dimensions.size() && layout == H5D_CHUNKED; ++axis) {
+            const std::array<std::size_t*, 5> sides{&layout_.block.x, &layout_.block.y, &layout_.block.z,
+                                                    &layout_.block.c, &layout_.block.t};
+            const std::size_t dimension = axes_.dimensions[axis];
+            *sides[axis] = dimension == ArrayAxes::none ? 1 : chunk_[dimension];
+        }
+        fill_.resize(getPixelSize(facts_.type));
+        ::H5Pget_fill_value(creation.get(), memoryType_.get(), fill_.data());
+        const haddr_t offset = isPlain && layout == H5D_CONTIGUOUS ? ::H5Dget_offset(dataset_.get()) : HADDR_UNDEF;
+        if (offset != HADDR_UNDEF) {
+            openContiguous(source, sizes, offset);
+        }
+    }
+
+    /// Pixels that lie in the file one after the other.
+    void openContiguous(const Source& source, const std::vector<hsize_t>& sizes, std::uint64_t offset)
+    {
+        PixelArray array{facts_};
+        array.facts.axes = axes_.letters;
+        array.sizes.assign(sizes.begin(), sizes.end());
+        array.axes = axes_.letters;
+        array.axesBy = axes_.rule;
+        array.offset = offset;
+        array.isSwapped = isSwapped_;
+        array.bytes = openBytes(source.path, source.name);
+        contiguous_ = readArray(source, std::move(array));
+        layout_ = contiguous_->getLayout();
+    }
+
+    void findFilters(hid_t creation)
+    {
+        const int filters = ::H5Pget_nfilters(creation);
         for (int i = 0; i < filters; ++i) {
             std::array<char, 64> name{};
             unsigned flags = 0;
             std::size_t values = 0;
-            const H5Z_filter_t filter = ::H5Pget_filter2(creation.get(), static_cast<unsigned>(i), &flags, &values,
-                                                         nullptr, name.size(), name.data(), nullptr);
+            const H5Z_filter_t filter = ::H5Pget_filter2(creation, static_cast<unsigned>(i), &flags, &values, nullptr,
+                                                         name.size(), name.data(), nullptr);
             if (::H5Zfilter_avail(filter) <= 0) {
                 fail(std::string{"its pixels are compressed with the filter \""} + name.data() + "\" (" +
                      std::to_string(filter) + "), which this HDF5 library lacks: repack it, say with gzip");
@@ -340,6 +406,9 @@ private:
             if (filter != H5Z_FILTER_SHUFFLE && filter != H5Z_FILTER_FLETCHER32) {
                 facts_.compression = filter == H5Z_FILTER_DEFLATE ? "gzip" : name.data();
             }
+            filters_.push_back(filter);
+            decodesChunks_ = decodesChunks_ && (filter == H5Z_FILTER_SHUFFLE || filter == H5Z_FILTER_FLETCHER32 ||
+                                                filter == H5Z_FILTER_DEFLATE);
         }
     }
 
@@ -377,6 +446,148 @@ private:
                 fail(std::string{"its pixels are in "} + name.data() + ", which is not there");
             }
             facts_.members.push_back(locate().string());
+        }
+    }
+
+    /// Decodes the chunks that hold wanted elements, each by itself: the library would do so one at a time.
+    void forEachChunk(const std::vector<ArrayRange>& wanted, std::byte* to)
+    {
+        const std::size_t pixelSize = getPixelSize(facts_.type);
+        const std::size_t count = wanted.size();
+        std::vector<hsize_t> first(count);
+        for (std::size_t i = 0; i < count; ++i) {
+            first[i] = wanted[i].begin / chunk_[i] * chunk_[i];
+        }
+        std::vector<std::byte> chunk;
+        std::vector<hsize_t> at = first;
+        for (std::size_t i = 0;;) {
+            const bool isThere = loadChunk(at, chunk);
+            // Five axes at most are longer than one pixel.
+            std::array<Stretch, 5> axes{};
+            std::size_t next = 0;
+            const std::byte* from = isThere ? chunk.data() : fill_.data();
+            std::byte* target = to;
+            auto stride = static_cast<std::int64_t>(pixelSize);
+            for (std::size_t k = count; k-- > 0; stride *= static_cast<std::int64_t>(chunk_[k])) {
+                const std::uint64_t begin = std::max<std::uint64_t>(at[k], wanted[k].begin);
+                const std::uint64_t end = std::min<std::uint64_t>(at[k] + chunk_[k], wanted[k].begin + wanted[k].count);
+                from += isThere ? static_cast<std::int64_t>(begin - at[k]) * stride : 0;
+                target += static_cast<std::ptrdiff_t>(begin - wanted[k].begin) * wanted[k].stride;
+                if (end - begin > 1) {
+                    axes[next++] = {end - begin, isThere ? stride : 0, wanted[k].stride};
+                }
+            }
+            copyPixels(from, target, pixelSize, axes);
+            for (i = count; i > 0 && at[i - 1] + chunk_[i - 1] >= wanted[i - 1].begin + wanted[i - 1].count; --i) {
+                at[i - 1] = first[i - 1];
+            }
+            if (i == 0) {
+                return;
+            }
+            at[i - 1] += chunk_[i - 1];
+        }
+    }
+
+    /// The elements of the chunk that begins at a place; false where it is not in the file.
+    bool loadChunk(const std::vector<hsize_t>& at, std::vector<std::byte>& chunk) const
+    {
+        std::vector<std::byte> stored;
+        std::uint32_t skipped = 0; // filters
+        {
+            const std::lock_guard lock{getLibraryMutex()};
+            hsize_t size = 0;
+            if (::H5Dget_chunk_storage_size(dataset_.get(), at.data(), &size) < 0 || size == 0) {
+                return false;
+            }
+            stored.resize(size);
+            if (::H5Dread_chunk(dataset_.get(), H5P_DEFAULT, at.data(), &skipped, stored.data()) < 0) {
+                failChunk(at);
+            }
+        }
+        const std::size_t pixelSize = getPixelSize(facts_.type);
+        std::size_t bytes = pixelSize;
+        for (const hsize_t side : chunk_) {
+            bytes *= side;
+        }
+        for (std::size_t i = filters_.size(); i-- > 0;) {
+            if ((skipped >> i & 1) != 0) {
+                continue;
+            }
+            if (filters_[i] == H5Z_FILTER_FLETCHER32) {
+                checkSum(stored, at);
+            } else if (filters_[i] == H5Z_FILTER_DEFLATE) {
+                // A checksum may lie inside what is compressed.
+                const auto sums = static_cast<std::size_t>(std::count(
+                    filters_.begin(), filters_.begin() + static_cast<std::ptrdiff_t>(i), H5Z_FILTER_FLETCHER32));
+                std::vector<std::byte> inflated(bytes + 4 * sums);
+                if (!decompress("zlib", stored.data(), stored.size(), inflated.data(), inflated.size())) {
+                    failChunk(at);
+                }
+                stored = std::move(inflated);
+            } else {
+                stored = unshuffle(stored, pixelSize);
+            }
+        }
+        if (stored.size() != bytes) {
+            failChunk(at);
+        }
+        if (isSwapped_) {
+            swapBytes(stored.data(), pixelSize, bytes / pixelSize);
+        }
+        chunk = std::move(stored);
+        return true;
+    }
+
+    [[noreturn]] void failChunk(const std::vector<hsize_t>& at) const
+    {
+        std::string place;
+        for (const hsize_t each : at) {
+            place += (place.empty() ? "" : ", ") + std::to_string(each);
+        }
+        fail("its pixels cannot be read: the chunk at " + place + " is cut short or damaged");
+    }
+
+    /// Bytes of one weight that lie together go back to their elements.
+    static std::vector<std::byte> unshuffle(const std::vector<std::byte>& from, std::size_t pixelSize)
+    {
+        std::vector<std::byte> to(from.size());
+        const std::size_t count = from.size() / pixelSize;
+        for (std::size_t byte = 0; byte < pixelSize; ++byte) {
+            const std::byte* const plane = from.data() + byte * count;
+            for (std::size_t i = 0; i < count; ++i) {
+                to[i * pixelSize + byte] = plane[i];
+            }
+        }
+        std::copy(from.begin() + static_cast<std::ptrdiff_t>(count * pixelSize), from.end(),
+                  to.begin() + static_cast<std::ptrdiff_t>(count * pixelSize));
+        return to;
+    }
+
+    /// Takes the checksum off the end: that of Fletcher, of 16-bit words with the high byte first.
+    void checkSum(std::vector<std::byte>& bytes, const std::vector<hsize_t>& at) const
+    {
+        std::uint32_t stated = 0;
+        if (bytes.size() < sizeof stated) {
+            failChunk(at);
+        }
+        std::memcpy(&stated, bytes.data() + bytes.size() - sizeof stated, sizeof stated);
+        bytes.resize(bytes.size() - sizeof stated);
+        std::uint32_t low = 0;
+        std::uint32_t high = 0;
+        constexpr std::uint32_t modulus = 65535;
+        for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+            low = (low + (static_cast<std::uint32_t>(bytes[i]) << 8 | static_cast<std::uint32_t>(bytes[i + 1]))) %
+                  modulus;
+            high = (high + low) % modulus;
+        }
+        if (bytes.size() % 2 != 0) {
+            low = (low + (static_cast<std::uint32_t>(bytes.back()) << 8)) % modulus;
+            high = (high + low) % modulus;
+        }
+        // 0 and 65535 are one number there.
+        const auto isSame = [](std::uint32_t a, std::uint32_t b) { return a % modulus == b % modulus; };
+        if (!isSame(stated >> 16, high) || !isSame(stated & 0xffff, low)) {
+            failChunk(at);
         }
     }
 
@@ -446,12 +657,18 @@ private:
     Handle memoryType_{H5I_INVALID_HID, &::H5Tclose};
     std::vector<hsize_t> chunk_; // as many elements as are decoded together
     ArrayAxes axes_;
+    bool isSwapped_ = false;
+    ReaderPtr contiguous_;       // of pixels that lie in the file one after the other
+    bool decodesChunks_ = false; // by itself
+    std::vector<H5Z_filter_t> filters_;
+    std::vector<std::byte> fill_; // a pixel that is not there
 };
 
 } // namespace
 
 ReaderPtr openHdf5(const Source& source)
 {
+    const std::lock_guard lock{getLibraryMutex()};
     ::H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr); // it prints otherwise
     return std::make_unique<Hdf5Reader>(source);
 }

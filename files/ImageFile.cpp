@@ -3,6 +3,7 @@
 #include <files/Bytes.hpp>
 #include <files/Errors.hpp>
 #include <files/Nesting.hpp>
+#include <files/SeenSet.hpp>
 
 #include <algorithm>
 #include <cctype>
@@ -11,6 +12,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
+#include <mutex>
 #include <set>
 #include <unistd.h>
 
@@ -30,28 +32,35 @@ public:
         : inner_{std::move(inner)}, from_{inner_->getFacts().type}, isScaled_{isScaled}, keepsValues_{keepsValues}
     {
         facts_ = inner_->getFacts();
+        layout_ = inner_->getLayout();
         facts_.type = type;
         facts_.convertedFrom = from_;
+        const image::ImageGeometry& size = facts_.geometry;
+        rows_ = std::make_unique<SeenSet>(size.y * size.z * size.c * size.t);
+        changed_ = std::make_unique<SeenSet>(size.y * size.z * size.c * size.t);
         if (isScaled_) {
             scale_ = facts_.scale;
             facts_.scale = {};
         }
     }
 
-    void read(const Box& box, const PixelTarget& target) override
+    void fetch(const Box& box, const PixelTarget& target) override
     {
-        // Blocks of planes, or of rows of one, in the order of the file: large ones, as what is compressed together is
-        // decoded for every block that it reaches into.
+        // Blocks of planes, or of rows of one, in the order of the file; what is decoded together stays so.
         const image::ImageGeometry& size = box.size;
         const std::size_t pixelSize = getPixelSize(from_);
         const std::string& axes = facts_.axes;
         const bool isInterleaved = axes.ends_with('S') || axes.ends_with('C');
         const std::size_t channels = isInterleaved ? size.c : 1;
         const std::size_t rowBytes = size.x * channels * pixelSize;
-        constexpr std::size_t blockBytes = std::size_t{256} << 20;
-        const std::size_t rows = std::clamp<std::size_t>(blockBytes / rowBytes, 1, size.y);
+        constexpr std::size_t blockBytes = std::size_t{16} << 20;
+        const std::size_t together = std::max<std::size_t>(1, layout_.block.y);
+        const std::size_t rows =
+            std::clamp<std::size_t>(std::max<std::size_t>(1, blockBytes / (rowBytes * together)) * together, 1, size.y);
         const bool isZFastest = axes.find("ZY") != std::string::npos && rows == size.y;
-        const std::size_t planes = isZFastest ? std::clamp<std::size_t>(blockBytes / (rowBytes * rows), 1, size.z) : 1;
+        const std::size_t planes = layout_.block.z > 1 ? size.z
+                                   : isZFastest ? std::clamp<std::size_t>(blockBytes / (rowBytes * rows), 1, size.z)
+                                                : 1;
         std::vector<std::byte> block(rowBytes * rows * planes);
         const std::size_t layers = (size.z + planes - 1) / planes;
         const image::ImageGeometry grid{1, 1, layers, size.c / channels, size.t};
@@ -62,25 +71,27 @@ public:
                           box.begin.t + at.t},
                          {size.x, std::min(rows, size.y - y), std::min(planes, size.z - at.z * planes), channels, 1}};
                 const PixelTarget pixels{block.data(), image::ImageStrides::contiguous(part.size, pixelSize)};
-                inner_->read(part, pixels);
+                inner_->fetch(part, pixels);
                 for (std::size_t c = 0; c < channels; ++c) {
                     for (std::size_t z = 0; z < part.size.z; ++z) {
                         for (std::size_t row = 0; row < part.size.y; ++row) {
-                            convert(pixels.row(row, z, c),
-                                    target.row(y + row, at.z * planes + z, at.c * channels + c, at.t), size.x);
+                            const std::uint64_t changed =
+                                convert(pixels.row(row, z, c),
+                                        target.row(y + row, at.z * planes + z, at.c * channels + c, at.t), size.x);
+                            const Position& first = part.begin;
+                            count({first.x, first.y + row, first.z + z, first.c + c, first.t}, size.x, changed);
                         }
                     }
                 }
             }
         }
-        read_ += size.nbPixels();
     }
 
     std::vector<std::string> getNotes() const override
     {
         std::vector<std::string> notes = inner_->getNotes();
-        if (changed_ != 0) {
-            notes.push_back(facts_.path + ": " + std::to_string(changed_) + " of " + std::to_string(read_) +
+        if (const std::uint64_t changed = changed_->getSum(); changed != 0) {
+            notes.push_back(facts_.path + ": " + std::to_string(changed) + " of " + std::to_string(rows_->getSum()) +
                             " pixels changed their value when they were converted from " + getName(from_) + " to " +
                             getName(facts_.type));
         }
@@ -114,22 +125,36 @@ private:
         return at;
     }
 
-    void convert(const std::byte* from, std::byte* to, std::size_t count)
+    /// Each row counts once, however often it is read.
+    void count(const Position& row, std::size_t nbPixels, std::uint64_t nbChanged)
+    {
+        const image::ImageGeometry& size = facts_.geometry;
+        const std::uint64_t number = ((row.t * size.c + row.c) * size.z + row.z) * size.y + row.y;
+        rows_->add(number, nbPixels);
+        if (nbChanged != 0) {
+            changed_->add(number, nbChanged);
+        }
+    }
+
+    /// Returns how many pixels changed their value.
+    std::uint64_t convert(const std::byte* from, std::byte* to, std::size_t count) const
     {
         if (!isScaled_) {
             const std::size_t changed = convertPixels(from, from_, to, facts_.type, count);
-            changed_ += facts_.type == StoredType::Binary ? 0 : changed; // which tells 0 from all else
-            if (keepsValues_ && changed_ != 0) {
+            if (facts_.type == StoredType::Binary) { // which tells 0 from all else
+                return 0;
+            }
+            if (keepsValues_ && changed != 0) {
                 throw FileError{facts_.path + ": some of its " + getName(from_) + " values are none of " +
                                 getName(facts_.type)};
             }
-            return;
+            return changed;
         }
-        scaled_.resize(count);
-        scalePixels(from, from_, scaled_.data(), count, scale_);
-        const std::size_t changed = convertPixels(reinterpret_cast<const std::byte*>(scaled_.data()),
+        std::vector<double> scaled(count);
+        scalePixels(from, from_, scaled.data(), count, scale_);
+        const std::size_t changed = convertPixels(reinterpret_cast<const std::byte*>(scaled.data()),
                                                   StoredType::Float64, to, facts_.type, count);
-        changed_ += facts_.type == StoredType::Float32 ? 0 : changed; // which rounds nearly all of them
+        return facts_.type == StoredType::Float32 ? 0 : changed; // which rounds nearly all of them
     }
 
     ReaderPtr inner_;
@@ -137,9 +162,8 @@ private:
     bool isScaled_;
     bool keepsValues_;
     Scale scale_;
-    std::vector<double> scaled_;
-    std::uint64_t changed_ = 0;
-    std::uint64_t read_ = 0;
+    std::unique_ptr<SeenSet> rows_;
+    std::unique_ptr<SeenSet> changed_;
 };
 
 class PartReader final : public ImageReader
@@ -149,13 +173,16 @@ public:
     {
         facts_ = inner_->getFacts();
         facts_.geometry = box.size;
+        layout_ = inner_->getLayout();
+        Position& phase = layout_.phase;
+        phase = {phase.x + begin_.x, phase.y + begin_.y, phase.z + begin_.z, phase.c + begin_.c, phase.t + begin_.t};
     }
 
-    void read(const Box& box, const PixelTarget& target) override
+    void fetch(const Box& box, const PixelTarget& target) override
     {
         const Position& at = box.begin;
-        inner_->read({{begin_.x + at.x, begin_.y + at.y, begin_.z + at.z, begin_.c + at.c, begin_.t + at.t}, box.size},
-                     target);
+        inner_->fetch({{begin_.x + at.x, begin_.y + at.y, begin_.z + at.z, begin_.c + at.c, begin_.t + at.t}, box.size},
+                      target);
     }
     std::vector<std::string> getNotes() const override { return inner_->getNotes(); }
 
@@ -164,7 +191,7 @@ private:
     Position begin_;
 };
 
-/// Several images behind each other. Only the one that is being read is open.
+/// Several images behind each other. Those that were read last stay open.
 class StackReader final : public ImageReader
 {
 public:
@@ -179,8 +206,8 @@ public:
                 continue;
             }
             paths_.push_back(path);
-            open_ = openImage(path, options_);
-            const ImageFacts& facts = open_->getFacts();
+            const std::shared_ptr<ImageReader> open = openImage(path, options_);
+            const ImageFacts& facts = open->getFacts();
             for (const std::string& member : facts.members) {
                 members.insert(identify(member));
             }
@@ -206,13 +233,13 @@ public:
             image::ImageGeometry own = facts.geometry;
             length(facts_.geometry) += length(own);
             ends_.push_back(length(facts_.geometry));
-            collectNotes();
+            collectNotes(*open);
+            findLayout(*open);
         }
         facts_.members = paths_;
-        opened_ = paths_.size() - 1;
     }
 
-    void read(const Box& box, const PixelTarget& target) override
+    void fetch(const Box& box, const PixelTarget& target) override
     {
         std::size_t Position::*const place = axis_ == 'z' ? &Position::z : axis_ == 'c' ? &Position::c : &Position::t;
         const std::ptrdiff_t stride = axis_ == 'z'   ? target.strides.z
@@ -224,21 +251,60 @@ public:
         for (std::size_t at = begin; at < end;) {
             const auto file =
                 static_cast<std::size_t>(std::upper_bound(ends_.begin(), ends_.end(), at) - ends_.begin());
-            if (file != opened_) {
-                open_ = openImage(paths_[file], options_);
-                opened_ = file;
-            }
+            const std::shared_ptr<ImageReader> open = get(file);
             Box part = box;
             part.begin.*place = at - (file == 0 ? 0 : ends_[file - 1]);
             length(part.size) = std::min(ends_[file], end) - at;
-            open_->read(part, {target.first + static_cast<std::ptrdiff_t>(at - begin) * stride, target.strides});
-            collectNotes();
+            open->fetch(part, {target.first + static_cast<std::ptrdiff_t>(at - begin) * stride, target.strides});
+            collectNotes(*open);
             at = ends_[file];
         }
     }
-    std::vector<std::string> getNotes() const override { return collected_; }
+    std::vector<std::string> getNotes() const override
+    {
+        const std::lock_guard lock{mutex_};
+        return collected_;
+    }
 
 private:
+    /// That of the files, as far as it holds for all of them.
+    void findLayout(const ImageReader& member)
+    {
+        const image::SourceLayout layout = member.getLayout();
+        const image::ImageGeometry& size = member.getFacts().geometry;
+        if (ends_.size() == 1) {
+            layout_ = layout;
+            if (layout.isSequential && size.z * size.t == 1) { // several can be decoded at once
+                layout_.isSequential = false;
+                layout_.block.y = size.y;
+            }
+        }
+        std::size_t& block = length(layout_.block);
+        const std::size_t begin = ends_.size() == 1 ? 0 : ends_[ends_.size() - 2];
+        block = begin % block != 0 ? 1 : block;
+        layout_.readsAhead = layout_.readsAhead && layout.readsAhead;
+    }
+
+    std::shared_ptr<ImageReader> get(std::size_t file)
+    {
+        constexpr std::size_t mostOpen = 16;
+        {
+            const std::lock_guard lock{mutex_};
+            for (const auto& [number, reader] : open_) {
+                if (number == file) {
+                    return reader;
+                }
+            }
+        }
+        std::shared_ptr<ImageReader> reader = openImage(paths_[file], options_);
+        const std::lock_guard lock{mutex_};
+        open_.emplace_back(file, reader);
+        if (open_.size() > mostOpen) {
+            open_.erase(open_.begin());
+        }
+        return reader;
+    }
+
     static std::string identify(const std::string& path)
     {
         std::error_code none;
@@ -255,9 +321,10 @@ private:
         length(size) = ends_[0];
         return size;
     }
-    void collectNotes()
+    void collectNotes(const ImageReader& member)
     {
-        for (const std::string& note : open_->getNotes()) {
+        const std::lock_guard lock{mutex_};
+        for (const std::string& note : member.getNotes()) {
             if (std::find(collected_.begin(), collected_.end(), note) == collected_.end()) {
                 collected_.push_back(note);
             }
@@ -268,8 +335,8 @@ private:
     OpenOptions options_;
     char axis_;
     std::vector<std::size_t> ends_; // of the files along the axis
-    ReaderPtr open_;
-    std::size_t opened_ = 0;
+    mutable std::mutex mutex_;
+    std::vector<std::pair<std::size_t, std::shared_ptr<ImageReader>>> open_; // by number
     std::vector<std::string> collected_;
 };
 
@@ -284,9 +351,9 @@ ReaderPtr finish(const Source& source, ReaderPtr reader)
         if (side == 0) {
             source.fail("it states a size of 0");
         }
-        if (__builtin_mul_overflow(pixels, side, &pixels) || pixels > options.maxPixels) {
-            source.fail("it states " + toString(size) + ", which is more than the " +
-                        std::to_string(options.maxPixels) + " pixels that --max-pixels allows");
+        constexpr std::uint64_t most = std::uint64_t{1} << 58;
+        if (__builtin_mul_overflow(pixels, side, &pixels) || pixels > most) {
+            source.fail("it states " + toString(size) + ", which is more than can be");
         }
     }
     if (!options.axes.empty() && facts.axesBy != AxesBy::Axes) {
@@ -462,7 +529,7 @@ bool isImageFile(const std::string& path)
            findFormat(Source{path, path, {}, readHead(path, path, headSize)}) != nullptr;
 }
 
-ReaderPtr cutPart(ReaderPtr image, const Part& part)
+ReaderPtr cutPart(ReaderPtr image, const Part& part, std::uint64_t maxPixels)
 {
     const ImageFacts& facts = image->getFacts();
     const image::ImageGeometry& size = facts.geometry;
@@ -488,24 +555,81 @@ ReaderPtr cutPart(ReaderPtr image, const Part& part)
     cut(part.z, size.z, box.begin.z, box.size.z, "z");
     cut(part.c, size.c, box.begin.c, box.size.c, "c");
     cut(part.t, size.t, box.begin.t, box.size.t, "t");
+    if (box.size.nbPixels() > maxPixels) {
+        throw FileError{facts.path + ": it states " + toString(box.size) + ", which is more than the " +
+                        std::to_string(maxPixels) + " pixels that --max-pixels allows"};
+    }
     return isWhole ? std::move(image) : std::make_unique<PartReader>(std::move(image), box);
+}
+
+namespace
+{
+
+class RepeatedReader final : public ImageReader
+{
+public:
+    RepeatedReader(ReaderPtr inner, const image::ImageGeometry& size) : inner_{std::move(inner)}
+    {
+        facts_ = inner_->getFacts();
+        facts_.geometry = size;
+        layout_ = inner_->getLayout();
+        layout_.block.z = repeats(&image::ImageGeometry::z) ? 1 : layout_.block.z;
+        layout_.block.c = repeats(&image::ImageGeometry::c) ? 1 : layout_.block.c;
+        layout_.block.t = repeats(&image::ImageGeometry::t) ? 1 : layout_.block.t;
+    }
+
+    void fetch(const Box& box, const PixelTarget& target) override
+    {
+        Box once = box;
+        const auto fold = [&](std::uint64_t Position::*place, std::size_t image::ImageGeometry::*side) {
+            if (repeats(side)) {
+                once.begin.*place = 0;
+                once.size.*side = 1;
+            }
+        };
+        fold(&Position::z, &image::ImageGeometry::z);
+        fold(&Position::c, &image::ImageGeometry::c);
+        fold(&Position::t, &image::ImageGeometry::t);
+        inner_->fetch(once, target);
+        const std::size_t rowBytes = box.size.x * getPixelSize(facts_.type);
+        forEachPlan(box, target, [&](const Position& at, const PixelTarget& plan) {
+            const auto from = [&](std::uint64_t place, std::uint64_t begin, std::size_t count) {
+                return static_cast<std::size_t>(count == 1 ? 0 : place - begin);
+            };
+            for (std::size_t y = 0; y < box.size.y; ++y) {
+                const std::byte* const row =
+                    target.row(y, from(at.z, box.begin.z, once.size.z), from(at.c, box.begin.c, once.size.c),
+                               from(at.t, box.begin.t, once.size.t));
+                if (row != plan.row(y)) {
+                    std::memcpy(plan.row(y), row, rowBytes);
+                }
+            }
+        });
+    }
+    std::vector<std::string> getNotes() const override { return inner_->getNotes(); }
+
+private:
+    bool repeats(std::size_t image::ImageGeometry::*side) const
+    {
+        return inner_->getFacts().geometry.*side == 1 && facts_.geometry.*side != 1;
+    }
+
+    ReaderPtr inner_;
+};
+
+} // namespace
+
+ReaderPtr repeatImage(ReaderPtr image, const image::ImageGeometry& size)
+{
+    return std::make_unique<RepeatedReader>(std::move(image), size);
 }
 
 Ptr<image::BaseImage> readImage(ImageReader& reader)
 {
     const ImageFacts& facts = reader.getFacts();
     const image::eImageBufferType type = findImageType(facts.type).value();
-    const auto memory =
-        static_cast<std::uint64_t>(::sysconf(_SC_PHYS_PAGES)) * static_cast<std::uint64_t>(::sysconf(_SC_PAGE_SIZE));
-    if (facts.geometry.nbPixels() > memory / image::getPixelSize(type)) {
-        constexpr std::uint64_t mebibyte = 1 << 20;
-        throw FileError{facts.path + ": its pixels need " +
-                        std::to_string(facts.geometry.nbPixels() / mebibyte * image::getPixelSize(type)) +
-                        " MiB of memory, and this machine has " + std::to_string(memory / mebibyte) +
-                        ": measure a part of it with --plane or --region"};
-    }
     auto image = image::BaseImage::create(type, facts.geometry);
-    reader.read({{}, facts.geometry}, {image->getRow(0), image->getStrides()});
+    reader.fetch({{}, facts.geometry}, {image->getRow(0), image->getStrides()});
     return image;
 }
 

@@ -38,10 +38,13 @@ struct Part
     Range t{};
 };
 
-/// Shows a part of an image. Throws FileError where the image does not have it.
-ReaderPtr cutPart(ReaderPtr image, const Part& part);
+/// Shows a part of an image. Throws FileError where the image does not have it, or the part has more pixels.
+ReaderPtr cutPart(ReaderPtr image, const Part& part, std::uint64_t maxPixels = ~std::uint64_t{0});
 
-/// Reads all pixels. Throws FileError, also where they do not fit the machine's memory.
+/// Shows an image whose z, c or t may be 1 as one of this size, which repeats itself there.
+ReaderPtr repeatImage(ReaderPtr image, const image::ImageGeometry& size);
+
+/// Reads all pixels. Throws FileError.
 Ptr<image::BaseImage> readImage(ImageReader& reader);
 
 } // namespace orlix::files

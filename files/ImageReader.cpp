@@ -19,9 +19,16 @@ void ImageReader::fail(const std::string& what) const
 void ImageReader::note(const std::string& text)
 {
     const std::string line = facts_.path + ": " + text;
+    const std::lock_guard lock{mutex_};
     if (std::find(notes_.begin(), notes_.end(), line) == notes_.end()) {
         notes_.push_back(line);
     }
+}
+
+std::vector<std::string> ImageReader::getNotes() const
+{
+    const std::lock_guard lock{mutex_};
+    return notes_;
 }
 
 namespace

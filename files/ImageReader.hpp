@@ -4,10 +4,12 @@
 
 #include <framework/core/Ptr.hpp>
 #include <framework/image/Geometry.hpp>
+#include <framework/image/PixelSource.hpp>
 
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,35 +18,9 @@
 namespace orlix::files
 {
 
-/// A pixel of an image.
-struct Position
-{
-    std::size_t x = 0;
-    std::size_t y = 0;
-    std::size_t z = 0;
-    std::size_t c = 0;
-    std::size_t t = 0;
-};
-
-/// A part of an image: `size` pixels from `begin` on.
-struct Box
-{
-    Position begin{};
-    image::ImageGeometry size{};
-};
-
-/// Where the pixels of a box go: the first one, and the distances between neighbours. Pixels of a row touch.
-struct PixelTarget
-{
-    std::byte* first = nullptr;
-    image::ImageStrides strides{};
-
-    std::byte* row(std::size_t y, std::size_t z = 0, std::size_t c = 0, std::size_t t = 0) const
-    {
-        return first + static_cast<std::ptrdiff_t>(y) * strides.y + static_cast<std::ptrdiff_t>(z) * strides.z +
-               static_cast<std::ptrdiff_t>(c) * strides.c + static_cast<std::ptrdiff_t>(t) * strides.t;
-    }
-};
+using image::Box;
+using image::PixelTarget;
+using image::Position;
 
 /// How the numbers of a file are shown.
 enum class Photometric
@@ -88,27 +64,27 @@ struct ImageFacts
 /// in that unit. Micrometres are "um", whatever the file calls them.
 void setPixelSize(ImageFacts& facts, std::size_t axis, double size, const std::string& unit);
 
-/// One image of a file. Wrappers that show a part, a conversion, or a stack of others are such images again.
-class ImageReader
+/// One image of a file: a source of pixels of the stored type, which throws FileError. Wrappers that show a part, a
+/// conversion, or a stack of others are such images again.
+class ImageReader : public image::PixelSource
 {
 public:
-    virtual ~ImageReader() = default;
-
     const ImageFacts& getFacts() const { return facts_; }
+    image::SourceLayout getLayout() const override { return layout_; }
 
-    /// Reads a box, which lies in the image, as pixels of the stored type. Throws FileError.
-    virtual void read(const Box& box, const PixelTarget& target) = 0;
-
-    /// What a user should know of the file, and of the pixels that were read, a line each.
-    virtual std::vector<std::string> getNotes() const { return notes_; }
+    /// What a user should know of the file, and of the pixels that were read, a line each. Any thread calls it.
+    virtual std::vector<std::string> getNotes() const;
 
 protected:
     [[noreturn]] void fail(const std::string& what) const;
+    /// On any thread.
     void note(const std::string& text);
 
     ImageFacts facts_;
+    image::SourceLayout layout_;
 
 private:
+    mutable std::mutex mutex_;
     std::vector<std::string> notes_;
 };
 

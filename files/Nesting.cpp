@@ -35,9 +35,16 @@ public:
         facts_.axes = nesting.letters + "YX" + (samples > 1 ? "S" : "");
         facts_.axesRule = nesting.rule;
         facts_.axesBy = nesting.by;
+        layout_ = inner_->getLayout();
+        // Pages lie anywhere; their samples are decoded together.
+        const bool areTogether = layout_.block.c > 1 && samples > 1;
+        const bool isInOrder = nesting.c * nesting.t == 1;
+        layout_.block = {layout_.block.x, layout_.block.y, isInOrder ? layout_.block.z : 1, areTogether ? samples : 1,
+                         1};
+        layout_.phase = {layout_.phase.x, layout_.phase.y, isInOrder ? layout_.phase.z : 0};
     }
 
-    void read(const Box& box, const PixelTarget& target) override
+    void fetch(const Box& box, const PixelTarget& target) override
     {
         const image::ImageGeometry& size = box.size;
         for (std::size_t t = 0; t < size.t; ++t) {
@@ -49,7 +56,7 @@ public:
                     while (c + together < size.c && isNextSample(first, planAt(box, z, c + together, t), together)) {
                         ++together;
                     }
-                    inner_->read(
+                    inner_->fetch(
                         {{box.begin.x, box.begin.y, first.z, first.c, first.t}, {size.x, size.y, 1, together, 1}},
                         {target.row(0, z, c, t), target.strides});
                     c += together;

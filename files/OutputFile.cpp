@@ -24,9 +24,7 @@ char unfinished[PATH_MAX] = "";
 /// Removes the unfinished file, and lets the signal do what it does.
 void removeUnfinished(int signal)
 {
-    if (unfinished[0] != '\0') {
-        ::unlink(unfinished);
-    }
+    removeUnfinishedFile();
     std::signal(signal, SIG_DFL);
     std::raise(signal);
 }
@@ -41,6 +39,13 @@ fs::path resolve(const fs::path& path)
 
 } // namespace
 
+void removeUnfinishedFile()
+{
+    if (unfinished[0] != '\0') {
+        ::unlink(unfinished);
+    }
+}
+
 OutputFile::OutputFile(const fs::path& target)
     : target_{resolve(target)}, path_{(target_.parent_path() / ".orlix-XXXXXX").string()}
 {
@@ -51,8 +56,9 @@ OutputFile::OutputFile(const fs::path& target)
     ::close(file);
     std::strncpy(unfinished, path_.c_str(), sizeof unfinished - 1);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        if (std::signal(signal, removeUnfinished) == SIG_IGN) {
-            std::signal(signal, SIG_IGN); // as nohup wants it
+        const auto old = std::signal(signal, removeUnfinished);
+        if (old != SIG_DFL && old != removeUnfinished) {
+            std::signal(signal, old); // ignored, as nohup wants it, or seen to by the program
         }
     }
     std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is an error like others

@@ -25,6 +25,9 @@ private:
     std::string path_;
 };
 
+/// Removes the file of an OutputFile that is not kept yet; for signal handlers.
+void removeUnfinishedFile();
+
 /// Throws FileError where no file can be written: no folder, or something there that is no regular file.
 void checkOutputPath(const std::string& path);
 

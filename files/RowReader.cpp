@@ -3,8 +3,14 @@
 namespace orlix::files
 {
 
-void RowReader::read(const Box& box, const PixelTarget& target)
+image::SourceLayout RowReader::getLayout() const
 {
+    return {.block = {1, 1, 1, facts_.geometry.c, 1}, .isSequential = true};
+}
+
+void RowReader::fetch(const Box& box, const PixelTarget& target)
+{
+    const std::lock_guard lock{mutex_};
     const image::ImageGeometry& size = facts_.geometry;
     const std::size_t pixelSize = getPixelSize(facts_.type);
     const auto step = static_cast<std::int64_t>(size.c * pixelSize);

@@ -2,6 +2,7 @@
 
 #include <files/ImageReader.hpp>
 
+#include <mutex>
 #include <vector>
 
 namespace orlix::files
@@ -11,7 +12,8 @@ namespace orlix::files
 class RowReader : public ImageReader
 {
 public:
-    void read(const Box& box, const PixelTarget& target) final;
+    void fetch(const Box& box, const PixelTarget& target) final;
+    image::SourceLayout getLayout() const final;
 
 protected:
     /// Goes back to the first row.
@@ -22,6 +24,7 @@ protected:
     virtual void finish() {}
 
 private:
+    std::mutex mutex_;
     std::size_t next_ = ~std::size_t{0}; // row
     std::vector<std::byte> row_;
 };

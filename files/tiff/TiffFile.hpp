@@ -1,11 +1,14 @@
 #pragma once
 
+#include <files/Bytes.hpp>
 #include <files/tiff/LibTiff.hpp>
 #include <files/tiff/TiffAxes.hpp>
 
+#include <functional>
 #include <iterator>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,77 +38,118 @@ std::string describe(const TiffPage& page, std::size_t pages);
 /// None where such samples are not read.
 std::optional<StoredType> findType(const TiffPage& page);
 
-/// A file with its pages.
-class TiffFile
+/// An open file, at one of its pages.
+class TiffCursor
 {
 public:
-    /// Lists the pages; errors call the file `name`. Throws FileError.
-    TiffFile(const std::string& path, const std::string& name);
+    /// Opens a file, which errors call `name`. Throws FileError.
+    TiffCursor(const std::string& path, const std::string& name);
 
     TIFF* get() const { return tiff_.get(); }
-    /// Of the first page that is no reduced version of another.
-    const std::string& getDescription() const { return description_; }
-    const TiffPage& getPage(std::size_t i) const { return pages_[i]; }
-    std::size_t nbPages() const { return pages_.size(); }
-    /// The pages that are neither masks nor reduced versions of others; all, if there are none else.
-    const std::vector<std::size_t>& getFullPages() const { return fullPages_; }
-    /// The number among all pages of a page. Throws FileError where there is no such page.
-    std::size_t findPage(const PageRef& ref) const;
+    /// Goes to the page whose directory lies at an offset; what libtiff said of others is forgotten.
+    void select(std::uint64_t directory, std::size_t number);
+    bool isAt(std::uint64_t directory) const { return directory_ == directory; }
+    /// Goes on to the next page; false behind the last one.
+    bool goOn(std::size_t number);
+    std::uint64_t getDirectory() const { return directory_; }
 
-    /// Makes a page the one that is read; what libtiff said of others is forgotten.
-    void select(std::size_t page);
-    /// A field of that page.
+    /// A field of the page.
     template <class T>
     T getField(std::uint32_t tag, T otherwise = {}) const
     {
         T value = otherwise;
         return TIFFGetFieldDefaulted(tiff_.get(), tag, &value) != 0 ? value : otherwise;
     }
+    std::string getDescription() const;
+    TiffPage describePage() const;
+    /// Where its pixels lie one after the other as they are; none where they do not.
+    std::optional<std::uint64_t> findPixels(const TiffPage& page) const;
+
+    /// At least so many bytes, for anything.
+    std::byte* scratch(std::size_t bytes);
 
     [[noreturn]] void fail(const std::string& what) const;
     /// Fails with libtiff's own words, if it has any.
     [[noreturn]] void failReading(const std::string& what) const;
-    void forgetWarnings() { messages_.warning.clear(); }
     const std::string& getWarning() const { return messages_.warning; }
 
 private:
-    TiffPage describePage() const;
-    void listPages();
-    void readDescription();
-
     std::string name_;
     TiffMessages messages_; // before tiff_, which writes to it until it is closed
     TiffHandle tiff_;
-    std::vector<TiffPage> pages_;
-    std::vector<std::uint64_t> offsets_; // of the directories
-    std::vector<std::size_t> fullPages_;
-    std::size_t selected_ = ~std::size_t{0};
-    std::string description_;
+    std::uint64_t directory_ = 0;
+    std::unique_ptr<std::byte[]> scratch_;
+    std::size_t scratchSize_ = 0;
 };
 
-/// The files of a set, opened when they are needed.
+/// A file with its pages, which any number of threads read.
+class TiffFile
+{
+public:
+    /// Lists the pages; errors call the file `name`. Throws FileError.
+    TiffFile(const std::string& path, const std::string& name);
+
+    /// Of the first page that is no reduced version of another.
+    const std::string& getDescription() const { return description_; }
+    const TiffPage& getPage(std::size_t i) const { return pages_[i]; }
+    /// Where the pixels of a page lie one after the other as they are; none where they do not.
+    std::optional<std::uint64_t> getPixels(std::size_t i) const;
+    /// Whether these pixels have their bytes the other way round than this machine.
+    bool isSwapped() const { return isSwapped_; }
+    std::size_t nbPages() const { return pages_.size(); }
+    /// The pages that are neither masks nor reduced versions of others; all, if there are none else.
+    const std::vector<std::size_t>& getFullPages() const { return fullPages_; }
+    /// The number among all pages of a page. Throws FileError where there is no such page.
+    std::size_t findPage(const PageRef& ref) const;
+
+    /// Lends a cursor at a page, which comes back when it is gone.
+    using Cursor = std::unique_ptr<TiffCursor, std::function<void(TiffCursor*)>>;
+    Cursor lend(std::size_t page);
+    Bytes& getBytes() const { return *bytes_; }
+
+    [[noreturn]] void fail(const std::string& what) const;
+
+private:
+    void listPages(TiffCursor& cursor);
+
+    std::string path_;
+    std::string name_;
+    std::vector<TiffPage> pages_;
+    std::vector<std::uint64_t> offsets_; // of the directories
+    std::vector<std::uint64_t> pixels_;  // 0: they do not lie one after the other
+    std::vector<std::size_t> fullPages_;
+    std::string description_;
+    std::unique_ptr<Bytes> bytes_;
+    bool isSwapped_ = false;
+    std::mutex mutex_;
+    std::vector<std::unique_ptr<TiffCursor>> idle_;
+};
+
+/// The files of a set, opened when they are needed, on any thread.
 class TiffSet
 {
 public:
     explicit TiffSet(const Source& source) : name_{source.name}, path_{source.path} {}
 
-    TiffFile& get(const std::string& path)
+    std::shared_ptr<TiffFile> get(const std::string& path)
     {
+        const std::lock_guard lock{mutex_};
         auto found = files_.find(path);
         if (found == files_.end()) {
             constexpr std::size_t mostOpen = 64;
             if (files_.size() == mostOpen) {
                 files_.erase(files_.begin()->first == path_ ? std::next(files_.begin()) : files_.begin());
             }
-            found = files_.emplace(path, std::make_unique<TiffFile>(path, path == path_ ? name_ : path)).first;
+            found = files_.emplace(path, std::make_shared<TiffFile>(path, path == path_ ? name_ : path)).first;
         }
-        return *found->second;
+        return found->second;
     }
 
 private:
     std::string name_;
     std::string path_; // of the first one, which stays open
-    std::map<std::string, std::unique_ptr<TiffFile>> files_;
+    std::mutex mutex_;
+    std::map<std::string, std::shared_ptr<TiffFile>> files_;
 };
 
 } // namespace orlix::files

@@ -1,4 +1,5 @@
 #include <files/ArrayReader.hpp>
+#include <files/Errors.hpp>
 #include <files/Format.hpp>
 #include <files/Nesting.hpp>
 #include <files/tiff/TiffFile.hpp>
@@ -25,10 +26,11 @@ public:
         : set_{std::move(set)}, pages_{std::move(pages)}
     {
         facts_ = source.describe("TIFF");
-        TiffFile& file = set_->get(pages_[0].path);
-        const std::size_t first = file.findPage(pages_[0]);
-        page_ = file.getPage(first);
-        file.select(first);
+        const std::shared_ptr<TiffFile> first = set_->get(pages_[0].path);
+        const std::size_t number = first->findPage(pages_[0]);
+        page_ = first->getPage(number);
+        const TiffFile::Cursor lent = first->lend(number);
+        const TiffCursor& file = *lent;
         if (page_.x == 0 || page_.y == 0 || page_.samples == 0) {
             fail("it states a size of 0");
         }
@@ -52,19 +54,26 @@ public:
             note("its pixels are indices of a palette, and measured as such");
         }
         findPixelSize(file);
-        file.forgetWarnings(); // those about directories say nothing about the pixels
+        findLayout(*first, file);
     }
 
-    void read(const Box& box, const PixelTarget& target) override
+    void fetch(const Box& box, const PixelTarget& target) override
     {
         for (std::size_t z = 0; z < box.size.z; ++z) {
             const std::size_t page = (box.begin.z + z) / page_.depth;
             const PageRef& ref = pages_[page];
-            TiffFile& file = set_->get(ref.path);
-            readPage(file, file.findPage(ref), (box.begin.z + z) % page_.depth, box,
-                     {target.row(0, z), target.strides});
-            if (!file.getWarning().empty()) {
-                note("its pixels may be damaged (" + file.getWarning() + ")");
+            const std::shared_ptr<TiffFile> file = set_->get(ref.path);
+            const std::size_t number = file->findPage(ref);
+            checkPage(*file, number);
+            const PixelTarget plane{target.row(0, z), target.strides};
+            if (const auto pixels = file->getPixels(number)) {
+                readPixels(*file, number, *pixels, box, plane);
+                continue;
+            }
+            const TiffFile::Cursor cursor = file->lend(number);
+            readPage(*cursor, number, (box.begin.z + z) % page_.depth, box, plane);
+            if (!cursor->getWarning().empty()) {
+                note("its pixels may be damaged (" + cursor->getWarning() + ")");
             }
         }
     }
@@ -93,7 +102,65 @@ public:
     const TiffPage& getPage() const { return page_; }
 
 private:
-    void findPixelSize(const TiffFile& file)
+    void findLayout(const TiffFile& file, const TiffCursor& page)
+    {
+        layout_.readsAhead = true;
+        for (std::size_t i = 0; i < pages_.size() && pages_[i].path == pages_[0].path && layout_.readsAhead; ++i) {
+            const bool isThere = pages_[i].page < (pages_[i].countsAll ? file.nbPages() : file.getFullPages().size());
+            layout_.readsAhead = !isThere || file.getPixels(file.findPage(pages_[i])).has_value();
+        }
+        if (layout_.readsAhead) {
+            return;
+        }
+        const bool isTiled = TIFFIsTiled(page.get()) != 0;
+        const auto side = [&](std::uint32_t tag, std::size_t whole) {
+            return std::clamp<std::size_t>(page.getField<std::uint32_t>(tag, 1), 1, std::max<std::size_t>(1, whole));
+        };
+        layout_.block.x = isTiled ? side(TIFFTAG_TILEWIDTH, page_.x) : page_.x;
+        layout_.block.y = side(isTiled ? TIFFTAG_TILELENGTH : TIFFTAG_ROWSPERSTRIP, page_.y);
+        layout_.block.z = isTiled && page_.depth > 1 ? side(TIFFTAG_TILEDEPTH, page_.depth) : 1;
+        layout_.block.c = page.getField<std::uint16_t>(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == PLANARCONFIG_CONTIG
+                              ? page_.samples
+                              : 1;
+    }
+
+    void checkPage(const TiffFile& file, std::size_t number) const
+    {
+        if (const TiffPage& other = file.getPage(number); !(other == page_)) {
+            file.fail("page " + std::to_string(number) + " has " + describe(other, 1) +
+                      " pixels, but the first page of the image " + describe(page_, 1) +
+                      ": pages of one size and type are needed");
+        }
+    }
+
+    /// Pixels that lie in the file as they are, from an offset on.
+    void readPixels(const TiffFile& file, std::size_t number, std::uint64_t offset, const Box& box,
+                    const PixelTarget& target) const
+    {
+        const std::size_t pixelSize = getPixelSize(facts_.type);
+        const std::size_t rowBytes = page_.x * pixelSize;
+        const bool isInPlace = box.size.x == page_.x && target.strides.y == static_cast<std::ptrdiff_t>(rowBytes);
+        constexpr std::size_t mostAtOnce = std::size_t{1} << 20;
+        const std::size_t rows = isInPlace ? box.size.y : std::clamp<std::size_t>(mostAtOnce / rowBytes, 1, box.size.y);
+        const auto buffer = std::make_unique_for_overwrite<std::byte[]>(isInPlace ? 0 : rows * rowBytes);
+        for (std::size_t y = 0; y < box.size.y; y += rows) {
+            const std::size_t count = std::min(rows, box.size.y - y);
+            std::byte* const to = isInPlace ? target.row(y) : buffer.get();
+            try {
+                file.getBytes().read(offset + (box.begin.y + y) * rowBytes, count * rowBytes, to);
+            } catch (const FileError& error) {
+                throw FileError{std::string{error.what()} + " (page " + std::to_string(number) + ")"};
+            }
+            if (file.isSwapped()) {
+                swapBytes(to, pixelSize, count * page_.x);
+            }
+            for (std::size_t row = 0; !isInPlace && row < count; ++row) {
+                std::memcpy(target.row(y + row), to + row * rowBytes + box.begin.x * pixelSize, box.size.x * pixelSize);
+            }
+        }
+    }
+
+    void findPixelSize(const TiffCursor& file)
     {
         const auto x = file.getField<float>(TIFFTAG_XRESOLUTION);
         const auto y = file.getField<float>(TIFFTAG_YRESOLUTION);
@@ -111,14 +178,9 @@ private:
         }
     }
 
-    void readPage(TiffFile& file, std::size_t number, std::size_t plane, const Box& box, const PixelTarget& target)
+    void readPage(TiffCursor& file, std::size_t number, std::size_t plane, const Box& box, const PixelTarget& target)
     {
         const std::string page = "page " + std::to_string(number);
-        if (const TiffPage& other = file.getPage(number); !(other == page_)) {
-            file.fail(page + " has " + describe(other, 1) + " pixels, but the first page of the image " +
-                      describe(page_, 1) + ": pages of one size and type are needed");
-        }
-        file.select(number);
         const auto compression = file.getField<std::uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
         const auto photometric = file.getField<std::uint16_t>(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
         const auto planar = file.getField<std::uint16_t>(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
@@ -156,7 +218,7 @@ private:
         std::size_t together;
     };
 
-    void readStrips(const TiffFile& file, const std::string& page, const Box& box, const Samples& samples,
+    void readStrips(TiffCursor& file, const std::string& page, const Box& box, const Samples& samples,
                     const PixelTarget& target)
     {
         if (page_.depth > 1) {
@@ -182,7 +244,7 @@ private:
             if (!isInPlace && rows * rowBytes > largeStrip) { // row by row, from where the last read ended or the first
                 const std::size_t next = TIFFCurrentRow(file.get());
                 const bool goesOn = TIFFCurrentStrip(file.get()) == strip && next > y && next <= first;
-                std::byte* const samplesOfRow = scratch(rowBytes);
+                std::byte* const samplesOfRow = file.scratch(rowBytes);
                 if (!goesOn) { // reading nothing begins the strip again
                     TIFFReadEncodedStrip(file.get(), strip, samplesOfRow, 0);
                 }
@@ -197,7 +259,7 @@ private:
                 }
                 continue;
             }
-            std::byte* const buffer = isInPlace ? target.row(y - box.begin.y) : scratch(rows * rowBytes);
+            std::byte* const buffer = isInPlace ? target.row(y - box.begin.y) : file.scratch(rows * rowBytes);
             const auto bytes = static_cast<tmsize_t>(rows * rowBytes);
             if (TIFFReadEncodedStrip(file.get(), strip, buffer, bytes) != bytes) {
                 failPixels(file, page);
@@ -208,8 +270,8 @@ private:
         }
     }
 
-    void readTiles(const TiffFile& file, const std::string& page, std::size_t plane, const Box& box,
-                   const Samples& samples, const PixelTarget& target)
+    void readTiles(TiffCursor& file, const std::string& page, std::size_t plane, const Box& box, const Samples& samples,
+                   const PixelTarget& target)
     {
         const std::size_t width = file.getField<std::uint32_t>(TIFFTAG_TILEWIDTH);
         const std::size_t height = file.getField<std::uint32_t>(TIFFTAG_TILELENGTH);
@@ -227,7 +289,7 @@ private:
         const std::size_t endY = box.begin.y + box.size.y;
         for (std::size_t y = box.begin.y / height * height; y < endY; y += height) {
             for (std::size_t x = box.begin.x / width * width; x < endX; x += width) {
-                std::byte* const buffer = scratch(static_cast<std::size_t>(bytes));
+                std::byte* const buffer = file.scratch(static_cast<std::size_t>(bytes));
                 const std::uint32_t tile =
                     TIFFComputeTile(file.get(), static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y),
                                     static_cast<std::uint32_t>(plane), static_cast<std::uint16_t>(samples.plane));
@@ -247,7 +309,7 @@ private:
     }
 
     /// A tile of several planes, of which libtiff decodes the first one only.
-    void readDeepTile(const TiffFile& file, const std::string& page, std::uint32_t tile, std::byte* to,
+    void readDeepTile(const TiffCursor& file, const std::string& page, std::uint32_t tile, std::byte* to,
                       std::size_t bytes) const
     {
         const auto compression = file.getField<std::uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE);
@@ -278,7 +340,7 @@ private:
         std::copy(raw.begin(), raw.end(), to);
     }
 
-    [[noreturn]] static void failPixels(const TiffFile& file, const std::string& page)
+    [[noreturn]] static void failPixels(const TiffCursor& file, const std::string& page)
     {
         file.failReading("the pixels of " + page + " cannot be decoded: the file is cut short or damaged");
     }
@@ -298,7 +360,9 @@ private:
         for (std::size_t s = 0; s < samples.count; ++s) {
             std::byte* const row = target.row(y, 0, s) + x * size;
             const std::size_t first = firstColumn * samples.together + samples.first + s;
-            if (isWide()) {
+            if (isWide() && samples.together == 1) {
+                std::memcpy(row, packed + first * size, columns * size);
+            } else if (isWide()) {
                 copyPixels(packed + first * size, row, size,
                            {Stretch{columns, static_cast<std::int64_t>(samples.together * size),
                                     static_cast<std::int64_t>(size)}});
@@ -308,21 +372,10 @@ private:
         }
     }
 
-    std::byte* scratch(std::size_t bytes)
-    {
-        if (scratchSize_ < bytes) {
-            scratch_ = std::make_unique_for_overwrite<std::byte[]>(bytes); // touched only where pixels come
-            scratchSize_ = bytes;
-        }
-        return scratch_.get();
-    }
-
     std::shared_ptr<TiffSet> set_;
     std::vector<PageRef> pages_;
     TiffPage page_;
     std::array<double, 2> length_{}; // of a pixel, along x and y, in the unit of the resolution
-    std::unique_ptr<std::byte[]> scratch_;
-    std::size_t scratchSize_ = 0;
 };
 
 /// One of the images of a file.
@@ -381,18 +434,18 @@ std::vector<Series> listOmeImages(const Source& source, TiffSet& set, const std:
     Source described = source;
     const std::string xml = findOmeXml(described, description);
     const auto samplesOf = [&](const PageRef& ref) {
-        TiffFile& file = set.get(ref.path);
-        return std::size_t{file.getPage(file.findPage(ref)).samples};
+        const std::shared_ptr<TiffFile> file = set.get(ref.path);
+        return std::size_t{file->getPage(file->findPage(ref)).samples};
     };
     std::vector<Series> series;
-    for (OmeImage& image : parseOme(described, xml, set.get(source.path).nbPages(), samplesOf)) {
+    for (OmeImage& image : parseOme(described, xml, set.get(source.path)->nbPages(), samplesOf)) {
         Series each;
         each.text = std::to_string(image.x) + " x " + std::to_string(image.y);
         each.text += image.pages.size() > 1 ? ", " + std::to_string(image.pages.size()) + " pages" : "";
         each.text += image.name.empty() ? "" : ", \"" + image.name + "\"";
-        const TiffFile& file = set.get(source.path);
+        const std::shared_ptr<TiffFile> file = set.get(source.path);
         for (const PageRef& ref : image.pages) {
-            const std::size_t count = ref.countsAll ? file.nbPages() : file.getFullPages().size();
+            const std::size_t count = ref.countsAll ? file->nbPages() : file->getFullPages().size();
             if (ref.path == source.path && image.fault.empty() && ref.page >= count) {
                 image.fault = "want page " + std::to_string(ref.page) + ", where there are " + std::to_string(count);
             }
@@ -405,9 +458,11 @@ std::vector<Series> listOmeImages(const Source& source, TiffSet& set, const std:
 }
 
 /// Pixels that all lie behind the first page, as ImageJ writes a stack of more than 4 GiB; null if they do not.
-ReaderPtr findHiddenPages(const Source& source, TiffFile& file, const StatedAxes& stated, const ImageFacts& facts)
+ReaderPtr findHiddenPages(const Source& source, TiffFile& set, const StatedAxes& stated, const ImageFacts& facts)
 {
-    const TiffPage& page = file.getPage(0);
+    const TiffPage& page = set.getPage(0);
+    const TiffFile::Cursor cursor = set.lend(0);
+    const TiffCursor& file = *cursor;
     const bool isPlain = file.getField<std::uint16_t>(TIFFTAG_COMPRESSION, COMPRESSION_NONE) == COMPRESSION_NONE &&
                          (page.samples == 1 || file.getField<std::uint16_t>(
                                                    TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == PLANARCONFIG_CONTIG) &&
@@ -439,7 +494,8 @@ ReaderPtr findHiddenPages(const Source& source, TiffFile& file, const StatedAxes
 ReaderPtr openTiff(const Source& source)
 {
     auto set = std::make_shared<TiffSet>(source);
-    TiffFile& file = set->get(source.path);
+    const std::shared_ptr<TiffFile> opened = set->get(source.path);
+    TiffFile& file = *opened;
     const std::string& description = file.getDescription();
     std::vector<Series> all = isOme(description) && source.options.pages.empty()
                                   ? listOmeImages(source, *set, description)

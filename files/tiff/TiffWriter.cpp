@@ -1,8 +1,6 @@
 #include <files/tiff/TiffWriter.hpp>
 
 #include <files/Errors.hpp>
-#include <files/OutputFile.hpp>
-#include <files/tiff/LibTiff.hpp>
 
 #include <algorithm>
 #include <array>
@@ -28,11 +26,10 @@ bool isSigned(image::eImageBufferType type)
 }
 
 /// Whether the channels are the samples of one page: colours of 8 or 16 bits.
-bool isColour(const image::BaseImage& image, const ImageFacts& facts)
+bool isColour(image::eImageBufferType type, const image::ImageGeometry& size, const ImageFacts& facts)
 {
-    const std::size_t channels = image.getGeometry().c;
-    return facts.photometric == Photometric::Rgb && (channels == 3 || channels == 4) && !isFloat(image.getType()) &&
-           !isSigned(image.getType()) && image.getPixelSize() <= 2;
+    return facts.photometric == Photometric::Rgb && (size.c == 3 || size.c == 4) && !isFloat(type) && !isSigned(type) &&
+           image::getPixelSize(type) <= 2;
 }
 
 std::string print(double number)
@@ -60,25 +57,26 @@ std::string describe(const image::ImageGeometry& size, bool isInColour, const Im
     return text;
 }
 
-void setTags(TIFF* tiff, const image::BaseImage& image, const ImageFacts& facts, bool isFirst)
+void setTags(TIFF* tiff, image::eImageBufferType type, const image::ImageGeometry& size, const ImageFacts& facts,
+             bool isFirst)
 {
-    const image::ImageGeometry& size = image.getGeometry();
-    const bool isInColour = isColour(image, facts);
+    const bool isInColour = isColour(type, size, facts);
+    const std::size_t pixelSize = image::getPixelSize(type);
     const std::size_t samples = isInColour ? size.c : 1;
-    const std::size_t rowBytes = size.x * samples * image.getPixelSize();
+    const std::size_t rowBytes = size.x * samples * pixelSize;
     const std::size_t stripRows = std::max<std::size_t>(1, (std::size_t{256} << 10) / rowBytes);
     TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(size.x));
     TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(size.y));
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, static_cast<std::uint16_t>(8 * image.getPixelSize()));
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, static_cast<std::uint16_t>(8 * pixelSize));
     TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, static_cast<std::uint16_t>(samples));
     if (samples == 4) {
         const std::uint16_t alpha = EXTRASAMPLE_UNASSALPHA;
         TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, std::uint16_t{1}, &alpha);
     }
     TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT,
-                 static_cast<std::uint16_t>(isFloat(image.getType())    ? SAMPLEFORMAT_IEEEFP
-                                            : isSigned(image.getType()) ? SAMPLEFORMAT_INT
-                                                                        : SAMPLEFORMAT_UINT));
+                 static_cast<std::uint16_t>(isFloat(type)    ? SAMPLEFORMAT_IEEEFP
+                                            : isSigned(type) ? SAMPLEFORMAT_INT
+                                                             : SAMPLEFORMAT_UINT));
     const bool isInverted = facts.photometric == Photometric::WhiteIsZero;
     TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC,
                  static_cast<std::uint16_t>(isInColour   ? PHOTOMETRIC_RGB
@@ -98,7 +96,7 @@ void setTags(TIFF* tiff, const image::BaseImage& image, const ImageFacts& facts,
     }
 }
 
-bool writePage(TIFF* tiff, const image::BaseImage& image, const image::PlanIndex& plan)
+bool writePage(TIFF* tiff, const image::BaseImage& image)
 {
     const image::ImageGeometry& size = image.getGeometry();
     std::uint32_t rows = 0;
@@ -110,7 +108,7 @@ bool writePage(TIFF* tiff, const image::BaseImage& image, const image::PlanIndex
     for (std::size_t y = 0; y < size.y; y += rows) {
         const std::size_t count = std::min<std::size_t>(rows, size.y - y);
         const auto step = static_cast<std::int64_t>(samples * pixelSize);
-        copyPixels(image.getRow(y, plan.z, plan.c, plan.t), strip.data(), pixelSize,
+        copyPixels(image.getRow(y), strip.data(), pixelSize,
                    {Stretch{size.x, static_cast<std::int64_t>(pixelSize), step},
                     Stretch{count, image.getStrides().y, static_cast<std::int64_t>(size.x) * step},
                     Stretch{samples, image.getStrides().c, static_cast<std::int64_t>(pixelSize)}});
@@ -124,38 +122,47 @@ bool writePage(TIFF* tiff, const image::BaseImage& image, const image::PlanIndex
 
 } // namespace
 
-void writeTiff(const std::string& path, const image::BaseImage& image, const ImageFacts& facts)
+TiffPages::TiffPages(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& size,
+                     const ImageFacts& facts)
+    : path_{path}, type_{type}, size_{size}, facts_{facts}, file_{path}
 {
-    const image::ImageGeometry& size = image.getGeometry();
-    const OutputFile file{path};
-    TiffMessages messages;
-    bool written = false;
-    const std::size_t together = isColour(image, facts) ? size.c : 1;
+    constexpr std::size_t largestClassic = std::size_t{4000} << 20;
+    constexpr std::size_t bytesOfPage = 512; // of what is said of it
+    const bool isBig =
+        size.nbPixels() * image::getPixelSize(type) + size.z * size.c * size.t * bytesOfPage > largestClassic;
     errno = 0;
-    {
-        constexpr std::size_t largestClassic = std::size_t{4000} << 20;
-        constexpr std::size_t bytesOfPage = 512; // of what is said of it
-        const bool isBig =
-            size.nbPixels() * image.getPixelSize() + size.z * size.c * size.t * bytesOfPage > largestClassic;
-        const TiffHandle tiff = openTiff(file.getPath(), isBig ? "w8" : "w", messages);
-        written = tiff != nullptr;
-        for (std::size_t t = 0; t < size.t; ++t) {
-            for (std::size_t z = 0; z < size.z; ++z) {
-                for (std::size_t c = 0; c < size.c && written; c += together) {
-                    setTags(tiff.get(), image, facts, c == 0 && z == 0 && t == 0);
-                    written = writePage(tiff.get(), image,
-                                        {static_cast<unsigned>(z), static_cast<unsigned>(c), static_cast<unsigned>(t)});
-                }
-            }
-        }
-    }
-    const std::string& reason = messages.error;
-    if (!written || !reason.empty()) {
+    tiff_ = openTiff(file_.getPath(), isBig ? "w8" : "w", messages_);
+    check(tiff_ != nullptr);
+}
+
+std::size_t TiffPages::getNbChannels() const
+{
+    return isColour(type_, size_, facts_) ? size_.c : 1;
+}
+
+void TiffPages::write(const image::BaseImage& page)
+{
+    errno = 0;
+    setTags(tiff_.get(), type_, size_, facts_, nbPages_++ == 0);
+    check(writePage(tiff_.get(), page));
+}
+
+void TiffPages::keep()
+{
+    errno = 0;
+    tiff_.reset();
+    check(true);
+    file_.keep();
+}
+
+void TiffPages::check(bool isFine) const
+{
+    const std::string& reason = messages_.error;
+    if (!isFine || !reason.empty()) {
         const std::string error = errno != 0 ? std::strerror(errno) : "";
-        throw FileError{path + ": it cannot be written (" + reason + (reason.empty() || error.empty() ? "" : ", ") +
+        throw FileError{path_ + ": it cannot be written (" + reason + (reason.empty() || error.empty() ? "" : ", ") +
                         error + ")"};
     }
-    file.keep();
 }
 
 } // namespace orlix::files

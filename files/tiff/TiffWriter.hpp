@@ -1,6 +1,8 @@
 #pragma once
 
 #include <files/ImageReader.hpp>
+#include <files/OutputFile.hpp>
+#include <files/tiff/LibTiff.hpp>
 
 #include <framework/image/BaseImage.hpp>
 
@@ -9,9 +11,33 @@
 namespace orlix::files
 {
 
-/// Writes a gapless image of a numeric type as a TIFF file, a page per plan, with its axes as ImageJ states them. Of
-/// `facts` the file keeps the photometric interpretation, the size of pixels, and the scale of numbers. The file takes
-/// the place of an older one only when it is whole. Throws FileError.
-void writeTiff(const std::string& path, const image::BaseImage& image, const ImageFacts& facts = {});
+/// A TIFF file of a numeric type that is written page by page, with its axes as ImageJ states them. Of `facts` the file
+/// keeps the photometric interpretation, the size of pixels, and the scale of numbers. It takes the place of an older
+/// one only when it is kept.
+class TiffPages
+{
+public:
+    /// Throws FileError, as all of them do.
+    TiffPages(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& size,
+              const ImageFacts& facts = {});
+
+    /// How many channels are the samples of one page: all of them, where they are colours.
+    std::size_t getNbChannels() const;
+    /// The next page, t slowest, then z, then c: a plan, in memory, with the channels that go with it.
+    void write(const image::BaseImage& page);
+    void keep();
+
+private:
+    void check(bool isFine) const;
+
+    std::string path_;
+    image::eImageBufferType type_;
+    image::ImageGeometry size_;
+    ImageFacts facts_;
+    OutputFile file_;
+    TiffMessages messages_; // before tiff_, which writes to it until it is closed
+    TiffHandle tiff_;
+    std::size_t nbPages_ = 0;
+};
 
 } // namespace orlix::files

@@ -1,4 +1,5 @@
 #include <files/ArrayReader.hpp>
+#include <files/SeenSet.hpp>
 #include <files/zarr/ZarrNode.hpp>
 
 #include <blosc.h>
@@ -39,6 +40,7 @@ public:
         axes_ = findArrayAxes(source, array_.sizes, isOme ? found.scale.letters : array_.letters,
                               isOme ? "OME-Zarr axes" : array_.rule);
         axes_.describe(array_.sizes, facts_);
+        findLayout();
         for (std::size_t axis = 0; axis < 3; ++axis) {
             const std::size_t dimension = axes_.dimensions[axis];
             if (dimension < found.scale.scales.size()) {
@@ -49,7 +51,7 @@ public:
         }
     }
 
-    void read(const Box& box, const PixelTarget& target) override
+    void fetch(const Box& box, const PixelTarget& target) override
     {
         const Wanted wanted{axes_.place(box, target, getPixelSize(facts_.type), array_.sizes.size()), target.first};
         forEachChunk(array_.chunks, wanted,
@@ -59,8 +61,9 @@ public:
     std::vector<std::string> getNotes() const override
     {
         std::vector<std::string> notes = ImageReader::getNotes();
-        if (missing_ != 0) {
-            notes.push_back(facts_.path + ": " + std::to_string(missing_) + " of the " + std::to_string(chunksRead_) +
+        if (const std::uint64_t missing = missing_->getSum(); missing != 0) {
+            notes.push_back(facts_.path + ": " + std::to_string(missing) + " of the " +
+                            std::to_string(read_->getSum()) +
                             " chunks that were read are not there, which stands for the fill value");
         }
         return notes;
@@ -102,6 +105,64 @@ private:
             facts_.series.clear();
         }
         return images[chosen];
+    }
+
+    /// What is decoded together: a chunk or, of a shard, a chunk in it.
+    const ZarrChunks& getInnermost() const
+    {
+        const ZarrChunks* chunks = &array_.chunks;
+        while (chunks->inner) {
+            chunks = chunks->inner.get();
+        }
+        return *chunks;
+    }
+
+    void findLayout()
+    {
+        const ZarrChunks& chunks = getInnermost();
+        const auto side = [&](std::size_t axis) {
+            const std::size_t dimension = axes_.dimensions[axis];
+            return dimension == ArrayAxes::none ? 1 : static_cast<std::size_t>(chunks.shape[dimension]);
+        };
+        layout_.block = {side(0), side(1), side(2), side(3), side(4)};
+        std::uint64_t count = 1;
+        for (std::size_t i = 0; i < array_.sizes.size(); ++i) {
+            grid_.push_back((array_.sizes[i] + chunks.shape[i] - 1) / chunks.shape[i]);
+            count *= grid_.back();
+        }
+        read_ = std::make_unique<SeenSet>(count);
+        missing_ = std::make_unique<SeenSet>(count);
+    }
+
+    /// Counts the innermost chunks in a part of a chunk or, of a shard, of which `origin` is the first element.
+    void count(const std::vector<std::uint64_t>& origin, const Wanted& part, bool isMissing)
+    {
+        const ZarrChunks& inner = getInnermost();
+        const std::size_t dimensions = origin.size();
+        std::vector<std::uint64_t> first(dimensions);
+        std::vector<std::uint64_t> last(dimensions);
+        for (std::size_t i = 0; i < dimensions; ++i) {
+            first[i] = (origin[i] + part.dimensions[i].begin) / inner.shape[i];
+            last[i] = (origin[i] + part.dimensions[i].begin + part.dimensions[i].count - 1) / inner.shape[i];
+        }
+        std::vector<std::uint64_t> at = first;
+        for (std::size_t i = 0;;) {
+            std::uint64_t number = 0;
+            for (std::size_t k = 0; k < dimensions; ++k) {
+                number = number * grid_[k] + at[k];
+            }
+            read_->add(number);
+            if (isMissing) {
+                missing_->add(number);
+            }
+            for (i = dimensions; i > 0 && at[i - 1] == last[i - 1]; --i) {
+                at[i - 1] = first[i - 1];
+            }
+            if (i == 0) {
+                return;
+            }
+            ++at[i - 1];
+        }
     }
 
     void checkShape(const ZarrChunks& chunks, std::size_t dimensions) const
@@ -168,10 +229,13 @@ private:
             name += (i == 0 ? "" : array_.separator) + std::to_string(chunk[i]);
         }
         const std::string path = (folder_ / name).string();
-        ++chunksRead_;
+        std::vector<std::uint64_t> origin(chunk.size());
+        for (std::size_t i = 0; i < chunk.size(); ++i) {
+            origin[i] = chunk[i] * array_.chunks.shape[i];
+        }
         std::error_code none;
         if (!fs::exists(path, none)) {
-            ++missing_;
+            count(origin, part, true);
             fillPart(array_.chunks, part);
             return;
         }
@@ -186,37 +250,67 @@ private:
             return loaded;
         };
         if (array_.chunks.inner) {
-            readShard(array_.chunks, name, size, load, part);
+            readShard(name, origin, size, load, part);
         } else {
+            count(origin, part, false);
             copyChunk(array_.chunks, decode(array_.chunks, load(0, size), name), part);
         }
     }
 
     using Load = std::function<std::vector<std::byte>(std::uint64_t offset, std::uint64_t count)>;
 
-    void readShard(const ZarrChunks& shard, const std::string& name, std::uint64_t size, const Load& load,
-                   const Wanted& wanted)
+    using Bytes = std::vector<std::byte>;
+
+    /// Where the chunks of a shard lie in it. The last ones that were asked for are kept.
+    std::shared_ptr<const Bytes> findIndex(const std::string& name, std::uint64_t size, const Load& load)
     {
-        const ZarrChunks& inner = *shard.inner;
-        const std::uint64_t count = shard.nbElements() / inner.nbElements();
-        const std::uint64_t indexBytes = count * 16 + 4 * shard.indexCodecs.size();
+        {
+            const std::lock_guard lock{mutex_};
+            for (const auto& [shard, index] : indices_) {
+                if (shard == name) {
+                    return index;
+                }
+            }
+        }
+        const ZarrChunks& shard = array_.chunks;
+        const std::uint64_t nbChunks = shard.nbElements() / shard.inner->nbElements();
+        const std::uint64_t indexBytes = nbChunks * 16 + 4 * shard.indexCodecs.size();
         if (indexBytes > size) {
             fail("its chunk " + name + " is cut short");
         }
-        std::vector<std::byte> index = load(shard.isIndexAtEnd ? size - indexBytes : 0, indexBytes);
+        auto index = std::make_shared<Bytes>(load(shard.isIndexAtEnd ? size - indexBytes : 0, indexBytes));
         for (std::size_t i = 0; i < shard.indexCodecs.size(); ++i) {
-            checkSeal(index, name);
+            checkSeal(*index, name);
         }
+        constexpr std::size_t mostKept = 16;
+        const std::lock_guard lock{mutex_};
+        indices_.emplace_back(name, index);
+        if (indices_.size() > mostKept) {
+            indices_.erase(indices_.begin());
+        }
+        return index;
+    }
+
+    void readShard(const std::string& name, const std::vector<std::uint64_t>& origin, std::uint64_t size,
+                   const Load& load, const Wanted& wanted)
+    {
+        const ZarrChunks& shard = array_.chunks;
+        const ZarrChunks& inner = *shard.inner;
+        const auto index = findIndex(name, size, load);
         forEachChunk(inner, wanted, [&](const std::vector<std::uint64_t>& chunk, const Wanted& part) {
             std::uint64_t at = 0;
             for (std::size_t i = 0; i < chunk.size(); ++i) {
                 at = at * (shard.shape[i] / inner.shape[i]) + chunk[i];
             }
             std::array<std::uint64_t, 2> place{}; // offset and size
-            std::memcpy(place.data(), index.data() + 16 * at, 16);
-            ++chunksRead_;
-            if (place[0] == UINT64_MAX && place[1] == UINT64_MAX) {
-                ++missing_;
+            std::memcpy(place.data(), index->data() + 16 * at, 16);
+            const bool isMissing = place[0] == UINT64_MAX && place[1] == UINT64_MAX;
+            std::vector<std::uint64_t> begin(origin);
+            for (std::size_t i = 0; i < chunk.size(); ++i) {
+                begin[i] += chunk[i] * inner.shape[i];
+            }
+            count(begin, part, isMissing);
+            if (isMissing) {
                 fillPart(inner, part);
             } else {
                 copyChunk(inner, decode(inner, load(place[0], place[1]), name), part);
@@ -325,8 +419,11 @@ private:
     fs::path folder_;
     ZarrArray array_;
     ArrayAxes axes_;
-    std::uint64_t chunksRead_ = 0;
-    std::uint64_t missing_ = 0;
+    std::vector<std::uint64_t> grid_; // chunks along each dimension
+    std::unique_ptr<SeenSet> read_;
+    std::unique_ptr<SeenSet> missing_;
+    std::mutex mutex_;
+    std::vector<std::pair<std::string, std::shared_ptr<const Bytes>>> indices_; // by shard
 };
 } // namespace
 

@@ -55,7 +55,7 @@ int main(int argc, char** argv)
                 if (!box.size.empty()) {
                     std::byte* const first = parts->getRow(box.begin.y, z, c, t) + box.begin.x * image->getPixelSize();
                     box.begin = {box.begin.x, box.begin.y, z, c, t};
-                    reader->read(box, {first, parts->getStrides()});
+                    reader->fetch(box, {first, parts->getStrides()});
                 }
             }
             const std::size_t bytes = size.x * size.y * image->getPixelSize();
