@@ -5,6 +5,7 @@
 #include <orlix/Inputs.hpp>
 #include <orlix/Manual.hpp>
 #include <orlix/Measures.hpp>
+#include <orlix/Progress.hpp>
 #include <orlix/States.hpp>
 #include <orlix/Tables.hpp>
 
@@ -71,6 +72,7 @@ Report runProcessors(const Options&)
 void applySettings(const Options& options)
 {
     core::settings::setNbThreads(options.threads);
+    core::settings::setPixelMemory(options.memory);
     if (options.isa.empty()) {
         return;
     }
@@ -506,9 +508,18 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
                                         : "write to this file: .json, .csv, or what --json or --csv says")
         ->type_name("FILE")
         ->group("Output");
-    command.add_flag("--quiet", options.quiet, "no notes on standard error")->group("Output");
+    command.add_flag("--quiet", options.quiet, "no progress and no notes on standard error")->group("Output");
     addChoice(command, "--isa", options.isa, {"generic", "sse2", "avx", "avx2", "avx512"}, "force an instruction set")
         ->group("Machine");
+    if (verb.takesImages() && verb.name != "info") {
+        command
+            .add_option(
+                "--memory", options.memory,
+                "bound of the memory for pixels, as 2G (default: what is needed, a quarter of the machine's at most)")
+            ->transform(CLI::AsSizeValue(false).description(""))
+            ->type_name("SIZE")
+            ->group("Machine");
+    }
     command.add_option("--threads", options.threads, "worker threads (default: all processors)")
         ->check(CLI::Range(1u, 4096u).description(""))
         ->type_name("N")
@@ -719,6 +730,7 @@ public:
             options.labelled = labelled_;
             options.mask = masks_.empty() ? ImageArgument{} : masks_[masks_.size() > 1 ? i : 0];
             try {
+                checkInterrupt();
                 if (writesToFolder_) {
                     options.output = nameOutput(options.image.name);
                 }
@@ -779,6 +791,8 @@ private:
         } catch (const FileError&) {
             throw;
         } catch (const UsageError&) {
+            throw;
+        } catch (const Interrupted&) {
             throw;
         } catch (...) {
             const std::string forced = options.isa.empty() ? "" : " (--isa " + options.isa + ")";
@@ -920,6 +934,8 @@ int runCommand(int argc, const char* const* argv, std::ostream& output, std::ost
     } catch (const UsageError& usage) {
         complain(usage.what());
         return 2;
+    } catch (const Interrupted&) {
+        return interruptedStatus;
     } catch (...) {
         complain(core::describeCurrentException());
         return 1;

@@ -4,6 +4,8 @@
 
 #include <files/Names.hpp>
 
+#include <framework/core/Settings.hpp>
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -158,17 +160,7 @@ files::ReaderPtr openMask(const ImageArgument& mask, files::OpenOptions how)
     }
 }
 
-/// A binary image as the numbers 0 and 1; any other as it is.
-Ptr<const BaseImage> asNumbers(const Ptr<const BaseImage>& image)
-{
-    if (image->getType() != eImageBufferType::eIBT_Binary || image->getGeometry().empty()) {
-        return image;
-    }
-    return BaseImage::wrap(image->getRow(0), eImageBufferType::eIBT_UInt8, image->getGeometry(), image->getStrides(),
-                           image);
-}
-
-/// An image whose z, c or t may be 1 as one that repeats itself there.
+/// An image in memory whose z, c or t may be 1 as one that repeats itself there.
 Ptr<const BaseImage> repeat(const Ptr<const BaseImage>& image, const image::ImageGeometry& size)
 {
     const image::ImageGeometry& own = image->getGeometry();
@@ -177,16 +169,6 @@ Ptr<const BaseImage> repeat(const Ptr<const BaseImage>& image, const image::Imag
     strides.c = own.c == size.c ? strides.c : 0;
     strides.t = own.t == size.t ? strides.t : 0;
     return BaseImage::wrap(image->getRow(0), image->getType(), size, strides, image);
-}
-
-Ptr<const BaseImage> readPart(files::ReaderPtr reader, const files::Part& part, Report& report)
-{
-    const files::ReaderPtr cut = files::cutPart(std::move(reader), part);
-    Ptr<const BaseImage> image = files::readImage(*cut);
-    for (const std::string& note : cut->getNotes()) {
-        report.notes.push_back(note);
-    }
-    return image;
 }
 
 /// Notes which numbers are measured, where a header's scale makes two of each.
@@ -205,7 +187,7 @@ void noteScale(const Options& options, const ImageFacts& facts, Report& report)
 
 /// An image that goes with another, repeated where it has fewer axes than that; `name` says what it is.
 Ptr<const BaseImage> readAlong(files::ReaderPtr reader, const char* name, const Options& options,
-                               const ImageFacts& image, const image::ImageGeometry& part, Report& report)
+                               const ImageFacts& image, const image::ImageGeometry& part, ImageSource& source)
 {
     const ImageFacts facts = reader->getFacts();
     const image::ImageGeometry& own = facts.geometry;
@@ -220,7 +202,7 @@ Ptr<const BaseImage> readAlong(files::ReaderPtr reader, const char* name, const 
     cut.z = own.z == size.z ? cut.z : files::Range{};
     cut.c = own.c == size.c ? cut.c : files::Range{};
     cut.t = own.t == size.t ? cut.t : files::Range{};
-    return repeat(asNumbers(readPart(std::move(reader), cut, report)), part);
+    return source.readRepeated(std::move(reader), options, cut, part)->getBinaryAsNumbers();
 }
 
 bool isFloat(files::StoredType type)
@@ -231,7 +213,7 @@ bool isFloat(files::StoredType type)
 
 /// The mask as numbers 0 and 1.
 Ptr<const BaseImage> readMask(const Options& options, const ImageFacts& image, const image::ImageGeometry& part,
-                              Report& report)
+                              Report& report, ImageSource& source)
 {
     files::OpenOptions how = options.open;
     how.series.reset();
@@ -244,7 +226,7 @@ Ptr<const BaseImage> readMask(const Options& options, const ImageFacts& image, c
         throw FileError{facts.path + ": a " + getName(stored) + " image is no mask: convert it to an integer type"};
     }
     report.images.emplace_back("mask", describeImage(options.mask.name, getName(stored), facts.geometry));
-    return readAlong(std::move(reader), "mask", options, image, part, report);
+    return readAlong(std::move(reader), "mask", options, image, part, source);
 }
 
 /// Labels: integers, which have 32 bits at most, or floats that --as makes some. None may change.
@@ -379,6 +361,55 @@ image::ImageGeometry readSize(const Options& options)
     return open(options.image, options, options.open)->getFacts().geometry;
 }
 
+bool ImageSource::takesMemory(std::size_t bytes)
+{
+    constexpr std::size_t most = std::size_t{32} << 20;
+    const std::size_t set = core::settings::getPixelMemory();
+    const bool takes = bytes <= (set != 0 ? std::min(most, set / 4) : most) - inMemory_;
+    inMemory_ += takes ? bytes : 0;
+    return takes;
+}
+
+Ptr<const BaseImage> ImageSource::read(files::ReaderPtr reader, const Options& options, const files::Part& part)
+{
+    readers_.emplace_back(files::cutPart(std::move(reader), part, options.open.maxPixels));
+    const Ptr<files::ImageReader>& cut = readers_.back();
+    const ImageFacts& facts = cut->getFacts();
+    return takesMemory(facts.geometry.nbPixels() * getPixelSize(facts.type))
+               ? files::readImage(*cut)
+               : BaseImage::fromSource(cut, files::findImageType(facts.type).value(), facts.geometry);
+}
+
+Ptr<const BaseImage> ImageSource::readRepeated(files::ReaderPtr reader, const Options& options, const files::Part& part,
+                                               const image::ImageGeometry& size)
+{
+    files::ReaderPtr cut = files::cutPart(std::move(reader), part, options.open.maxPixels);
+    const ImageFacts facts = cut->getFacts();
+    if (facts.geometry == size) {
+        return read(std::move(cut), options, {});
+    }
+    const std::size_t planes = facts.geometry.z * facts.geometry.c * facts.geometry.t;
+    if (planes > 1 && !takesMemory(facts.geometry.nbPixels() * getPixelSize(facts.type))) {
+        return read(files::repeatImage(std::move(cut), size), options, {});
+    }
+    readers_.emplace_back(std::move(cut)); // one plane is always kept
+    return repeat(files::readImage(*readers_.back()), size);
+}
+
+void ImageSource::addNotes(Report& report) const
+{
+    for (const Ptr<files::ImageReader>& reader : readers_) {
+        for (const std::string& note : reader->getNotes()) {
+            report.notes.push_back(note);
+        }
+    }
+}
+
+double countBytes(const BaseImage& image)
+{
+    return static_cast<double>(image.getGeometry().nbPixels() * image.getPixelSize());
+}
+
 Inputs::Inputs(const Options& options, bool takesBinary)
 {
     files::OpenOptions how = options.open;
@@ -391,8 +422,8 @@ Inputs::Inputs(const Options& options, bool takesBinary)
     origin = {options.part.x.begin, options.part.y.begin, options.part.z.begin, options.part.c.begin,
               options.part.t.begin};
     noteScale(options, facts, report);
-    image = readPart(std::move(reader), options.part, report);
-    image = takesBinary ? image : asNumbers(image);
+    image = source.read(std::move(reader), options, options.part);
+    image = takesBinary ? image : image->getBinaryAsNumbers();
     report.members = facts.members;
     report.images.emplace_back(
         "image", describeImage(options.image.name,
@@ -409,10 +440,10 @@ Inputs::Inputs(const Options& options, bool takesBinary)
         }
         report.images.emplace_back("image2",
                                    describeImage(options.image2.name, getName(facts2.type), image->getGeometry()));
-        image2 = asNumbers(readPart(std::move(other), options.part, report));
+        image2 = source.read(std::move(other), options, options.part)->getBinaryAsNumbers();
     }
     if (!options.masks.empty()) {
-        mask = readMask(options, facts, image->getGeometry(), report);
+        mask = readMask(options, facts, image->getGeometry(), report, source);
     }
 }
 
@@ -433,14 +464,14 @@ LabelledInputs::LabelledInputs(const Options& options)
                             toString(facts.geometry) + ": all images need the same size"};
         }
         facts = own;
-        images.push_back(asNumbers(readPart(std::move(other), options.part, report)));
+        images.push_back(source.read(std::move(other), options, options.part)->getBinaryAsNumbers());
         described.push_back(describeImage(image.name, getName(own.type), images.back()->getGeometry()));
     }
     origin = {options.part.x.begin, options.part.y.begin, options.part.z.begin, options.part.c.begin,
               options.part.t.begin};
     labels = images.empty()
-                 ? asNumbers(readPart(std::move(reader), options.part, report))
-                 : readAlong(std::move(reader), "label image", options, facts, images[0]->getGeometry(), report);
+                 ? source.read(std::move(reader), options, options.part)->getBinaryAsNumbers()
+                 : readAlong(std::move(reader), "label image", options, facts, images[0]->getGeometry(), source);
     describePart(options.part, facts.geometry, report.images.back().second);
     if (!images.empty()) {
         report.images.emplace_back("images", std::move(described));

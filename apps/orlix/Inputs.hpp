@@ -23,6 +23,27 @@ Report describeFile(const Options& options);
 /// The size of the image, before any part is cut out of it.
 image::ImageGeometry readSize(const Options& options);
 
+/// Images as they are measured: small ones in memory, of others what is needed when it is needed.
+class ImageSource
+{
+public:
+    /// A part of an image. Throws FileError.
+    Ptr<const image::BaseImage> read(files::ReaderPtr reader, const Options& options, const files::Part& part);
+    /// The same of one that may have fewer axes than the image that it goes with, which has this size.
+    Ptr<const image::BaseImage> readRepeated(files::ReaderPtr reader, const Options& options, const files::Part& part,
+                                             const image::ImageGeometry& size);
+    /// What a user should know of the pixels that were read; called when all were.
+    void addNotes(Report& report) const;
+
+private:
+    bool takesMemory(std::size_t bytes);
+
+    std::size_t inMemory_ = 0; // bytes
+    std::vector<Ptr<files::ImageReader>> readers_;
+};
+
+double countBytes(const image::BaseImage& image);
+
 /// The images of one result, with what a report says of them.
 struct Inputs
 {
@@ -35,6 +56,7 @@ struct Inputs
     files::ImageFacts facts;            ///< of the image
     files::Position origin{};           ///< of the part that is measured, in the image
     Report report;
+    ImageSource source;
 };
 
 /// A label image, and others of the same size.
@@ -47,6 +69,7 @@ struct LabelledInputs
     std::vector<Ptr<const image::BaseImage>> images;
     files::Position origin{}; ///< of the part that is measured, in the images
     Report report;
+    ImageSource source;
 };
 
 } // namespace orlix::app

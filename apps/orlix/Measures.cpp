@@ -6,13 +6,13 @@
 #include <orlix/Errors.hpp>
 #include <orlix/GpuSupport.hpp>
 #include <orlix/Inputs.hpp>
+#include <orlix/Progress.hpp>
 
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr/StatsMsr.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr2d/StatsMsr2d.hpp>
-#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/StatsMsr3d/StatsMsr3d.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GaussianNoiseMsr/GaussianNoiseMsr.hpp>
 #include <framework/attribute/HistogramData.hpp>
 #include <framework/attribute/KDEDataSet.hpp>
 #include <framework/attribute/Projection.hpp>
+#include <framework/attribute/StatsResult.hpp>
 #include <framework/core/Random.hpp>
 
 #include <algorithm>
@@ -25,7 +25,6 @@ namespace orlix::app
 {
 
 using namespace imaproc;
-using namespace imaproc::glbmsr;
 using files::ImageFacts;
 using image::BaseImage;
 using image::eImageBufferType;
@@ -67,6 +66,14 @@ void spreadResults(Report& report)
         row.erase("result");
         row.update(result);
     }
+}
+
+/// Without a name from the library, whose measures are on the list, the linker would leave it out.
+[[maybe_unused]] const auto volatile linked = &glbmsr::gaussianNoiseMsr;
+
+double countAllBytes(const Inputs& inputs)
+{
+    return countBytes(*inputs.image) + (inputs.image2 ? countBytes(*inputs.image2) : 0);
 }
 
 /// The form of a measure that the options ask for; that of the whole image where each plan or volume is one.
@@ -120,6 +127,35 @@ void noteNaN(Report& report)
          nanDeviations);
 }
 
+/// The form of a measure that takes one image, without a mask.
+const MeasureForm& findForm(const Measure& measure, const std::string& per)
+{
+    return *std::find_if(measure.forms.begin(), measure.forms.end(),
+                         [&](const MeasureForm& form) { return form.per == per && !form.needsMask(); });
+}
+
+/// The statistics of an image, of each of its plans, or of its volumes.
+std::vector<Ptr<const attr::StatsResult>> measureStatistics(const Options& options, const Ptr<const BaseImage>& image,
+                                                            const std::string& per)
+{
+    const std::vector<Measure> measures = MeasureList::getInstance().getMeasures();
+    const auto stats =
+        std::find_if(measures.begin(), measures.end(), [](const Measure& each) { return each.verb == "stats"; });
+    const Ptr<BaseProcessor> processor = findForm(*stats, per).create();
+    processor->getAttributes().front()->setImage(image);
+    Watch{options.image.name, countBytes(*image), 1, options.quiet}.run(processor);
+    const attr::BaseAttribute& output = *processor->getAttributes().back();
+    const attr::BasePlanIndexedColl* const parts = output.getCollection();
+    if (parts == nullptr) {
+        return {boost::static_pointer_cast<const attr::StatsResult>(output.shareRecord())};
+    }
+    std::vector<Ptr<const attr::StatsResult>> results;
+    for (std::size_t i = 0; i < parts->size(); ++i) {
+        results.push_back(boost::static_pointer_cast<const attr::StatsResult>(parts->getStorage(parts->getPlan(i))));
+    }
+    return results;
+}
+
 /// The pixels that each result covers: all, or those inside the mask.
 std::vector<double> countPixels(const Options& options, const Inputs& inputs, std::size_t nbResults)
 {
@@ -127,13 +163,10 @@ std::vector<double> countPixels(const Options& options, const Inputs& inputs, st
         const auto pixels = static_cast<double>(inputs.image->getGeometry().nbPixels());
         return std::vector(nbResults, pixels / static_cast<double>(nbResults));
     }
-    if (options.per != "plan" && options.per != "volume") {
-        return {statsMsr(inputs.mask)->Sum};
-    }
-    const auto parts = options.per == "plan" ? multiSlice_statsMsr2d(inputs.mask) : multiSlice_statsMsr3d(inputs.mask);
+    const bool isOfParts = options.per == "plan" || options.per == "volume";
     std::vector<double> pixels;
-    for (std::size_t i = 0; i < parts->size(); ++i) {
-        pixels.push_back(parts->getElement(i)->Sum);
+    for (const auto& part : measureStatistics(options, inputs.mask, isOfParts ? options.per : "image")) {
+        pixels.push_back(part->Sum);
     }
     return pixels;
 }
@@ -173,10 +206,9 @@ void noteEntropyClasses(const Options& options, const Ptr<const BaseImage>& imag
     }
     const bool isFloat = image->getType() == eImageBufferType::eIBT_Float32;
     std::size_t replaced = 0;
-    const auto ranges = multiSlice_statsMsr2d(image);
-    for (std::size_t i = 0; i < ranges->size(); ++i) {
-        const double min = options.number("min").value_or(ranges->getElement(i)->Min);
-        const double max = options.number("max").value_or(ranges->getElement(i)->Max);
+    for (const auto& range : measureStatistics(options, image, "plan")) {
+        const double min = options.number("min").value_or(range->Min);
+        const double max = options.number("max").value_or(range->Max);
         const double span = max - min + (isFloat ? 0 : 1);
         const double width = options.number("bin-width").value_or(span / options.number("classes").value_or(1));
         constexpr double mostClasses = std::numeric_limits<std::int32_t>::max();
@@ -216,10 +248,11 @@ void measureParts(const MeasureForm& form, const Options& options, const Inputs&
 {
     const image::PlanRange parts{inputs.image->getGeometry(), kind};
     const auto processor = form.create();
+    Watch watch{options.image.name, countAllBytes(inputs), parts.size(), options.quiet};
     for (std::size_t i = 0; i < parts.size(); ++i) {
         setImages(*processor, form, options, inputs, std::pair{parts[i], kind});
         prepare(*processor);
-        executeSyncRun(processor);
+        watch.run(processor);
         report.results.push_back(
             placeResult(parts[i], kind, inputs.origin, *processor->getAttributes().back()->getRecord()));
     }
@@ -267,31 +300,46 @@ ImageFacts describeProjection(const Options& options, const ImageFacts& facts)
     return kept;
 }
 
-/// The image's projection along z or the time, written to a file.
+/// The image's projection along z or the time, written to a file plan by plan.
 void projectStack(const MeasureForm& form, const Options& options, const Inputs& inputs, Report& report)
 {
     const Ptr<const BaseImage>& image = inputs.image;
+    const bool isAlongZ = options.axis == "z";
+    const ePlanKind kind = isAlongZ ? ePlanKind::ePK_Volume3d : ePlanKind::ePK_Sequence2d;
     image::ImageGeometry size = image->getGeometry();
-    (options.axis == "z" ? size.z : size.t) = 1;
+    (isAlongZ ? size.z : size.t) = 1;
+    const image::ImageGeometry planSize{size.x, size.y};
     const auto type = image::findImageBufferType(options.outType).value_or(image->getType());
-    const auto project = [&](eImageBufferType outType) {
-        auto output = BaseImage::create(outType, size);
+    Watch watch{options.image.name, countBytes(*image), size.z * size.c * size.t, options.quiet};
+    const auto project = [&](const Ptr<BaseImage>& output, const image::PlanIndex& plan) {
         const auto processor = form.create();
-        processor->getAttributes().front()->setImage(image);
+        processor->getAttributes().front()->setImage(image->getSubImage(plan, kind));
         processor->getAttributes().back()->setOutputImage(output);
         processor->setParameter("stat", options.text("stat"));
-        executeSyncRun(processor);
+        watch.run(processor);
         return output;
     };
-    const auto output = project(type);
-    const std::size_t limited = countLimited(*output, image->getType(), options.text("stat"),
-                                             [&] { return project(eImageBufferType::eIBT_Float32); });
+    files::TiffPages pages{options.output, type, size, describeProjection(options, inputs.facts)};
+    const std::size_t together = pages.getNbChannels();
+    std::size_t limited = 0;
+    const image::PlanRange plans{{size.x, size.y, size.c / together, size.z, size.t}, ePlanKind::ePK_Plan2d};
+    for (std::size_t i = 0; i < plans.size(); ++i) { // c fastest
+        const auto page = BaseImage::create(type, {size.x, size.y, 1, together});
+        for (unsigned k = 0; k < together; ++k) {
+            const image::PlanIndex plan{plans[i].c, static_cast<unsigned>(plans[i].z * together) + k, plans[i].t};
+            const auto output = project(page->getSubImage({0, k, 0}, ePlanKind::ePK_Plan2d), plan);
+            limited += countLimited(*output, image->getType(), options.text("stat"), [&] {
+                return project(BaseImage::create(eImageBufferType::eIBT_Float32, planSize), plan);
+            });
+        }
+        pages.write(*page);
+    }
+    pages.keep();
     if (limited != 0) {
         report.notes.push_back(options.output + ": " + std::to_string(limited) + " of " +
                                std::to_string(size.nbPixels()) + " pixels were limited to the range of " +
                                image::getName(type) + ": pass --out-type float32 to keep them");
     }
-    files::writeTiff(options.output, *output, describeProjection(options, inputs.facts));
     Json row{{"output", options.output}};
     row.update(describeImage(options.output, image::getName(type), size));
     row.erase("path");
@@ -410,11 +458,9 @@ void finishCount(const Options& options, const Inputs& inputs, Report& report)
         row["Count"] = row["Value"];
         row.erase("Value");
     }
-    const auto labels =
-        options.per == "volume" ? multiSlice_statsMsr3d(inputs.image) : multiSlice_statsMsr2d(inputs.image);
     std::size_t withoutBackground = 0;
-    for (std::size_t i = 0; i < labels->size(); ++i) {
-        withoutBackground += labels->getElement(i)->Min != 0;
+    for (const auto& part : measureStatistics(options, inputs.image, options.per == "volume" ? "volume" : "plan")) {
+        withoutBackground += part->Min != 0;
     }
     note(report, "the lowest label is not 0: it was taken for the background, and not counted", withoutBackground);
 }
@@ -523,7 +569,7 @@ Report runMeasure(const Measure& measure, const Options& options)
         const Ptr<BaseProcessor> processor = form.create();
         setImages(*processor, form, options, inputs);
         prepare(*processor);
-        executeSyncRun(processor);
+        Watch{options.image.name, countAllBytes(inputs), 1, options.quiet}.run(processor);
         const attr::BaseAttribute& output = *processor->getAttributes().back();
         if (const auto* const collection = output.getCollection()) {
             report.results = listResults(*collection, processor->getAttributes().front()->getPlanKind(), inputs.origin);
@@ -542,6 +588,7 @@ Report runMeasure(const Measure& measure, const Options& options)
     if (difference.finish != nullptr) {
         difference.finish(options, inputs, report);
     }
+    inputs.source.addNotes(report);
     return report;
 }
 
@@ -573,6 +620,7 @@ Report runProject(const Measure& measure, const Options& options)
     } else {
         projectStack(form, options, inputs, report);
     }
+    inputs.source.addNotes(report);
     return report;
 }
 

@@ -50,6 +50,7 @@ struct Options
     bool binary = false;
     bool gpu = false;
     unsigned threads = 0;
+    std::size_t memory = 0; ///< for pixels; 0: what is needed
     bool json = false;
     bool csv = false;
     bool quiet = false;

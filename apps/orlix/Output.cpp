@@ -171,8 +171,9 @@ std::vector<Json> spread(const Json& result, const Report& report)
         const bool isKnown = result["Min"].is_number() && result["BinWidth"].is_number();
         const double min = isKnown ? result["Min"].get<double>() : 0;
         const double width = isKnown ? result["BinWidth"].get<double>() : 0;
+        const Json rest = without({"Min", "Max", "BinWidth", "Frequencies"});
         for (std::size_t i = 0; i < result["Frequencies"].size(); ++i) {
-            Json row = without({"Min", "Max", "BinWidth", "Frequencies"});
+            Json row = rest;
             row["from"] = isKnown ? toJson(min + static_cast<double>(i) * width) : result["Min"];
             row["to"] = isKnown ? toJson(min + static_cast<double>(i + 1) * width) : result["Max"];
             row["frequency"] = result["Frequencies"][i];
@@ -181,8 +182,9 @@ std::vector<Json> spread(const Json& result, const Report& report)
         return rows;
     }
     if (result.contains("Coordinates")) {
+        const Json rest = without({"Coordinates"});
         for (const Json& at : result["Coordinates"]) {
-            Json row = without({"Coordinates"});
+            Json row = rest;
             for (std::size_t i = 0; i < at.size(); ++i) {
                 row[std::string{"xyz"[i]}] = at[i];
             }
@@ -192,8 +194,9 @@ std::vector<Json> spread(const Json& result, const Report& report)
     }
     for (const char* const vector : {"Values", "Samples"}) {
         if (result.contains(vector)) {
+            const Json rest = without({vector});
             for (std::size_t i = 0; i < result[vector].size(); ++i) {
-                Json row = without({vector});
+                Json row = rest;
                 row["index"] = i + report.firstIndex;
                 row["value"] = result[vector][i];
                 rows.push_back(std::move(row));

@@ -3,6 +3,7 @@
 #include <files/OutputFile.hpp>
 #include <orlix/Errors.hpp>
 #include <orlix/Inputs.hpp>
+#include <orlix/Progress.hpp>
 
 #include <ORLIX/Measures/Describe.hpp>
 #include <framework/process/StateBytes.hpp>
@@ -218,12 +219,14 @@ Report runState(const Measure& measure, const Options& options)
     files::Position at;
     std::optional<Extent> core;
     Report report;
+    ImageSource source;
     if (measure.forms.front().inputs.back().isList) {
         LabelledInputs inputs{options};
         images = {inputs.labels};
         images.insert(images.end(), inputs.images.begin(), inputs.images.end());
         at = inputs.origin;
         report = std::move(inputs.report);
+        source = std::move(inputs.source);
     } else {
         const auto [read, wideCore] = widenPart(options, state->getMargin());
         Inputs inputs{read};
@@ -235,11 +238,21 @@ Report runState(const Measure& measure, const Options& options)
         mask = inputs.mask ? ImageView{inputs.mask} : ImageView{};
         at = inputs.origin;
         report = std::move(inputs.report);
+        source = std::move(inputs.source);
     }
     report.measure = measure.verb;
+    double bytes = 0;
+    for (const ImageView& image : images) {
+        bytes += countBytes(*image);
+    }
+    int pass = 1;
     do {
-        state->add(images, mask, {at.x, at.y, at.z, at.c, at.t}, core);
+        const std::string name = options.image.name + (pass == 1 ? "" : ", pass " + std::to_string(pass));
+        Watch{name, bytes, 1, options.quiet}.run(
+            [&](const RunControl& run) { state->add(images, mask, at, core, run); });
+        ++pass;
     } while (options.saveState.empty() && state->nextPass());
+    source.addNotes(report);
     finish(*state, options, report);
     return report;
 }
