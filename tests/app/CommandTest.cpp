@@ -651,7 +651,13 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
 TEST_F(CommandTest, NotesWhatAUserShouldKnow)
 {
     const auto make = [&](const std::string& name, const auto& image) {
-        files::writeTiff(path(name), *image);
+        files::TiffPages pages{path(name), image->getType(), image->getGeometry()};
+        const image::ImageGeometry size = image->getGeometry();
+        const image::PlanRange plans{{size.x, size.y, size.c, size.z, size.t}, image::ePlanKind::ePK_Plan2d};
+        for (std::size_t i = 0; i < plans.size(); ++i) { // c fastest
+            pages.write(*image->getSubImage({plans[i].c, plans[i].z, plans[i].t}, image::ePlanKind::ePK_Plan2d));
+        }
+        pages.keep();
         return path(name);
     };
     constexpr float nan = std::numeric_limits<float>::quiet_NaN();
