@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <memory>
 
 namespace orlix::files
 {
@@ -169,11 +168,11 @@ private:
             return;
         }
         if (span <= mostAtOnce) {
-            const auto buffer = std::make_unique_for_overwrite<std::byte[]>(static_cast<std::size_t>(span));
-            bytes_->read(offset, static_cast<std::size_t>(span), buffer.get());
+            const ByteBlock buffer{static_cast<std::size_t>(span)};
+            bytes_->read(offset, buffer.size(), buffer.data());
             std::array<Stretch, 5> inner{};
             std::copy_n(axes.begin(), count, inner.begin());
-            copyPixels(buffer.get(), to, pixelSize, inner);
+            copyPixels(buffer.data(), to, pixelSize, inner);
             return;
         }
         // As many steps of the outermost axis as the buffer holds.

@@ -238,6 +238,12 @@ std::unique_ptr<Bytes> openBytes(const std::string& path, const std::string& nam
     return std::make_unique<FileBytes>(path, name);
 }
 
+ByteBlock::ByteBlock(std::size_t size) : size_{size}
+{
+    static const auto pool = std::make_shared<image::BlockPool>();
+    bytes_ = size == 0 ? nullptr : image::BlockPool::take(pool, size);
+}
+
 std::unique_ptr<Bytes> openCompressedBytes(const std::string& path, const std::string& name, std::uint64_t offset,
                                            const std::string& method)
 {

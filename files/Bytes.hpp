@@ -1,5 +1,7 @@
 #pragma once
 
+#include <framework/image/SourceBuffer.hpp>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -23,6 +25,21 @@ public:
 
 private:
     int descriptor_;
+};
+
+/// Bytes that are not set to anything, in memory that is used again.
+class ByteBlock
+{
+public:
+    explicit ByteBlock(std::size_t size = 0);
+
+    std::byte* data() const { return bytes_.get(); }
+    std::size_t size() const { return size_; }
+    void shorten(std::size_t size) { size_ = size; }
+
+private:
+    Ptr<std::byte> bytes_;
+    std::size_t size_;
 };
 
 /// Bytes that are read from anywhere, on any thread: a file, or what a compressed file holds.

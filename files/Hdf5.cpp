@@ -458,7 +458,7 @@ private:
         for (std::size_t i = 0; i < count; ++i) {
             first[i] = wanted[i].begin / chunk_[i] * chunk_[i];
         }
-        std::vector<std::byte> chunk;
+        ByteBlock chunk;
         std::vector<hsize_t> at = first;
         for (std::size_t i = 0;;) {
             const bool isThere = loadChunk(at, chunk);
@@ -489,9 +489,9 @@ private:
     }
 
     /// The elements of the chunk that begins at a place; false where it is not in the file.
-    bool loadChunk(const std::vector<hsize_t>& at, std::vector<std::byte>& chunk) const
+    bool loadChunk(const std::vector<hsize_t>& at, ByteBlock& chunk) const
     {
-        std::vector<std::byte> stored;
+        ByteBlock stored;
         std::uint32_t skipped = 0; // filters
         {
             const std::lock_guard lock{getLibraryMutex()};
@@ -499,7 +499,7 @@ private:
             if (::H5Dget_chunk_storage_size(dataset_.get(), at.data(), &size) < 0 || size == 0) {
                 return false;
             }
-            stored.resize(size);
+            stored = ByteBlock{size};
             if (::H5Dread_chunk(dataset_.get(), H5P_DEFAULT, at.data(), &skipped, stored.data()) < 0) {
                 failChunk(at);
             }
@@ -519,11 +519,11 @@ private:
                 // A checksum may lie inside what is compressed.
                 const auto sums = static_cast<std::size_t>(std::count(
                     filters_.begin(), filters_.begin() + static_cast<std::ptrdiff_t>(i), H5Z_FILTER_FLETCHER32));
-                std::vector<std::byte> inflated(bytes + 4 * sums);
+                const ByteBlock inflated{bytes + 4 * sums};
                 if (!decompress("zlib", stored.data(), stored.size(), inflated.data(), inflated.size())) {
                     failChunk(at);
                 }
-                stored = std::move(inflated);
+                stored = inflated;
             } else {
                 stored = unshuffle(stored, pixelSize);
             }
@@ -534,7 +534,7 @@ private:
         if (isSwapped_) {
             swapBytes(stored.data(), pixelSize, bytes / pixelSize);
         }
-        chunk = std::move(stored);
+        chunk = stored;
         return true;
     }
 
@@ -548,40 +548,40 @@ private:
     }
 
     /// Bytes of one weight that lie together go back to their elements.
-    static std::vector<std::byte> unshuffle(const std::vector<std::byte>& from, std::size_t pixelSize)
+    static ByteBlock unshuffle(const ByteBlock& from, std::size_t pixelSize)
     {
-        std::vector<std::byte> to(from.size());
+        const ByteBlock to{from.size()};
         const std::size_t count = from.size() / pixelSize;
         for (std::size_t byte = 0; byte < pixelSize; ++byte) {
             const std::byte* const plane = from.data() + byte * count;
             for (std::size_t i = 0; i < count; ++i) {
-                to[i * pixelSize + byte] = plane[i];
+                to.data()[i * pixelSize + byte] = plane[i];
             }
         }
-        std::copy(from.begin() + static_cast<std::ptrdiff_t>(count * pixelSize), from.end(),
-                  to.begin() + static_cast<std::ptrdiff_t>(count * pixelSize));
+        std::copy(from.data() + count * pixelSize, from.data() + from.size(), to.data() + count * pixelSize);
         return to;
     }
 
     /// Takes the checksum off the end: that of Fletcher, of 16-bit words with the high byte first.
-    void checkSum(std::vector<std::byte>& bytes, const std::vector<hsize_t>& at) const
+    void checkSum(ByteBlock& bytes, const std::vector<hsize_t>& at) const
     {
         std::uint32_t stated = 0;
         if (bytes.size() < sizeof stated) {
             failChunk(at);
         }
         std::memcpy(&stated, bytes.data() + bytes.size() - sizeof stated, sizeof stated);
-        bytes.resize(bytes.size() - sizeof stated);
+        bytes.shorten(bytes.size() - sizeof stated);
+        const std::byte* const words = bytes.data();
         std::uint32_t low = 0;
         std::uint32_t high = 0;
         constexpr std::uint32_t modulus = 65535;
         for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-            low = (low + (static_cast<std::uint32_t>(bytes[i]) << 8 | static_cast<std::uint32_t>(bytes[i + 1]))) %
+            low = (low + (static_cast<std::uint32_t>(words[i]) << 8 | static_cast<std::uint32_t>(words[i + 1]))) %
                   modulus;
             high = (high + low) % modulus;
         }
         if (bytes.size() % 2 != 0) {
-            low = (low + (static_cast<std::uint32_t>(bytes.back()) << 8)) % modulus;
+            low = (low + (static_cast<std::uint32_t>(words[bytes.size() - 1]) << 8)) % modulus;
             high = (high + low) % modulus;
         }
         // 0 and 65535 are one number there.
@@ -620,7 +620,7 @@ private:
                 return;
             }
         }
-        std::vector<std::byte> buffer(bytes);
+        const ByteBlock buffer{bytes};
         readHyperslab(block, buffer.data());
         // Five axes at most are longer than one pixel.
         std::array<Stretch, 5> axes{};

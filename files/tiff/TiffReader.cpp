@@ -142,10 +142,10 @@ private:
         const bool isInPlace = box.size.x == page_.x && target.strides.y == static_cast<std::ptrdiff_t>(rowBytes);
         constexpr std::size_t mostAtOnce = std::size_t{1} << 20;
         const std::size_t rows = isInPlace ? box.size.y : std::clamp<std::size_t>(mostAtOnce / rowBytes, 1, box.size.y);
-        const auto buffer = std::make_unique_for_overwrite<std::byte[]>(isInPlace ? 0 : rows * rowBytes);
+        const ByteBlock buffer{isInPlace ? 0 : rows * rowBytes};
         for (std::size_t y = 0; y < box.size.y; y += rows) {
             const std::size_t count = std::min(rows, box.size.y - y);
-            std::byte* const to = isInPlace ? target.row(y) : buffer.get();
+            std::byte* const to = isInPlace ? target.row(y) : buffer.data();
             try {
                 file.getBytes().read(offset + (box.begin.y + y) * rowBytes, count * rowBytes, to);
             } catch (const FileError& error) {
@@ -319,17 +319,17 @@ private:
             file.fail(page + " holds a volume in compressed tiles of several planes, which is not supported: save it "
                              "with a page per plane");
         }
-        std::vector<std::byte> raw(TIFFGetStrileByteCount(file.get(), tile));
+        ByteBlock raw{TIFFGetStrileByteCount(file.get(), tile)};
         if (TIFFReadRawTile(file.get(), tile, raw.data(), static_cast<tmsize_t>(raw.size())) !=
             static_cast<tmsize_t>(raw.size())) {
             failPixels(file, page);
         }
         if (isDeflated) {
-            std::vector<std::byte> inflated(bytes);
+            const ByteBlock inflated{bytes};
             if (!decompress("zlib", raw.data(), raw.size(), inflated.data(), bytes)) {
                 failPixels(file, page);
             }
-            raw = std::move(inflated);
+            raw = inflated;
         }
         if (raw.size() != bytes) {
             failPixels(file, page);
@@ -337,7 +337,7 @@ private:
         if (TIFFIsByteSwapped(file.get()) != 0) {
             swapBytes(raw.data(), getPixelSize(facts_.type), bytes / getPixelSize(facts_.type));
         }
-        std::copy(raw.begin(), raw.end(), to);
+        std::copy_n(raw.data(), bytes, to);
     }
 
     [[noreturn]] static void failPixels(const TiffCursor& file, const std::string& page)

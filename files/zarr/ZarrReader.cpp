@@ -245,7 +245,7 @@ private:
             if (offset > size || count > size - offset) {
                 fail("its chunk " + name + " is cut short");
             }
-            std::vector<std::byte> loaded(count);
+            const ByteBlock loaded{count};
             bytes->read(offset, loaded.size(), loaded.data());
             return loaded;
         };
@@ -257,12 +257,10 @@ private:
         }
     }
 
-    using Load = std::function<std::vector<std::byte>(std::uint64_t offset, std::uint64_t count)>;
-
-    using Bytes = std::vector<std::byte>;
+    using Load = std::function<ByteBlock(std::uint64_t offset, std::uint64_t count)>;
 
     /// Where the chunks of a shard lie in it. The last ones that were asked for are kept.
-    std::shared_ptr<const Bytes> findIndex(const std::string& name, std::uint64_t size, const Load& load)
+    std::shared_ptr<const ByteBlock> findIndex(const std::string& name, std::uint64_t size, const Load& load)
     {
         {
             const std::lock_guard lock{mutex_};
@@ -278,7 +276,7 @@ private:
         if (indexBytes > size) {
             fail("its chunk " + name + " is cut short");
         }
-        auto index = std::make_shared<Bytes>(load(shard.isIndexAtEnd ? size - indexBytes : 0, indexBytes));
+        auto index = std::make_shared<ByteBlock>(load(shard.isIndexAtEnd ? size - indexBytes : 0, indexBytes));
         for (std::size_t i = 0; i < shard.indexCodecs.size(); ++i) {
             checkSeal(*index, name);
         }
@@ -319,14 +317,14 @@ private:
     }
 
     /// Takes the checksum off the end of bytes.
-    void checkSeal(std::vector<std::byte>& bytes, const std::string& name) const
+    void checkSeal(ByteBlock& bytes, const std::string& name) const
     {
         std::uint32_t stated = 0;
         if (bytes.size() < sizeof stated) {
             fail("its chunk " + name + " is cut short");
         }
         std::memcpy(&stated, bytes.data() + bytes.size() - sizeof stated, sizeof stated);
-        bytes.resize(bytes.size() - sizeof stated);
+        bytes.shorten(bytes.size() - sizeof stated);
         constexpr std::uint32_t castagnoli = 0x1EDC6F41;
         boost::crc_optimal<32, castagnoli, 0xFFFFFFFF, 0xFFFFFFFF, true, true> crc;
         crc.process_bytes(bytes.data(), bytes.size());
@@ -335,7 +333,7 @@ private:
         }
     }
 
-    std::vector<std::byte> decode(const ZarrChunks& chunks, std::vector<std::byte> bytes, const std::string& name) const
+    ByteBlock decode(const ZarrChunks& chunks, ByteBlock bytes, const std::string& name) const
     {
         const std::size_t size = chunks.nbElements() * getPixelSize(array_.type);
         for (auto codec = chunks.codecs.rbegin(); codec != chunks.codecs.rend(); ++codec) {
@@ -346,12 +344,12 @@ private:
             // A checksum may lie inside what is compressed.
             const auto seals = static_cast<std::size_t>(std::count_if(
                 chunks.codecs.begin(), codec.base() - 1, [](const std::string& each) { return each == "crc32c"; }));
-            std::vector<std::byte> decoded(size + 4 * seals);
+            const ByteBlock decoded{size + 4 * seals};
             if (!decompressChunk(*codec, bytes, decoded)) {
                 fail("its chunk " + name + " is damaged: it holds no " + std::to_string(decoded.size()) +
                      " bytes compressed with " + *codec);
             }
-            bytes = std::move(decoded);
+            bytes = decoded;
         }
         if (bytes.size() != size) {
             fail("its chunk " + name + " has " + std::to_string(bytes.size()) + " bytes, where " +
@@ -363,8 +361,7 @@ private:
         return bytes;
     }
 
-    static bool decompressChunk(const std::string& method, const std::vector<std::byte>& from,
-                                std::vector<std::byte>& to)
+    static bool decompressChunk(const std::string& method, const ByteBlock& from, const ByteBlock& to)
     {
         if (method == "blosc") {
             std::size_t size = 0;
@@ -372,7 +369,12 @@ private:
                    ::blosc_decompress_ctx(from.data(), to.data(), to.size(), 1) == static_cast<int>(to.size());
         }
         if (method == "zstd") {
-            return ::ZSTD_decompress(to.data(), to.size(), from.data(), from.size()) == to.size();
+            struct Free
+            {
+                void operator()(::ZSTD_DCtx* decoder) const { ::ZSTD_freeDCtx(decoder); }
+            };
+            static thread_local const std::unique_ptr<::ZSTD_DCtx, Free> decoder{::ZSTD_createDCtx()};
+            return ::ZSTD_decompressDCtx(decoder.get(), to.data(), to.size(), from.data(), from.size()) == to.size();
         }
         return decompress(method == "bz2" ? "bzip2" : method, from.data(), from.size(), to.data(), to.size());
     }
@@ -389,7 +391,7 @@ private:
         return strides;
     }
 
-    void copyChunk(const ZarrChunks& chunks, const std::vector<std::byte>& elements, const Wanted& part) const
+    void copyChunk(const ZarrChunks& chunks, const ByteBlock& elements, const Wanted& part) const
     {
         const std::vector<std::int64_t> strides = findStrides(chunks);
         std::int64_t offset = 0;
@@ -423,7 +425,7 @@ private:
     std::unique_ptr<SeenSet> read_;
     std::unique_ptr<SeenSet> missing_;
     std::mutex mutex_;
-    std::vector<std::pair<std::string, std::shared_ptr<const Bytes>>> indices_; // by shard
+    std::vector<std::pair<std::string, std::shared_ptr<const ByteBlock>>> indices_; // by shard
 };
 } // namespace
 

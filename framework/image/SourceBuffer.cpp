@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <chrono>
 #include <cstring>
 #include <new>
@@ -81,14 +82,16 @@ void BlockPool::Free::operator()(std::byte* bytes) const
 
 Ptr<std::byte> BlockPool::take(const std::shared_ptr<BlockPool>& pool, std::size_t bytes)
 {
+    // Of few sizes, four in each power of two, so that blocks fit others as well.
     constexpr std::size_t page = 4096;
-    const std::size_t size = std::max<std::size_t>(1, (bytes + page - 1) / page) * page;
+    const std::size_t step = std::max(page, std::bit_ceil(bytes / 8 + 1));
+    const std::size_t size = std::max<std::size_t>(1, (bytes + step - 1) / step) * step;
     Block block;
     {
         const std::lock_guard lock{pool->mutex_};
-        const auto fits = [&](const Block& each) { return size <= each.size() && each.size() <= size + size / 4; };
         // The last one that was given back is still in the cache.
-        const auto found = std::find_if(pool->blocks_.rbegin(), pool->blocks_.rend(), fits);
+        const auto found = std::find_if(pool->blocks_.rbegin(), pool->blocks_.rend(),
+                                        [&](const Block& each) { return each.size() == size; });
         if (found != pool->blocks_.rend()) {
             block = std::move(*found);
             pool->blocks_.erase(found.base() - 1);

@@ -39,11 +39,11 @@ private:
     std::size_t bytes_;
 };
 
-/// Blocks of memory that are used again.
-class BlockPool
+/// Blocks of memory that are used again, so that what comes piece by piece needs no fresh pages for each.
+class ORLIX_API BlockPool
 {
 public:
-    /// At least so many bytes, in pages of their own.
+    /// At least so many bytes, in pages of their own, not set to anything.
     static Ptr<std::byte> take(const std::shared_ptr<BlockPool>& pool, std::size_t bytes);
 
 private:
