@@ -240,8 +240,7 @@ std::unique_ptr<Bytes> openBytes(const std::string& path, const std::string& nam
 
 ByteBlock::ByteBlock(std::size_t size) : size_{size}
 {
-    static const auto pool = std::make_shared<image::BlockPool>();
-    bytes_ = size == 0 ? nullptr : image::BlockPool::take(pool, size);
+    bytes_ = size == 0 ? nullptr : image::takeBlock(size);
 }
 
 std::unique_ptr<Bytes> openCompressedBytes(const std::string& path, const std::string& name, std::uint64_t offset,

@@ -206,12 +206,21 @@ std::pair<std::string, std::string> findLetters(hid_t dataset)
     return isNamed ? std::pair{letters, std::string{"dimension labels"}} : std::pair<std::string, std::string>{};
 }
 
-/// The library runs one call at a time.
-std::recursive_mutex& getLibraryMutex()
+/// The library runs one call at a time, and prints no errors.
+class LibraryLock
 {
-    static std::recursive_mutex mutex;
-    return mutex;
-}
+public:
+    LibraryLock() : lock_{getMutex()} { ::H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr); } // of this thread
+
+private:
+    static std::recursive_mutex& getMutex()
+    {
+        static std::recursive_mutex mutex;
+        return mutex;
+    }
+
+    std::lock_guard<std::recursive_mutex> lock_;
+};
 
 class Hdf5Reader final : public ImageReader
 {
@@ -247,7 +256,7 @@ public:
 
     ~Hdf5Reader() override
     {
-        const std::lock_guard lock{getLibraryMutex()};
+        const LibraryLock lock;
         for (Handle* const each : {&memoryType_, &dataset_, &file_}) {
             *each = Handle{H5I_INVALID_HID, &::H5Fclose};
         }
@@ -264,7 +273,7 @@ public:
             forEachChunk(wanted, target.first);
             return;
         }
-        const std::lock_guard lock{getLibraryMutex()};
+        const LibraryLock lock;
         readBlock(wanted, target.first);
     }
 
@@ -359,7 +368,9 @@ private:
         isSwapped_ = ::H5Tequal(type.get(), memoryType_.get()) <= 0;
         const bool isPlain = facts_.members.empty() && (!isSwapped_ || ::H5Tequal(type.get(), swapped.get()) > 0);
         const H5D_layout_t layout = ::H5Pget_layout(creation.get());
-        decodesChunks_ = isPlain && layout == H5D_CHUNKED;
+        unsigned edges = 0; // whether those at borders are stored in another way
+        ::H5Pget_chunk_opts(creation.get(), &edges);
+        decodesChunks_ = isPlain && layout == H5D_CHUNKED && edges == 0;
         findFilters(creation.get());
         for (std::size_t axis = 0; axis < axes_.dimensions.size() && layout == H5D_CHUNKED; ++axis) {
             const std::array<std::size_t*, 5> sides{&layout_.block.x, &layout_.block.y, &layout_.block.z,
@@ -494,9 +505,12 @@ private:
         ByteBlock stored;
         std::uint32_t skipped = 0; // filters
         {
-            const std::lock_guard lock{getLibraryMutex()};
+            const LibraryLock lock;
             hsize_t size = 0;
-            if (::H5Dget_chunk_storage_size(dataset_.get(), at.data(), &size) < 0 || size == 0) {
+            if (::H5Dget_chunk_storage_size(dataset_.get(), at.data(), &size) < 0) {
+                failChunk(at);
+            }
+            if (size == 0) {
                 return false;
             }
             stored = ByteBlock{size};
@@ -668,8 +682,7 @@ private:
 
 ReaderPtr openHdf5(const Source& source)
 {
-    const std::lock_guard lock{getLibraryMutex()};
-    ::H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr); // it prints otherwise
+    const LibraryLock lock;
     return std::make_unique<Hdf5Reader>(source);
 }
 

@@ -36,8 +36,9 @@ public:
         facts_.type = type;
         facts_.convertedFrom = from_;
         const image::ImageGeometry& size = facts_.geometry;
-        rows_ = std::make_unique<SeenSet>(size.y * size.z * size.c * size.t);
-        changed_ = std::make_unique<SeenSet>(size.y * size.z * size.c * size.t);
+        const std::size_t columns = columnOf(size.x) + 1;
+        rows_ = std::make_unique<SeenSet>(columns * size.y * size.z * size.c * size.t);
+        changed_ = std::make_unique<SeenSet>(columns * size.y * size.z * size.c * size.t);
         if (isScaled_) {
             scale_ = facts_.scale;
             facts_.scale = {};
@@ -125,11 +126,18 @@ private:
         return at;
     }
 
-    /// Each row counts once, however often it is read.
+    /// Which of the columns of what is decoded together a pixel is in.
+    std::size_t columnOf(std::size_t x) const
+    {
+        return layout_.block.x > 1 ? (x + layout_.phase.x) / layout_.block.x : 0;
+    }
+
+    /// Each row of what is decoded together counts once, however often it is read.
     void count(const Position& row, std::size_t nbPixels, std::uint64_t nbChanged)
     {
         const image::ImageGeometry& size = facts_.geometry;
-        const std::uint64_t number = ((row.t * size.c + row.c) * size.z + row.z) * size.y + row.y;
+        const std::uint64_t line = ((row.t * size.c + row.c) * size.z + row.z) * size.y + row.y;
+        const std::uint64_t number = line * (columnOf(size.x) + 1) + columnOf(row.x);
         rows_->add(number, nbPixels);
         if (nbChanged != 0) {
             changed_->add(number, nbChanged);

@@ -56,9 +56,10 @@ OutputFile::OutputFile(const fs::path& target)
     ::close(file);
     std::strncpy(unfinished, path_.c_str(), sizeof unfinished - 1);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        const auto old = std::signal(signal, removeUnfinished);
-        if (old != SIG_DFL && old != removeUnfinished) {
-            std::signal(signal, old); // ignored, as nohup wants it, or seen to by the program
+        struct ::sigaction old = {};
+        ::sigaction(signal, nullptr, &old);
+        if (old.sa_handler == SIG_DFL) { // not ignored, as nohup wants it, nor seen to by the program
+            std::signal(signal, removeUnfinished);
         }
     }
     std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is an error like others

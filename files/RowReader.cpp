@@ -19,10 +19,12 @@ void RowReader::fetch(const Box& box, const PixelTarget& target)
         restart();
         next_ = 0;
     }
-    for (; next_ < box.begin.y + box.size.y; ++next_) {
+    constexpr std::size_t ended = ~std::size_t{0};
+    for (std::size_t next = next_; next < box.begin.y + box.size.y; next_ = ++next) {
+        next_ = ended; // a decoder that fails begins anew
         decodeRow(row_.data());
-        if (next_ >= box.begin.y) {
-            copyPixels(row_.data() + (box.begin.x * size.c + box.begin.c) * pixelSize, target.row(next_ - box.begin.y),
+        if (next >= box.begin.y) {
+            copyPixels(row_.data() + (box.begin.x * size.c + box.begin.c) * pixelSize, target.row(next - box.begin.y),
                        pixelSize,
                        {Stretch{box.size.x, step, static_cast<std::int64_t>(pixelSize)},
                         Stretch{box.size.c, static_cast<std::int64_t>(pixelSize), target.strides.c}});
@@ -30,7 +32,7 @@ void RowReader::fetch(const Box& box, const PixelTarget& target)
     }
     if (next_ == size.y) {
         finish();
-        next_ = ~std::size_t{0};
+        next_ = ended;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <files/OutputFile.hpp>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <csignal>
 #include <cstdio>
@@ -18,15 +19,15 @@ namespace
 constexpr std::chrono::milliseconds tickTime{50};
 constexpr std::chrono::milliseconds patience{500}; // before there is a bar
 
-volatile std::sig_atomic_t isInterrupted = 0;
+std::atomic<bool> isInterrupted{false};
+std::atomic<bool> isWatched{false}; // a run, which can be cancelled
 
 void interrupt(int)
 {
-    if (isInterrupted != 0) {
+    if (!isWatched || isInterrupted.exchange(true)) {
         files::removeUnfinishedFile();
         ::_exit(interruptedStatus);
     }
-    isInterrupted = 1;
 }
 
 /// "1.2 GB/s"
@@ -79,7 +80,7 @@ void catchInterrupts()
 
 void checkInterrupt()
 {
-    if (isInterrupted != 0) {
+    if (isInterrupted) {
         throw Interrupted{};
     }
 }
@@ -112,7 +113,9 @@ void Watch::watch(std::function<double()> getProgress, std::function<void()> can
         getProgress_ = std::move(getProgress);
         cancel_ = std::move(cancel);
     }
+    isWatched = true;
     const auto end = [this] {
+        isWatched = false;
         const std::lock_guard lock{mutex_};
         getProgress_ = nullptr;
         cancel_ = nullptr;
@@ -146,10 +149,10 @@ void Watch::tick()
 {
     std::unique_lock lock{mutex_};
     while (!changed_.wait_for(lock, tickTime, [this] { return ends_; })) {
-        if (isInterrupted != 0 && cancel_) {
+        if (isInterrupted && cancel_) {
             cancel_();
         }
-        if (isShown_ && isInterrupted == 0 && std::chrono::steady_clock::now() - start_ > patience) {
+        if (isShown_ && !isInterrupted && std::chrono::steady_clock::now() - start_ > patience) {
             const double current = getProgress_ ? getProgress_() : 0;
             draw(std::min(1.0, (static_cast<double>(nbDone_) + current) / static_cast<double>(nbRuns_)));
         }

@@ -3,7 +3,6 @@
 #include <framework/process/BaseProcessor.hpp>
 #include <framework/process/MeasureState.hpp>
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -20,7 +19,7 @@ struct Interrupted
 };
 inline constexpr int interruptedStatus = 130; ///< of the program then
 
-/// Lets Ctrl-C end what a Watch watches; a second one ends the program at once.
+/// Lets Ctrl-C end what a Watch watches; otherwise, and the second time, it ends the program at once.
 void catchInterrupts();
 /// Throws Interrupted where the user has asked to end.
 void checkInterrupt();

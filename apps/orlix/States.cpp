@@ -149,10 +149,15 @@ void finish(const BaseMeasureState& state, const Options& options, Report& repor
             report.columnNames[name] = {field.info.columnNames.begin(), field.info.columnNames.end()};
         }
     }
-    report.emptyRow = makeEmptyRow(results);
+    if (report.emptyRow.is_null()) {
+        report.emptyRow = makeEmptyRow(results);
+    }
     for (const std::string& note : results.notes) {
         const bool hasImage = !report.images.empty();
-        report.notes.push_back((hasImage ? report.images.front().second["path"].get<std::string>() + ": " : "") + note);
+        std::string named = (hasImage ? report.images.front().second["path"].get<std::string>() + ": " : "") + note;
+        if (std::find(report.notes.begin(), report.notes.end(), named) == report.notes.end()) {
+            report.notes.push_back(std::move(named));
+        }
     }
 }
 
@@ -209,6 +214,37 @@ std::pair<Options, std::optional<Extent>> widenPart(const Options& options, std:
     return {wide, core};
 }
 
+/// The planes of an image, which begins at a place, in groups of those that are decoded together: of so many that a
+/// state, which keeps what it has of each plane until the end, takes little memory.
+std::vector<Extent> groupPlanes(const image::BaseImage& image, const Position& at)
+{
+    constexpr std::size_t most = 64;
+    const image::ImageGeometry& size = image.getGeometry();
+    const image::SourceLayout layout = image.getLayout();
+    const image::ImageGeometry& block = layout.block;
+    const std::size_t layers = std::max<std::size_t>(1, most / (block.z * block.c * block.t));
+    const auto cut = [](std::size_t whole, std::size_t step, std::uint64_t phase) {
+        std::vector<std::uint64_t> cuts{0};
+        while (cuts.back() < whole) {
+            cuts.push_back(std::min<std::uint64_t>(whole, cuts.back() + step - (cuts.back() + phase) % step));
+        }
+        return cuts;
+    };
+    const auto z = cut(size.z, block.z * layers, layout.phase.z);
+    const auto c = cut(size.c, block.c, layout.phase.c);
+    const auto t = cut(size.t, block.t, layout.phase.t);
+    std::vector<Extent> groups;
+    for (std::size_t k = 0; k + 1 < t.size(); ++k) {
+        for (std::size_t j = 0; j + 1 < c.size(); ++j) {
+            for (std::size_t i = 0; i + 1 < z.size(); ++i) {
+                groups.push_back({{at.x, at.y, at.z + z[i], at.c + c[j], at.t + t[k]},
+                                  {at.x + size.x, at.y + size.y, at.z + z[i + 1], at.c + c[j + 1], at.t + t[k + 1]}});
+            }
+        }
+    }
+    return groups;
+}
+
 } // namespace
 
 Report runState(const Measure& measure, const Options& options)
@@ -244,6 +280,24 @@ Report runState(const Measure& measure, const Options& options)
     double bytes = 0;
     for (const ImageView& image : images) {
         bytes += countBytes(*image);
+    }
+    const bool isByPlane = options.per == "plan" && options.saveState.empty() && options.nextPass.empty();
+    if (const auto groups = isByPlane ? groupPlanes(*images[0], at) : std::vector<Extent>{}; groups.size() > 1) {
+        Watch watch{options.image.name, bytes, groups.size(), options.quiet};
+        for (const Extent& group : groups) {
+            const StatePtr part = state->clone();
+            watch.run([&](const RunControl& run) {
+                do {
+                    part->add(images, mask, at, group, run);
+                } while (part->nextPass());
+            });
+            finish(*part, options, report);
+        }
+        const auto place = [](const Json& row) { return std::tuple{row["t"], row["c"], row["z"]}; };
+        std::stable_sort(report.results.begin(), report.results.end(),
+                         [&](const Json& a, const Json& b) { return place(a) < place(b); });
+        source.addNotes(report);
+        return report;
     }
     int pass = 1;
     do {

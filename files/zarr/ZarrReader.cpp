@@ -233,8 +233,11 @@ private:
         for (std::size_t i = 0; i < chunk.size(); ++i) {
             origin[i] = chunk[i] * array_.chunks.shape[i];
         }
-        std::error_code none;
-        if (!fs::exists(path, none)) {
+        std::error_code error;
+        if (!fs::exists(path, error)) {
+            if (error) {
+                fail("its chunk " + name + " cannot be read (" + error.message() + ")");
+            }
             count(origin, part, true);
             fillPart(array_.chunks, part);
             return;

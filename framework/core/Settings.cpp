@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <thread>
+#include <unistd.h>
 
 namespace orlix::core::settings
 {
@@ -59,6 +60,11 @@ void setPixelMemory(std::size_t bytes)
 std::size_t getPixelMemory()
 {
     return pixelMemory.load(std::memory_order_relaxed);
+}
+
+std::size_t getMachineMemory()
+{
+    return static_cast<std::size_t>(::sysconf(_SC_PHYS_PAGES)) * static_cast<std::size_t>(::sysconf(_SC_PAGE_SIZE));
 }
 
 } // namespace orlix::core::settings

@@ -33,4 +33,7 @@ ORLIX_API void setPixelMemory(std::size_t bytes);
 /// 0: as much as is needed.
 ORLIX_API std::size_t getPixelMemory();
 
+/// The machine's memory in bytes.
+ORLIX_API std::size_t getMachineMemory();
+
 } // namespace orlix::core::settings

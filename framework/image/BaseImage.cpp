@@ -1,6 +1,7 @@
 #include <framework/image/BaseImage.hpp>
 
 #include <framework/core/Message.hpp>
+#include <framework/core/Settings.hpp>
 #include <framework/data/Archive.hpp>
 #include <framework/data/DynamicClassRegistration.hpp>
 #include <framework/image/BufferSize.hpp>
@@ -15,7 +16,6 @@
 #include <limits>
 #include <new>
 #include <optional>
-#include <unistd.h>
 
 namespace orlix::image
 {
@@ -235,8 +235,7 @@ Ptr<const BaseImage> BaseImage::loadAll() const
     if (!source_) {
         return makePtr<BaseImage>(*this);
     }
-    const auto memory =
-        static_cast<std::size_t>(::sysconf(_SC_PHYS_PAGES)) * static_cast<std::size_t>(::sysconf(_SC_PAGE_SIZE));
+    const std::size_t memory = core::settings::getMachineMemory();
     if (const std::size_t bytes = checkedBufferSize(type_, geometry_); bytes > memory) {
         raise(ORLIX_HERE, eImageMessage::eIM_NoMemory, toString(geometry_), bytes >> 20, memory >> 20);
     }

@@ -79,7 +79,7 @@ public:
     virtual ~PixelSource();
 
     /// Writes the pixels of a box, which lies in the image. Several threads call it at once. What it throws fails the
-    /// measure with that text.
+    /// measure with its text.
     virtual void fetch(const Box& box, const PixelTarget& target) = 0;
     virtual SourceLayout getLayout() const { return {}; }
 };

@@ -1,14 +1,21 @@
 #include <framework/image/SourceBuffer.hpp>
 
 #include <framework/core/Settings.hpp>
+#include <framework/image/BaseImage.hpp>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <bit>
 #include <chrono>
+#include <condition_variable>
 #include <cstring>
+#include <map>
 #include <new>
+#include <optional>
+#include <string>
 #include <sys/mman.h>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 
@@ -21,12 +28,11 @@ namespace
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
 constexpr std::size_t cellBytes = mebibyte; // at least, where an image has them
 constexpr std::size_t readAheadBytes = 4 * cellBytes;
-constexpr std::size_t defaultRoom = 64 * mebibyte;   // of what workers have loaded
-constexpr std::size_t defaultCells = 256 * mebibyte; // of the cells of all images
-
-std::mutex roomMutex;
-std::condition_variable roomChanged;
-std::size_t roomTaken = 0;
+// Together with blocks that are free, and with two planes more for the first and the last: less than 400 MiB and four
+// planes.
+constexpr std::size_t defaultRoom = 48 * mebibyte;   // of what workers have loaded
+constexpr std::size_t defaultDecode = 96 * mebibyte; // of what is being decoded
+constexpr std::size_t defaultCells = 192 * mebibyte; // of the cells of all images
 
 std::atomic<std::size_t> nbBuffers{0}; // that have cells
 
@@ -53,75 +59,122 @@ struct Span
 
 PixelSource::~PixelSource() = default;
 
+namespace
+{
+
+/// Memory that several may take, up to a bound; one of them always gets it, however much it is.
+class Room
+{
+public:
+    void take(std::size_t bytes, std::size_t most)
+    {
+        std::unique_lock lock{mutex_};
+        changed_.wait(lock, [&] { return taken_ == 0 || taken_ + bytes <= most; });
+        taken_ += bytes;
+    }
+    void give(std::size_t bytes)
+    {
+        const std::lock_guard lock{mutex_};
+        taken_ -= bytes;
+        changed_.notify_all();
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::size_t taken_ = 0;
+};
+
+Room loadRoom;   // of what workers have loaded
+Room decodeRoom; // of what is being decoded, beside where it goes
+
+/// Blocks that are free.
+class BlockPool
+{
+public:
+    struct Free
+    {
+        std::size_t size;
+        void operator()(std::byte* bytes) const { ::munmap(bytes, size); }
+    };
+    using Block = std::unique_ptr<std::byte, Free>;
+
+    /// Null where there is none of that size.
+    Block take(std::size_t size)
+    {
+        const std::lock_guard lock{mutex_};
+        // The last one that was given back is still in the cache.
+        const auto found = std::find_if(blocks_.rbegin(), blocks_.rend(),
+                                        [&](const Block& each) { return each.get_deleter().size == size; });
+        if (found == blocks_.rend()) {
+            return {nullptr, Free{size}};
+        }
+        Block block = std::move(*found);
+        blocks_.erase(found.base() - 1);
+        size_ -= size;
+        return block;
+    }
+    void give(Block block)
+    {
+        constexpr std::size_t most = 32 * mebibyte;
+        const std::size_t size = block.get_deleter().size;
+        if (size > most) {
+            return;
+        }
+        const std::lock_guard lock{mutex_};
+        size_ += size;
+        blocks_.push_back(std::move(block));
+        while (size_ > most) {
+            size_ -= blocks_.front().get_deleter().size;
+            blocks_.erase(blocks_.begin());
+        }
+    }
+
+private:
+    std::mutex mutex_;
+    std::vector<Block> blocks_;
+    std::size_t size_ = 0; // of all of them
+};
+
+} // namespace
+
+std::size_t getLoadMemory(std::size_t otherwise)
+{
+    const std::size_t set = core::settings::getPixelMemory();
+    return set != 0 ? set / 8 * 3 : otherwise;
+}
+
 LoadRoom::LoadRoom(std::size_t bytes, std::size_t planeBytes) : bytes_{bytes}
 {
-    if (bytes_ == 0) {
-        return;
+    if (bytes_ != 0) {
+        loadRoom.take(bytes_, getLoadMemory(defaultRoom + 2 * planeBytes));
     }
-    const std::size_t set = core::settings::getPixelMemory();
-    const std::size_t most = set != 0 ? set / 2 : defaultRoom + 2 * planeBytes;
-    std::unique_lock lock{roomMutex};
-    roomChanged.wait(lock, [&] { return roomTaken == 0 || roomTaken + bytes_ <= most; });
-    roomTaken += bytes_;
 }
 
 LoadRoom::~LoadRoom()
 {
-    if (bytes_ == 0) {
-        return;
+    if (bytes_ != 0) {
+        loadRoom.give(bytes_);
     }
-    const std::lock_guard lock{roomMutex};
-    roomTaken -= bytes_;
-    roomChanged.notify_all();
 }
 
-void BlockPool::Free::operator()(std::byte* bytes) const
+Ptr<std::byte> takeBlock(std::size_t bytes)
 {
-    ::munmap(bytes, size);
-}
-
-Ptr<std::byte> BlockPool::take(const std::shared_ptr<BlockPool>& pool, std::size_t bytes)
-{
+    static const auto pool = std::make_shared<BlockPool>();
     // Of few sizes, four in each power of two, so that blocks fit others as well.
     constexpr std::size_t page = 4096;
     const std::size_t step = std::max(page, std::bit_ceil(bytes / 8 + 1));
     const std::size_t size = std::max<std::size_t>(1, (bytes + step - 1) / step) * step;
-    Block block;
-    {
-        const std::lock_guard lock{pool->mutex_};
-        // The last one that was given back is still in the cache.
-        const auto found = std::find_if(pool->blocks_.rbegin(), pool->blocks_.rend(),
-                                        [&](const Block& each) { return each.size() == size; });
-        if (found != pool->blocks_.rend()) {
-            block = std::move(*found);
-            pool->blocks_.erase(found.base() - 1);
-            pool->size_ -= block.size();
-        }
-    }
-    if (!block.bytes) {
+    BlockPool::Block block = pool->take(size);
+    if (!block) {
         // Not by malloc, which would keep what is freed.
         void* const fresh = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
         if (fresh == MAP_FAILED) {
             throw std::bad_alloc{};
         }
-        block.bytes = {static_cast<std::byte*>(fresh), Free{size}};
+        block.reset(static_cast<std::byte*>(fresh));
     }
-    const std::size_t whole = block.size();
-    return {block.bytes.release(), [pool, whole](std::byte* pixels) { pool->give({{pixels, Free{whole}}}); }};
-}
-
-void BlockPool::give(Block block)
-{
-    constexpr std::size_t most = 32 * mebibyte;
-    const std::lock_guard lock{mutex_};
-    if (block.size() <= most) {
-        size_ += block.size();
-        blocks_.push_back(std::move(block));
-    }
-    while (size_ > most) {
-        size_ -= blocks_.front().size();
-        blocks_.erase(blocks_.begin());
-    }
+    return {block.release(), [pool = pool, size](std::byte* pixels) { pool->give({pixels, BlockPool::Free{size}}); }};
 }
 
 /// It outlives the buffer where the thread that reads ahead still works in it.
@@ -129,7 +182,7 @@ class SourceBuffer::Cells : public std::enable_shared_from_this<Cells>
 {
 public:
     Cells(Ptr<PixelSource> source, std::size_t pixelSize, const ImageGeometry& size)
-        : source_{std::move(source)}, layout_{source_->getLayout()}, pixelSize_{pixelSize}, size_{size}
+        : source_{std::move(source)}, layout_{tidy(source_->getLayout())}, pixelSize_{pixelSize}, size_{size}
     {
         nbBuffers += hasCells() ? 1 : 0;
     }
@@ -149,7 +202,7 @@ public:
                 return {inside, strides, cell};
             }
         }
-        const Ptr<std::byte> pixels = BlockPool::take(pool_, box.size.nbPixels() * pixelSize_);
+        const Ptr<std::byte> pixels = takeBlock(box.size.nbPixels() * pixelSize_);
         read(box, {pixels.get(), strides}, sweep);
         return {pixels.get(), strides, pixels};
     }
@@ -211,6 +264,21 @@ public:
     }
 
 private:
+    /// No block without pixels, and phases within a block.
+    static SourceLayout tidy(SourceLayout layout)
+    {
+        const auto axis = [](std::size_t& block, std::uint64_t& phase) {
+            block = std::max<std::size_t>(1, block);
+            phase %= block;
+        };
+        axis(layout.block.x, layout.phase.x);
+        axis(layout.block.y, layout.phase.y);
+        axis(layout.block.z, layout.phase.z);
+        axis(layout.block.c, layout.phase.c);
+        axis(layout.block.t, layout.phase.t);
+        return layout;
+    }
+
     /// Rows of some planes, channels and times.
     struct Cell
     {
@@ -218,9 +286,9 @@ private:
         Ptr<std::byte> pixels;
         std::size_t bytes = 0;
         std::size_t nbParts = 1;
-        std::size_t nextPart = 0; ///< that nobody decodes yet
-        std::size_t nbActive = 0; ///< who decode parts
-        std::exception_ptr failure;
+        std::size_t nextPart = 0;           ///< that nobody decodes yet
+        std::size_t nbActive = 0;           ///< who decode parts
+        std::optional<std::string> failure; ///< a text: an exception belongs to its thread
         std::uint64_t lastUse = 0;
 
         bool isDone() const { return nextPart == nbParts && nbActive == 0; }
@@ -243,7 +311,7 @@ private:
         const ImageGeometry& block = layout_.block;
         const std::size_t rowBytes = std::max<std::size_t>(1, size_.x * pixelSize_);
         const std::size_t set = core::settings::getPixelMemory();
-        const std::size_t most = (set != 0 ? set / 2 : defaultCells) / std::max<std::size_t>(1, nbBuffers) +
+        const std::size_t most = (set != 0 ? set / 8 * 3 : defaultCells) / std::max<std::size_t>(1, nbBuffers) +
                                  (set != 0 ? 0 : 2 * rowBytes * size_.y);
         // All of a block, or as much of it as fits: channels rather than planes, planes rather than times.
         std::size_t fits =
@@ -325,7 +393,7 @@ private:
                              (layout_.block.y == 1 ? 1 : count(box.begin.y, box.size.y, blockRows(*fresh), phaseY));
             try {
                 makeRoom(grid.capacity, fresh->bytes);
-                fresh->pixels = BlockPool::take(pool_, fresh->bytes);
+                fresh->pixels = takeBlock(fresh->bytes);
             } catch (...) {
                 byPlace_.erase(key);
                 throw;
@@ -369,7 +437,7 @@ private:
         changed_.wait(lock, [&] { return cell->isDone(); });
         if (cell->failure) {
             drop(cell);
-            std::rethrow_exception(cell->failure);
+            throw ImageException{*cell->failure, ORLIX_HERE};
         }
     }
 
@@ -399,20 +467,34 @@ private:
         }
     }
 
+    /// What decoding a block takes beside the cell: the block, and what it is decoded from.
+    std::size_t getScratch() const
+    {
+        return layout_.block == ImageGeometry{1, 1, 1, 1, 1} ? 0 : 2 * layout_.block.nbPixels() * pixelSize_;
+    }
+    static std::size_t maxDecode()
+    {
+        const std::size_t set = core::settings::getPixelMemory();
+        return set != 0 ? set / 4 : defaultDecode;
+    }
+
     void decode(Cell& cell, std::unique_lock<std::mutex>& lock)
     {
         while (cell.nextPart < cell.nbParts) {
             const std::size_t part = cell.nextPart++;
             ++cell.nbActive;
             lock.unlock();
-            std::exception_ptr failure;
+            std::optional<std::string> failure;
+            const std::size_t scratch = getScratch();
+            decodeRoom.take(scratch, maxDecode());
             try {
                 const Box box = boxOfPart(cell, part);
                 const PixelTarget all{cell.pixels.get(), ImageStrides::contiguous(cell.box.size, pixelSize_)};
                 source_->fetch(box, {all.row(box.begin.y - cell.box.begin.y) + box.begin.x * pixelSize_, all.strides});
             } catch (...) {
-                failure = std::current_exception();
+                failure = core::describeCurrentException();
             }
+            decodeRoom.give(scratch);
             lock.lock();
             --cell.nbActive;
             if (failure) {
@@ -545,7 +627,11 @@ private:
         }
         if (process_ != ::getpid()) {
             process_ = ::getpid();
-            std::thread{[self = shared_from_this()] { self->readAhead(); }}.detach();
+            try {
+                std::thread{[self = shared_from_this()] { self->readAhead(); }}.detach();
+            } catch (const std::system_error&) {
+                // There are too many threads: nothing is read ahead.
+            }
         }
         changed_.notify_all();
     }
@@ -590,7 +676,6 @@ private:
     const SourceLayout layout_;
     const std::size_t pixelSize_;
     const ImageGeometry size_;
-    const std::shared_ptr<BlockPool> pool_ = std::make_shared<BlockPool>();
 
     std::mutex mutex_;
     std::condition_variable changed_;

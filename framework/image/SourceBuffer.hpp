@@ -3,14 +3,7 @@
 #include <framework/core/Ptr.hpp>
 #include <framework/image/PixelSource.hpp>
 
-#include <array>
-#include <condition_variable>
-#include <exception>
-#include <map>
 #include <memory>
-#include <mutex>
-#include <optional>
-#include <vector>
 
 /// What images that are no buffers do with memory; for the framework itself.
 namespace orlix::image
@@ -23,6 +16,10 @@ struct LoadedBox
     ImageStrides strides{};
     Ptr<const void> owner{};
 };
+
+/// The bytes that what is loaded may take, of those that settings::setPixelMemory() allows; `otherwise` where it was not
+/// called.
+ORLIX_API std::size_t getLoadMemory(std::size_t otherwise);
 
 /// Room in memory for what a worker loads, of all its images together: waits until there is some. A worker asks for
 /// room once, before it loads; one of them always gets it, however much it is.
@@ -39,31 +36,9 @@ private:
     std::size_t bytes_;
 };
 
-/// Blocks of memory that are used again, so that what comes piece by piece needs no fresh pages for each.
-class ORLIX_API BlockPool
-{
-public:
-    /// At least so many bytes, in pages of their own, not set to anything.
-    static Ptr<std::byte> take(const std::shared_ptr<BlockPool>& pool, std::size_t bytes);
-
-private:
-    struct Free
-    {
-        std::size_t size;
-        void operator()(std::byte* bytes) const;
-    };
-    struct Block
-    {
-        std::unique_ptr<std::byte, Free> bytes;
-        std::size_t size() const { return bytes.get_deleter().size; }
-    };
-
-    void give(Block block);
-
-    std::mutex mutex_;
-    std::vector<Block> blocks_;
-    std::size_t size_ = 0; // of all of them
-};
+/// At least so many bytes, in pages of their own, not set to anything. Their memory is used again, so that what comes
+/// piece by piece needs no fresh pages for each.
+ORLIX_API Ptr<std::byte> takeBlock(std::size_t bytes);
 
 /// The pixels of a source on their way to those who measure them. What is decoded together is kept in a cell for those
 /// who come next; who needs a cell helps to decode it. The next ones are read ahead, and the oldest ones go where

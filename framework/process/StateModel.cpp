@@ -20,8 +20,8 @@ constexpr std::size_t pieceBytes = std::size_t{1} << 19;
 } // namespace
 
 PieceCut::PieceCut(const StateMeasure& measure, Per per, std::span<const ImageView> images, const ImageView& mask,
-                   const Position& offset, const std::optional<Extent>& core)
-    : per_{per}, images_{images.begin(), images.end()}, mask_{mask}, offset_{offset}
+                   const Position& offset, const std::optional<Extent>& core, std::uint64_t margin)
+    : per_{per}, images_{images.begin(), images.end()}, mask_{mask}, offset_{offset}, margin_{margin}
 {
     const std::string verb = measure.verb;
     if (images.empty()) {
@@ -101,7 +101,8 @@ void PieceCut::Axis::enterBlock(std::uint64_t first)
 
 void PieceCut::chooseOrder()
 {
-    // What is decoded together is read together: of some rows all planes, channels and times of a block.
+    // What is decoded together is read together: of some rows all planes, channels and times of a block. Who looks at
+    // the rows around would need other blocks for that, and goes over whole planes.
     image::ImageGeometry block{1, 1, 1, 1, 1};
     Position phase;
     std::size_t blockRows = 1;
@@ -119,10 +120,13 @@ void PieceCut::chooseOrder()
     const bool isDeep = block.z * block.c * block.t > 1;
     const Position& begin = core_.begin;
     const Position& end = core_.end;
-    const std::size_t pieceRows = std::max<std::size_t>(1, pieceBytes / rowBytes_);
-    axes_ = {Axis{begin.y, end.y, isDeep ? blockRows * std::max<std::size_t>(1, pieceRows / blockRows) : end.y,
-                  isDeep ? phase.y : 0},
-             Axis{begin.z, end.z, isDeep ? block.z : end.z, isDeep ? phase.z : 0},
+    constexpr std::size_t rowsPerMargin = 8; // and more, so that few are read twice
+    const std::size_t pieceRows = std::max<std::size_t>({1, pieceBytes / rowBytes_, rowsPerMargin * margin_});
+    const bool hasRows = isDeep && margin_ == 0;
+    const std::uint64_t planes = hasRows || block.c * block.t == 1 ? block.z : 1;
+    axes_ = {Axis{begin.y, end.y, hasRows ? blockRows * std::max<std::size_t>(1, pieceRows / blockRows) : end.y,
+                  hasRows ? phase.y : 0},
+             Axis{begin.z, end.z, isDeep ? planes : end.z, isDeep ? phase.z : 0},
              Axis{begin.c, end.c, isDeep ? block.c : end.c, isDeep ? phase.c : 0},
              Axis{begin.t, end.t, isDeep ? block.t : end.t, isDeep ? phase.t : 0}};
     for (Axis& axis : axes_) {
@@ -199,12 +203,22 @@ Piece PieceCut::makePiece(const image::Box& place) const
     piece.whole = images_;
     piece.at = place.begin;
     piece.offset = offset_;
+    // Of each image what the piece and its margin are.
+    image::Box wide = place;
+    if (margin_ != 0) {
+        const image::ImageGeometry& size = images_[0]->getGeometry();
+        wide.begin.x = 0;
+        wide.begin.y -= std::min(place.begin.y, margin_);
+        wide.size.x = size.x;
+        wide.size.y = std::min<std::uint64_t>(size.y, place.begin.y + place.size.y + margin_) - wide.begin.y;
+        piece.firstAround = wide.begin.y;
+    }
     std::size_t load = 0;
     std::size_t planeBytes = 0;
     const auto weigh = [&](const ImageView& image) {
         if (image && image->hasSource()) {
             const image::ImageGeometry& size = image->getGeometry();
-            load += place.size.nbPixels() * image->getPixelSize();
+            load += wide.size.nbPixels() * image->getPixelSize();
             planeBytes = std::max(planeBytes, size.x * size.y * image->getPixelSize());
         }
     };
@@ -215,23 +229,29 @@ Piece PieceCut::makePiece(const image::Box& place) const
     }
     const auto [y, z] = std::pair{axes_[0].getBlock(place.begin.y), axes_[1].getBlock(place.begin.z)};
     const auto [c, t] = std::pair{axes_[2].getBlock(place.begin.c), axes_[3].getBlock(place.begin.t)};
-    const image::Box block{{0, y.first, z.first, c.first, t.first},
+    const image::Box sweep{{0, y.first, z.first, c.first, t.first},
                            {images_[0]->getGeometry().x, y.second, z.second, c.second, t.second}};
-    const auto parse = [&](const ImageView& image) {
-        image::LoadedBox loaded = image->load(place, block);
-        return image::StripParser{image::PixelBox{loaded.first, place.size.x, place.size.y, place.size.z,
-                                                  loaded.strides.y, loaded.strides.z, image->getPixelSize(),
-                                                  std::move(loaded.owner)}};
+    const auto parse = [&](const ImageView& image, const image::LoadedBox& loaded, const image::Box& of) {
+        const image::PixelTarget all{const_cast<std::byte*>(loaded.first), loaded.strides};
+        const std::byte* const first =
+            all.row(place.begin.y - of.begin.y) + (place.begin.x - of.begin.x) * image->getPixelSize();
+        return image::StripParser{image::PixelBox{first, place.size.x, place.size.y, place.size.z, loaded.strides.y,
+                                                  loaded.strides.z, image->getPixelSize(), loaded.owner}};
     };
     for (const ImageView& image : images_) {
-        piece.images.push_back(parse(image));
+        const image::LoadedBox loaded = image->load(wide, sweep);
+        piece.images.push_back(parse(image, loaded, wide));
+        if (margin_ != 0) {
+            piece.around.push_back(
+                image::BaseImage::wrap(loaded.first, image->getType(), wide.size, loaded.strides, loaded.owner));
+        }
     }
     piece.runSize = piece.nbPixels();
     for (const image::StripParser& parser : piece.images) {
         piece.runSize = std::min(piece.runSize, parser.longestRun());
     }
     if (mask_) {
-        piece.mask = parse(mask_);
+        piece.mask = parse(mask_, mask_->load(place, sweep), place);
         piece.runSize = std::min(piece.runSize, piece.mask->longestRun());
     }
     return piece;

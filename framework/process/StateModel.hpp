@@ -29,6 +29,8 @@ struct Piece
     boost::container::small_vector<image::StripParser, 3> images;
     std::span<const image::eImageBufferType> types; ///< of the images
     std::optional<image::StripParser> mask;
+    std::vector<ImageView> around;    ///< where the measure has a margin: the rows of the images with those around
+    std::uint64_t firstAround = 0;    ///< row of these
     std::span<const ImageView> whole; ///< the images that they are of
     Position at;                      ///< of the first pixel, in those images
     Position offset;                  ///< of the first pixel of those images
@@ -54,9 +56,10 @@ struct Piece
 class ORLIX_API PieceCut
 {
 public:
-    /// Throws MeasureException where the images are not of one size, or a mask is none.
+    /// Throws MeasureException where the images are not of one size, or a mask is none. `margin`: so many rows before
+    /// and behind a piece are looked at, too.
     PieceCut(const StateMeasure& measure, Per per, std::span<const ImageView> images, const ImageView& mask,
-             const Position& offset, const std::optional<Extent>& core);
+             const Position& offset, const std::optional<Extent>& core, std::uint64_t margin);
 
     /// The places of the next pieces, so many that they are worth a thread; false when all are taken. Any thread calls
     /// it.
@@ -99,7 +102,8 @@ private:
     PixelTypeList types_;
     ImageView mask_;
     Position offset_;
-    Extent core_;              ///< in the images
+    Extent core_; ///< in the images
+    std::uint64_t margin_;
     std::size_t rowBytes_ = 0; ///< of all images
     std::mutex mutex_;
     std::array<Axis, 4> axes_; ///< y, z, c and t
@@ -146,7 +150,7 @@ public:
     void add(std::span<const ImageView> images, const ImageView& mask, const Position& offset,
              const std::optional<Extent>& core, const RunControl& run) override
     {
-        PieceCut pieces{getMeasure(), options_.per, images, mask, offset, core};
+        PieceCut pieces{getMeasure(), options_.per, images, mask, offset, core, getMargin()};
         const PixelTypeList& types = pieces.getTypes();
         if (!types_.empty() && types != types_) {
             throw MeasureException{"the state has pixels of other types: all pieces of an image have one type",

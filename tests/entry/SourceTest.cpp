@@ -255,7 +255,7 @@ TEST(Source, FailsWithItsOwnWords)
         try {
             run(*findMeasure("describe").state, {image, nullptr, nullptr}, false, "plan");
             ADD_FAILURE() << "it did not fail";
-        } catch (const std::runtime_error& error) {
+        } catch (const std::exception& error) {
             EXPECT_STREQ(error.what(), "stack.raw: the disk is gone at page 7");
         }
         source->onFetch = nullptr;

@@ -606,41 +606,30 @@ private:
         const std::size_t begin = std::max<std::size_t>(piece.at.x, radius);
         const std::size_t end = std::min<std::size_t>(piece.at.x + box.x, size.x - std::min(size.x, radius));
         for (std::size_t z = 0; z < box.z; ++z) {
+            const image::PlanIndex plane{static_cast<unsigned>(z), 0, 0};
+            const ImageView around[] = {piece.around[0]->getSubImage(plane, image::ePlanKind::ePK_Plan2d),
+                                        piece.around[1]->getSubImage(plane, image::ePlanKind::ePK_Plan2d)};
             for (std::size_t x = begin; x < end; x += SsimPlane::bestSize) {
-                addSimilarity(options, piece, z, x, std::min(x + SsimPlane::bestSize, end), part);
+                addSimilarity(options, piece, around, z, x, std::min(x + SsimPlane::bestSize, end), part);
             }
         }
     }
 
-    /// Rows of a plane as an image.
-    static ImageView loadRows(const image::BaseImage& image, const Position& plane, std::size_t first,
-                              std::size_t count)
-    {
-        const image::ImageGeometry size{image.getGeometry().x, count};
-        const image::LoadedBox loaded = image.load({{0, first, plane.z, plane.c, plane.t}, size});
-        return image::BaseImage::wrap(loaded.first, image.getType(), size, loaded.strides, loaded.owner);
-    }
-
-    /// Of the windows centred on pixels [begin, end) of the rows of a plane of the piece.
-    static void addSimilarity(const Options& options, const Piece& piece, std::size_t z, std::size_t begin,
-                              std::size_t end, Part& part)
+    /// Of the windows centred on pixels [begin, end) of the rows of a plane of the piece; `around` is that of the
+    /// plane.
+    static void addSimilarity(const Options& options, const Piece& piece, std::span<const ImageView, 2> around,
+                              std::size_t z, std::size_t begin, std::size_t end, Part& part)
     {
         const std::size_t radius = SsimPlane::getRadius(options);
         const image::ImageGeometry& size = piece.whole[0]->getGeometry();
         const image::PixelBox& box = piece.box();
-        const Position plane{0, 0, piece.at.z + z, piece.at.c, piece.at.t};
-        // With the rows around, which are fetched where the images are not in memory.
-        const std::size_t firstRow = piece.at.y - std::min<std::size_t>(piece.at.y, radius);
-        const std::size_t rows = std::min(size.y, piece.at.y + box.y + radius) - firstRow;
-        const ImageView around[] = {loadRows(*piece.whole[0], plane, firstRow, rows),
-                                    loadRows(*piece.whole[1], plane, firstRow, rows)};
         SsimPlane windows{options, getPeak(options, piece.types[0]), around, begin, end};
         for (std::size_t i = 0; i < box.y; ++i) {
             const std::size_t y = piece.at.y + i;
             if (y < radius || y + radius >= size.y) {
                 continue;
             }
-            const double* const values = windows.measure(y - firstRow);
+            const double* const values = windows.measure(y - piece.firstAround);
             part.nbWindows += end - begin;
             if (const auto sum = windows.getSum(); sum && !piece.mask) {
                 addShifted(part.similarity, *sum, 0);
@@ -763,7 +752,7 @@ double checkComparison(const CompareOptions& options, const ImageView& image, co
 {
     checkOptions(options);
     const ImageView images[] = {image, image2};
-    const PieceCut pieces{CompareModel::getMeasure(), Per::Image, images, {}, {}, {}};
+    const PieceCut pieces{CompareModel::getMeasure(), Per::Image, images, {}, {}, {}, 0};
     return getPeak(options, pieces.getTypes()[0]);
 }
 

@@ -96,15 +96,17 @@ public:
         const std::size_t parts = (size.y + rows - 1) / rows; // of a plane
         std::mutex mutex;
         core::ProcessingResult result;
+        std::atomic<bool> ends{false};
         const auto addParts = [&](std::size_t begin, std::size_t end) {
             try {
-                for (std::size_t i = begin; i < end && !context.cancelled(); ++i) {
+                for (std::size_t i = begin; i < end && !ends && !context.cancelled(); ++i) {
                     const std::size_t y = i % parts * rows;
                     addPart({{0, y, i / parts}, {size.x, std::min(rows, size.y - y)}}, set);
                 }
             } catch (...) {
                 const std::lock_guard lock{mutex};
                 result = core::ProcessingResult::failure(core::describeCurrentException());
+                ends = true;
             }
         };
         executor::parallelInOrder(parts * size.z, 1, priority_, RangeBody{addParts});

@@ -17,7 +17,6 @@
 #include <functional>
 #include <limits>
 #include <memory>
-#include <unistd.h>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -433,7 +432,6 @@ public:
         const image::SourceLayout layout = sequence_.getLayout();
         const std::size_t rowBytes = size.x * sequence_.getPixelSize();
         const bool isMedian = statistic == ePST_Median;
-        const std::size_t set = core::settings::getPixelMemory();
         // Block by block of what is decoded together, where that fits.
         const auto whole = [](std::size_t most, std::size_t block, std::size_t all) {
             const std::size_t fits = most / block * block;
@@ -441,7 +439,8 @@ public:
         };
         if (isMedian) {
             times_ = size.t;
-            rows_ = whole((set != 0 ? set : getMachineMemory() / 4) / (rowBytes * size.t), layout.block.y, size.y);
+            const std::size_t most = image::getLoadMemory(core::settings::getMachineMemory() / 4);
+            rows_ = whole(most / (rowBytes * size.t), layout.block.y, size.y);
             return;
         }
         // Rows enough to be read fast, and times enough that what is kept is seldom touched.
@@ -488,11 +487,6 @@ public:
 private:
     bool keepsSquares() const { return statistic_ == ePST_Var || statistic_ == ePST_StdDev; }
     bool keepsSums() const { return keepsSquares() || statistic_ == ePST_Sum || statistic_ == ePST_Mean; }
-
-    static std::size_t getMachineMemory()
-    {
-        return static_cast<std::size_t>(::sysconf(_SC_PHYS_PAGES)) * static_cast<std::size_t>(::sysconf(_SC_PAGE_SIZE));
-    }
 
     /// Strip by strip; the block's first pixel lies in row `y` at time `t`.
     core::ProcessingResult project(const Ptr<const image::BaseImage>& block, std::size_t y, std::size_t t,
