@@ -168,7 +168,8 @@ TEST_P(SourceOf, GivesWhatMemoryGives)
 }
 
 INSTANTIATE_TEST_SUITE_P(Sources, SourceOf,
-                         testing::Values("rows", "direct", "strips", "chunks", "planes", "interleaved", "stream"),
+                         testing::Values("rows", "direct", "strips", "chunks", "regions", "planes", "interleaved",
+                                         "stream"),
                          [](const auto& each) { return each.param; });
 
 namespace
@@ -242,8 +243,9 @@ TEST(Source, FailsWithItsOwnWords)
     for (const auto& [name, layout] : sourceLayouts) {
         SCOPED_TRACE(name);
         const auto source = makeSource(name);
-        source->onFetch = [](const image::Box& box) {
-            if (box.begin.t == 1 && box.begin.c + box.size.c == 2) {
+        std::atomic<bool> isGone{true};
+        source->onFetch = [&](const image::Box& box) {
+            if (isGone && box.begin.t == 1 && box.begin.c + box.size.c == 2) {
                 throw std::runtime_error{"stack.raw: the disk is gone at page 7"};
             }
         };
@@ -258,7 +260,7 @@ TEST(Source, FailsWithItsOwnWords)
         } catch (const std::exception& error) {
             EXPECT_STREQ(error.what(), "stack.raw: the disk is gone at page 7");
         }
-        source->onFetch = nullptr;
+        isGone = false;
         EXPECT_TRUE(processor->run(eSynchroType::eST_Synchronous));
     }
 }

@@ -2,6 +2,7 @@
 
 #include <support/TestImages.hpp>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <map>
@@ -32,17 +33,30 @@ public:
     /// How often the block that was fetched most often was fetched, and how many were.
     std::size_t getMostFetches() const
     {
+        const std::lock_guard lock{mutex_};
         std::size_t most = 0;
         for (const auto& [place, count] : fetches_) {
             most = std::max(most, count);
         }
         return most;
     }
-    std::size_t getNbBlocks() const { return fetches_.size(); }
-    std::size_t getNbSteps() const { return nbStepsBack_; }
-    void forget() { fetches_.clear(); }
+    std::size_t getNbBlocks() const
+    {
+        const std::lock_guard lock{mutex_};
+        return fetches_.size();
+    }
+    std::size_t getNbSteps() const
+    {
+        const std::lock_guard lock{mutex_};
+        return nbStepsBack_;
+    }
+    void forget()
+    {
+        const std::lock_guard lock{mutex_};
+        fetches_.clear();
+    }
 
-    std::function<void(const image::Box&)> onFetch;
+    std::function<void(const image::Box&)> onFetch; ///< set before the first pixel is fetched
 
 private:
     using Place = std::array<std::uint64_t, 5>;
@@ -55,7 +69,8 @@ private:
         const Place count{box.size.x, box.size.y, box.size.z, box.size.c, box.size.t};
         const Place whole{size.x, size.y, size.z, size.c, size.t};
         const ImageGeometry& b = layout_.block;
-        const Place block{b.x, b.y, b.z, b.c, b.t};
+        Place block{b.x, b.y, b.z, b.c, b.t};
+        std::replace(block.begin(), block.end(), 0, 1);
         const Place phase{layout_.phase.x, layout_.phase.y, layout_.phase.z, layout_.phase.c, layout_.phase.t};
         for (std::size_t axis = 0; axis < 5; ++axis) {
             if (count[axis] == 0 || begin[axis] + count[axis] > whole[axis]) {
@@ -91,7 +106,7 @@ private:
 
     Ptr<const BaseImage> pixels_;
     image::SourceLayout layout_;
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
     std::map<Place, std::size_t> fetches_;
     Place last_{};
     std::size_t nbStepsBack_ = 0;
@@ -103,6 +118,7 @@ inline const std::map<std::string, image::SourceLayout> sourceLayouts{
     {"direct", {.readsAhead = true}},
     {"strips", {.block = {520, 7, 1, 1, 1}, .phase = {0, 2}}},
     {"chunks", {.block = {64, 48, 3, 1, 2}, .phase = {5, 11, 2, 0, 1}}},
+    {"regions", {.block = {64, 16, 0, 1, 1}, .phase = {300, 77, 9, 3, 0}}}, // of files, at any offset
     {"planes", {.block = {1, 2000, 2, 1, 1}}},
     {"interleaved", {.block = {1, 80, 1, 2, 1}}},
     {"stream", {.isSequential = true}},
