@@ -28,13 +28,32 @@ namespace
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
 constexpr std::size_t cellBytes = mebibyte; // at least, where an image has them
 constexpr std::size_t readAheadBytes = 4 * cellBytes;
-// Together with blocks that are free, and with two planes more for the first and the last: less than 400 MiB and four
-// planes.
-constexpr std::size_t defaultRoom = 48 * mebibyte;   // of what workers have loaded
-constexpr std::size_t defaultDecode = 96 * mebibyte; // of what is being decoded
-constexpr std::size_t defaultCells = 192 * mebibyte; // of the cells of all images
 
 std::atomic<std::size_t> nbBuffers{0}; // that have cells
+
+/// Bytes of what workers have loaded (and two planes more), of what is being decoded, and of the cells of all images
+/// (and two planes more). With the program itself less than 400 MiB and four planes, where nobody says otherwise.
+struct Shares
+{
+    std::size_t loads;
+    std::size_t decode;
+    std::size_t cells;
+};
+
+Shares getShares()
+{
+    const std::size_t set = core::settings::getPixelMemory();
+    if (set != 0) {
+        return {set / 8 * 3, set / 4, set / 8 * 3};
+    }
+    return nbBuffers == 0 ? Shares{256 * mebibyte, 0, 0} : Shares{24 * mebibyte, 64 * mebibyte, 256 * mebibyte};
+}
+
+/// None where somebody said how much memory there is.
+std::size_t getPlanesMore(std::size_t planeBytes)
+{
+    return core::settings::getPixelMemory() != 0 ? 0 : 2 * planeBytes;
+}
 
 /// The block of an axis that a position lies in: where it begins and ends in an image of so many pixels.
 struct Span
@@ -88,7 +107,7 @@ private:
 Room loadRoom;   // of what workers have loaded
 Room decodeRoom; // of what is being decoded, beside where it goes
 
-/// Blocks that are free.
+/// Blocks that are free, as long as all blocks together take no more than they may.
 class BlockPool
 {
 public:
@@ -99,55 +118,70 @@ public:
     };
     using Block = std::unique_ptr<std::byte, Free>;
 
-    /// Null where there is none of that size.
     Block take(std::size_t size)
     {
-        const std::lock_guard lock{mutex_};
-        // The last one that was given back is still in the cache.
-        const auto found = std::find_if(blocks_.rbegin(), blocks_.rend(),
-                                        [&](const Block& each) { return each.get_deleter().size == size; });
-        if (found == blocks_.rend()) {
-            return {nullptr, Free{size}};
+        {
+            const std::lock_guard lock{mutex_};
+            // The last one that was given back is still in the cache.
+            const auto found = std::find_if(blocks_.rbegin(), blocks_.rend(),
+                                            [&](const Block& each) { return each.get_deleter().size == size; });
+            taken_ += size;
+            if (found != blocks_.rend()) {
+                Block block = std::move(*found);
+                blocks_.erase(found.base() - 1);
+                free_ -= size;
+                return block;
+            }
+            shrink();
         }
-        Block block = std::move(*found);
-        blocks_.erase(found.base() - 1);
-        size_ -= size;
-        return block;
+        // Not by malloc, which would keep what is freed.
+        void* const fresh = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (fresh == MAP_FAILED) {
+            const std::lock_guard lock{mutex_};
+            taken_ -= size;
+            throw std::bad_alloc{};
+        }
+        return {static_cast<std::byte*>(fresh), Free{size}};
     }
     void give(Block block)
     {
-        constexpr std::size_t most = 32 * mebibyte;
-        const std::size_t size = block.get_deleter().size;
-        if (size > most) {
-            return;
-        }
         const std::lock_guard lock{mutex_};
-        size_ += size;
+        taken_ -= block.get_deleter().size;
+        free_ += block.get_deleter().size;
         blocks_.push_back(std::move(block));
-        while (size_ > most) {
-            size_ -= blocks_.front().get_deleter().size;
+        shrink();
+    }
+
+private:
+    void shrink()
+    {
+        constexpr std::size_t most = 32 * mebibyte;
+        const Shares shares = getShares();
+        const std::size_t all = shares.loads + shares.decode + shares.cells;
+        const std::size_t kept = std::min(most, all - std::min(all, taken_));
+        while (free_ > kept) {
+            free_ -= blocks_.front().get_deleter().size;
             blocks_.erase(blocks_.begin());
         }
     }
 
-private:
     std::mutex mutex_;
-    std::vector<Block> blocks_;
-    std::size_t size_ = 0; // of all of them
+    std::vector<Block> blocks_; // that are free
+    std::size_t free_ = 0;      // bytes of them
+    std::size_t taken_ = 0;     // bytes of the others
 };
 
 } // namespace
 
 std::size_t getLoadMemory(std::size_t otherwise)
 {
-    const std::size_t set = core::settings::getPixelMemory();
-    return set != 0 ? set / 8 * 3 : otherwise;
+    return core::settings::getPixelMemory() != 0 ? getShares().loads : otherwise;
 }
 
 LoadRoom::LoadRoom(std::size_t bytes, std::size_t planeBytes) : bytes_{bytes}
 {
     if (bytes_ != 0) {
-        loadRoom.take(bytes_, getLoadMemory(defaultRoom + 2 * planeBytes));
+        loadRoom.take(bytes_, getShares().loads + getPlanesMore(planeBytes));
     }
 }
 
@@ -165,16 +199,9 @@ Ptr<std::byte> takeBlock(std::size_t bytes)
     constexpr std::size_t page = 4096;
     const std::size_t step = std::max(page, std::bit_ceil(bytes / 8 + 1));
     const std::size_t size = std::max<std::size_t>(1, (bytes + step - 1) / step) * step;
-    BlockPool::Block block = pool->take(size);
-    if (!block) {
-        // Not by malloc, which would keep what is freed.
-        void* const fresh = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        if (fresh == MAP_FAILED) {
-            throw std::bad_alloc{};
-        }
-        block.reset(static_cast<std::byte*>(fresh));
-    }
-    return {block.release(), [pool = pool, size](std::byte* pixels) { pool->give({pixels, BlockPool::Free{size}}); }};
+    return {pool->take(size).release(), [pool = pool, size](std::byte* pixels) {
+                pool->give({pixels, BlockPool::Free{size}});
+            }};
 }
 
 /// It outlives the buffer where the thread that reads ahead still works in it.
@@ -310,17 +337,19 @@ private:
     {
         const ImageGeometry& block = layout_.block;
         const std::size_t rowBytes = std::max<std::size_t>(1, size_.x * pixelSize_);
-        const std::size_t set = core::settings::getPixelMemory();
-        const std::size_t most = (set != 0 ? set / 8 * 3 : defaultCells) / std::max<std::size_t>(1, nbBuffers) +
-                                 (set != 0 ? 0 : 2 * rowBytes * size_.y);
-        // All of a block, or as much of it as fits: channels rather than planes, planes rather than times.
-        std::size_t fits =
-            std::max<std::size_t>(1, (most - most / 8) / (rowBytes * std::max<std::size_t>(1, sweepRows)));
+        const std::size_t most =
+            (getShares().cells + getPlanesMore(rowBytes * size_.y)) / std::max<std::size_t>(1, nbBuffers);
+        // All of a block, or as much of it as fits, in parts of one size: channels rather than planes, planes rather
+        // than times. With room for the cell that comes next.
+        const std::size_t slack = std::min(most / 8, 4 * cellBytes);
+        const std::size_t layerBytes = rowBytes * (std::max<std::size_t>(1, sweepRows) + std::min(block.y, size_.y));
+        std::size_t fits = std::max<std::size_t>(1, (most - slack) / layerBytes);
         const auto take = [&](std::size_t side, std::size_t whole) {
-            const std::size_t taken = std::min({side, whole, fits});
-            fits /= std::max<std::size_t>(1, taken);
-            fits = std::max<std::size_t>(1, fits);
-            return std::max<std::size_t>(1, taken);
+            side = std::max<std::size_t>(1, std::min(side, whole));
+            const std::size_t nbParts = (side + fits - 1) / fits;
+            const std::size_t taken = (side + nbParts - 1) / nbParts;
+            fits = std::max<std::size_t>(1, fits / taken);
+            return taken;
         };
         Grid grid;
         grid.channels = take(block.c, size_.c);
@@ -328,8 +357,8 @@ private:
         grid.times = take(block.t, size_.t);
         const std::size_t layers = grid.channels * grid.planes * grid.times;
         grid.rows = block.y * std::max<std::size_t>(1, cellBytes / (rowBytes * layers * block.y));
-        const std::size_t needed = layers == 1 ? 0 : rowBytes * sweepRows * layers;
-        grid.capacity = std::min(most, needed + needed / 8 + 12 * mebibyte);
+        const std::size_t needed = layers == 1 ? 2 * rowBytes * grid.rows : layerBytes * layers;
+        grid.capacity = std::min(most, needed + 12 * mebibyte);
         return grid;
     }
 
@@ -375,8 +404,8 @@ private:
         return box;
     }
 
-    /// The cell that a pixel lies in.
-    CellPtr find(const Grid& grid, const Position& at)
+    /// The cell that a pixel lies in; null where there is no room for what `isAhead`.
+    CellPtr find(const Grid& grid, const Position& at, bool isAhead = false)
     {
         const Box box = boxOfCell(grid, at);
         const Key key{box.begin.t, box.begin.c, box.begin.z, box.begin.y,
@@ -392,7 +421,10 @@ private:
             fresh->nbParts = count(0, size_.x, blockColumns(), phaseX) *
                              (layout_.block.y == 1 ? 1 : count(box.begin.y, box.size.y, blockRows(*fresh), phaseY));
             try {
-                makeRoom(grid.capacity, fresh->bytes);
+                if (!makeRoom(grid.capacity, fresh->bytes) && isAhead) {
+                    byPlace_.erase(key);
+                    return nullptr;
+                }
                 fresh->pixels = takeBlock(fresh->bytes);
             } catch (...) {
                 byPlace_.erase(key);
@@ -405,8 +437,8 @@ private:
         return cell;
     }
 
-    /// Drops the cells that were not used for the longest time, and by nobody now.
-    void makeRoom(std::size_t capacity, std::size_t bytes)
+    /// Drops the cells that were not used for the longest time, and by nobody now; false where that is not enough.
+    bool makeRoom(std::size_t capacity, std::size_t bytes)
     {
         while (bytes_ + bytes > capacity) {
             auto oldest = byPlace_.end();
@@ -417,11 +449,12 @@ private:
                 }
             }
             if (oldest == byPlace_.end()) {
-                return;
+                return false;
             }
             bytes_ -= oldest->second->bytes;
             byPlace_.erase(oldest);
         }
+        return true;
     }
 
     /// Decodes what is missing of a cell, together with others who need it. Throws where that failed.
@@ -472,12 +505,6 @@ private:
     {
         return layout_.block == ImageGeometry{1, 1, 1, 1, 1} ? 0 : 2 * layout_.block.nbPixels() * pixelSize_;
     }
-    static std::size_t maxDecode()
-    {
-        const std::size_t set = core::settings::getPixelMemory();
-        return set != 0 ? set / 4 : defaultDecode;
-    }
-
     void decode(Cell& cell, std::unique_lock<std::mutex>& lock)
     {
         while (cell.nextPart < cell.nbParts) {
@@ -486,7 +513,7 @@ private:
             lock.unlock();
             std::optional<std::string> failure;
             const std::size_t scratch = getScratch();
-            decodeRoom.take(scratch, maxDecode());
+            decodeRoom.take(scratch, getShares().decode);
             try {
                 const Box box = boxOfPart(cell, part);
                 const PixelTarget all{cell.pixels.get(), ImageStrides::contiguous(cell.box.size, pixelSize_)};
@@ -658,7 +685,10 @@ private:
             lock.unlock();
             for (std::size_t bytes = 0; at && bytes < readAheadBytes && !ends_;) {
                 try {
-                    const CellPtr cell = find(grid, *at);
+                    const CellPtr cell = find(grid, *at, true);
+                    if (!cell) {
+                        break;
+                    }
                     bytes += cell->bytes;
                     complete(grid, cell);
                     at = next(grid, cell->box, sweep);
