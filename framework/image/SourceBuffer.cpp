@@ -155,10 +155,11 @@ public:
 private:
     void shrink()
     {
+        constexpr std::size_t least = 4 * mebibyte;
         constexpr std::size_t most = 32 * mebibyte;
         const Shares shares = getShares();
         const std::size_t all = shares.loads + shares.decode + shares.cells;
-        const std::size_t kept = std::min(most, all - std::min(all, taken_));
+        const std::size_t kept = std::max(least, std::min(most, all - std::min(all, taken_)));
         while (free_ > kept) {
             free_ -= blocks_.front().get_deleter().size;
             blocks_.erase(blocks_.begin());

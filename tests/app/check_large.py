@@ -64,6 +64,7 @@ def write_files(pixels):
     tifffile.imwrite("strips.tif", pixels, metadata={"axes": "TCZYX"}, compression="zlib", rowsperstrip=7)
     tifffile.imwrite("tiles.tif", pixels, metadata={"axes": "TCZYX"}, compression="zlib", tile=(128, 256), bigtiff=True)
     tifffile.imwrite("raw.tif", pixels, metadata={"axes": "TCZYX"}, byteorder=">")
+    tifffile.imwrite("halves.tif", pixels[0, 0] / 8, metadata={"axes": "ZYX"}, tile=(64, 64))  # changes as integers
     with h5py.File("chunks.h5", "w") as file:
         file.create_dataset("d", data=pixels, chunks=(1, 2, 3, 64, 200), compression="gzip", shuffle=True,
                             fletcher32=True)
@@ -135,6 +136,10 @@ def check_results():
                     ["describe", "double.npy", "--as", "float32", "--moments", "4"],
                     ["stats", "tiles.tif", "--region", "77:900,31:170", "--plane", "z=1:4,c=1"],
                     ["describe", "shards.zarr", "--region", "77:900,31:170", "--plane", "z=1:4,t=1"],
+                    ["stats", "tiles.tif", "--region", "700:1000,140:180", "--per", "plan"],
+                    ["describe", "chunks.zarr", "--region", "700:1000,140:180"],
+                    ["describe", "chunks.h5", "--region", "700:1000,140:180", "--plane", "z=3:5"],
+                    ["stats", "halves.tif", "--as", "uint8"], ["describe", "halves.tif", "--as", "uint8"],
                     ["noise", "strips.tif", "--region", "77:900,31:170"]):
         check_alike("any", *command, "--json")
     for sample in ("cells.tif", "stack.ome.tif", "frames.tif", "colour.png"):
@@ -172,7 +177,8 @@ def check_memory():
         measure("project", "large.npy", "--axis", "z", "--stat", statistic, "-o", "out.tif")
         found = tifffile.imread("out.tif")
         check(f"z {statistic}: {found[17, 2000]}", found[17, 2000] == expected)
-    printed, _ = run("project", "large.npy", "--axis", "z", "--stat", "median", "-o", "out.tif", "--memory", "256M")
+    _, peak = run("project", "large.npy", "--axis", "z", "--stat", "median", "-o", "out.tif", "--memory", "256M")
+    check(f"a median in 256 MiB took {peak:.0f} MiB", peak < 256 + 100)
     found = measure("locate", "bytes.npy", "--binary", "--per", "volume")[0]["Coordinates"]
     check(f"locate: {found}", sorted(found) == sorted([x, y, z] for z, y, x in points))
     for command in (["noise", "large.npy"], ["entropy", "large.npy"], ["kde", "large.npy", "--samples", "20"],
@@ -185,6 +191,23 @@ def check_memory():
     for command in (["stats"], ["stats", "--per", "volume"], ["describe"]):
         found = measure(command[0], "large.zarr", *command[1:])[0]
         check(f"zarr {command}: {found}", found["Min"] == 5 and found["Max"] == 5)
+
+
+def check_chunks():
+    """Chunks that do not compress, of which no layer fits."""
+    random = np.random.default_rng(7)
+    shape = (80, 1024, 2048)
+    for name in ("deep.zarr", "other.zarr"):
+        array = zarr.create_array(name, shape=shape, dtype=np.uint16, chunks=(64, 512, 512))
+        for z, y, x in np.ndindex(2, 2, 4):
+            place = tuple(slice(at * side, (at + 1) * side) for at, side in zip((z, y, x), array.chunks))
+            array[place] = random.integers(0, 65536, array[place].shape, dtype=np.uint16)
+    bound = 400 + 4 * shape[1] * shape[2] * 2 / 2**20
+    for command in (["stats", "deep.zarr"], ["stats", "deep.zarr", "--per", "volume"], ["describe", "deep.zarr"],
+                    ["project", "deep.zarr", "--axis", "z", "--stat", "mean", "-o", "out.tif"],
+                    ["ncc", "deep.zarr", "other.zarr"], ["compare", "deep.zarr", "other.zarr", "--no-ssim"]):
+        _, peak = run(*command, "--quiet")
+        check(f"{command} took {peak:.0f} MiB", peak < bound)
 
 
 def check_openings():
@@ -250,7 +273,7 @@ def check_interrupt():
 
 with tempfile.TemporaryDirectory() as folder:
     os.chdir(folder)
-    for part in (check_results, check_memory, check_openings, check_interrupt):
+    for part in (check_results, check_memory, check_chunks, check_openings, check_interrupt):
         began = time.monotonic()
         part()
         print(f"{part.__name__}: {time.monotonic() - began:.0f} s")
