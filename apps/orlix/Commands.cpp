@@ -515,7 +515,7 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
         command
             .add_option(
                 "--memory", options.memory,
-                "bound of the memory for pixels, as 2G (default: what is needed, a quarter of the machine's at most)")
+                "bound of the memory for pixels, as 2G (default: little; a quarter of the machine's for medians along z and t)")
             ->transform(CLI::AsSizeValue(false).description(""))
             ->type_name("SIZE")
             ->group("Machine");

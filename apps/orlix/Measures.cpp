@@ -319,7 +319,7 @@ void projectStack(const MeasureForm& form, const Options& options, const Inputs&
         watch.run(processor);
         return output;
     };
-    files::TiffPages pages{options.output, type, size, describeProjection(options, inputs.facts)};
+    files::TiffWriter pages{options.output, type, size, describeProjection(options, inputs.facts)};
     const std::size_t together = pages.getNbChannels();
     std::size_t limited = 0;
     const image::PlanRange plans{{size.x, size.y, size.c / together, size.z, size.t}, ePlanKind::ePK_Plan2d};

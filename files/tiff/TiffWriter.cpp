@@ -122,8 +122,8 @@ bool writePage(TIFF* tiff, const image::BaseImage& image)
 
 } // namespace
 
-TiffPages::TiffPages(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& size,
-                     const ImageFacts& facts)
+TiffWriter::TiffWriter(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& size,
+                       const ImageFacts& facts)
     : path_{path}, type_{type}, size_{size}, facts_{facts}, file_{path}
 {
     constexpr std::size_t largestClassic = std::size_t{4000} << 20;
@@ -135,19 +135,19 @@ TiffPages::TiffPages(const std::string& path, image::eImageBufferType type, cons
     check(tiff_ != nullptr);
 }
 
-std::size_t TiffPages::getNbChannels() const
+std::size_t TiffWriter::getNbChannels() const
 {
     return isColour(type_, size_, facts_) ? size_.c : 1;
 }
 
-void TiffPages::write(const image::BaseImage& page)
+void TiffWriter::write(const image::BaseImage& page)
 {
     errno = 0;
     setTags(tiff_.get(), type_, size_, facts_, nbPages_++ == 0);
     check(writePage(tiff_.get(), page));
 }
 
-void TiffPages::keep()
+void TiffWriter::keep()
 {
     errno = 0;
     tiff_.reset();
@@ -155,7 +155,7 @@ void TiffPages::keep()
     file_.keep();
 }
 
-void TiffPages::check(bool isFine) const
+void TiffWriter::check(bool isFine) const
 {
     const std::string& reason = messages_.error;
     if (!isFine || !reason.empty()) {

@@ -14,12 +14,12 @@ namespace orlix::files
 /// A TIFF file of a numeric type that is written page by page, with its axes as ImageJ states them. Of `facts` the file
 /// keeps the photometric interpretation, the size of pixels, and the scale of numbers. It takes the place of an older
 /// one only when it is kept.
-class TiffPages
+class TiffWriter
 {
 public:
     /// Throws FileError, as all of them do.
-    TiffPages(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& size,
-              const ImageFacts& facts = {});
+    TiffWriter(const std::string& path, image::eImageBufferType type, const image::ImageGeometry& size,
+               const ImageFacts& facts = {});
 
     /// How many channels are the samples of one page: all of them, where they are colours.
     std::size_t getNbChannels() const;

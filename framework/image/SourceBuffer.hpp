@@ -17,8 +17,8 @@ struct LoadedBox
     Ptr<const void> owner{};
 };
 
-/// The bytes that what is loaded may take, of those that settings::setPixelMemory() allows; `otherwise` where it was not
-/// called.
+/// The bytes that what is loaded may take, of those that settings::setPixelMemory() allows; `otherwise` where it was
+/// not called.
 ORLIX_API std::size_t getLoadMemory(std::size_t otherwise);
 
 /// Room in memory for what a worker loads, of all its images together: waits until there is some. A worker asks for

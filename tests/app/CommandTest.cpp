@@ -651,7 +651,7 @@ TEST_F(CommandTest, RefusesWhatIsWrong)
 TEST_F(CommandTest, NotesWhatAUserShouldKnow)
 {
     const auto make = [&](const std::string& name, const auto& image) {
-        files::TiffPages pages{path(name), image->getType(), image->getGeometry()};
+        files::TiffWriter pages{path(name), image->getType(), image->getGeometry()};
         const image::ImageGeometry size = image->getGeometry();
         const image::PlanRange plans{{size.x, size.y, size.c, size.z, size.t}, image::ePlanKind::ePK_Plan2d};
         for (std::size_t i = 0; i < plans.size(); ++i) { // c fastest
