@@ -27,7 +27,7 @@ ORLIX_API void setMemoryLimit(std::size_t bytes);
 ORLIX_API std::size_t getMemoryLimit();
 
 /// The bytes that pixels may take together which are fetched from sources: of images that are no buffers. 0, the
-/// default, stands for what the images need: less than 320 MiB and four planes, and for medians along z or time, which
+/// default, stands for what the images need: less than 350 MiB and four planes, and for medians along z or time, which
 /// need all planes of some rows at once, a quarter of the machine's memory.
 ORLIX_API void setPixelMemory(std::size_t bytes);
 /// 0: as much as is needed.

@@ -43,8 +43,9 @@ void Level::runChildren(std::size_t begin, std::size_t end, const RunContext& ch
     const Ptr<BaseProcessor> child = child_->processorClass->getCreators().processor();
     (void)child->init(eProcessorRulePolicy::eRP_CheckRules);
     child->setDispatchPolicy(getDispatchPolicy());
+    const bool gathers = gathersChannels();
     for (std::size_t k = begin; k < end && !childContext.cancelled() && !failure; ++k) {
-        const std::size_t i = findChild(k);
+        const std::size_t i = gathers ? findGathered(k) : k;
         ProcessingResult result;
         try {
             const attr::Share share = getShare(i);
@@ -165,16 +166,17 @@ std::size_t Level::findGrain(std::size_t children) const
     return grain;
 }
 
-std::size_t Level::findChild(std::size_t i) const
+bool Level::gathersChannels() const
 {
-    const image::BaseImage& image = *getAttributes().front()->getImage();
-    const image::ImageGeometry& size = image.getGeometry();
+    const BaseAttribute& first = *getAttributes().front();
     const bool isOfPlans = child_->cut == nullptr && plans_.size() == getNbChildren() &&
-                           getAttributes().front()->getPlanKind() == image::ePlanKind::ePK_Plan2d;
-    if (!isOfPlans || !takesAnyOrder() || image.getLayout().block.c == 1) {
-        return i;
-    }
-    // Channels that are decoded together are measured one behind the other.
+                           first.getPlanKind() == image::ePlanKind::ePK_Plan2d;
+    return isOfPlans && takesAnyOrder() && first.getImage()->getLayout().block.c > 1;
+}
+
+std::size_t Level::findGathered(std::size_t i) const
+{
+    const image::ImageGeometry& size = getAttributes().front()->getImage()->getGeometry();
     const std::size_t c = i % size.c;
     const std::size_t z = i / size.c % size.z;
     const std::size_t t = i / size.c / size.z;

@@ -101,8 +101,10 @@ protected:
     std::size_t cut();
     /// How many children are worth another thread.
     std::size_t findGrain(std::size_t children) const;
-    /// The child that is the i-th to begin.
-    std::size_t findChild(std::size_t i) const;
+    /// Whether channels that are decoded together are measured one behind the other.
+    bool gathersChannels() const;
+    /// The child that is the i-th to begin, then.
+    std::size_t findGathered(std::size_t i) const;
     attr::Share getShare(std::size_t child) const;
     /// What the children left in their outputs, child by child.
     Merge::Parts getParts() const { return {parts_.data(), parts_.size()}; }
