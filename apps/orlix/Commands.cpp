@@ -513,9 +513,9 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
         ->group("Machine");
     if (verb.takesImages() && verb.name != "info") {
         command
-            .add_option(
-                "--memory", options.memory,
-                "bound of the memory for pixels, as 2G (default: little; a quarter of the machine's for medians along z and t)")
+            .add_option("--memory", options.memory,
+                        "bound of the memory for pixels, as 2G (default: little; a quarter of the machine's for "
+                        "medians along z and t)")
             ->transform(CLI::AsSizeValue(false).description(""))
             ->type_name("SIZE")
             ->group("Machine");
