@@ -564,7 +564,7 @@ private:
     /// Bytes of one weight that lie together go back to their elements.
     static ByteBlock unshuffle(const ByteBlock& from, std::size_t pixelSize)
     {
-        const ByteBlock to{from.size()};
+        ByteBlock to{from.size()};
         const std::size_t count = from.size() / pixelSize;
         for (std::size_t byte = 0; byte < pixelSize; ++byte) {
             const std::byte* const plane = from.data() + byte * count;

@@ -248,7 +248,7 @@ private:
             if (offset > size || count > size - offset) {
                 fail("its chunk " + name + " is cut short");
             }
-            const ByteBlock loaded{count};
+            ByteBlock loaded{count};
             bytes->read(offset, loaded.size(), loaded.data());
             return loaded;
         };
