@@ -227,16 +227,16 @@ def check_interrupt():
     """A run of minutes ends on Ctrl-C, and leaves nothing behind. Waits are bounded, and long."""
     np.lib.format.open_memmap("endless.npy", mode="w+", dtype=np.uint8, shape=(100000, 2000, 2000)).flush()
     before = set(os.listdir("."))
+    signal.signal(signal.SIGINT, signal.default_int_handler)  # a script in the background ignores it, and what it runs
 
     def waits_for_interrupt(process):
         with open(f"/proc/{process}/status") as status:
             caught = int(next(line for line in status if line.startswith("SigCgt")).split()[1], 16)
             return caught >> (signal.SIGINT - 1) & 1
 
-    def start(arguments, prepare):
+    def start(arguments):
         process, terminal = pty.fork()
         if process == 0:
-            prepare()
             os.execv(ORLIX, [ORLIX, *arguments])
         return process, terminal
 
@@ -253,11 +253,12 @@ def check_interrupt():
 
     for arguments in (["stats", "endless.npy"], ["describe", "endless.npy", "-o", "out.json"],
                       ["project", "endless.npy", "--axis", "z", "--stat", "mean", "-o", "z.tif"]):
-        process, terminal = start(arguments, lambda: None)
+        process, terminal = start(arguments)
         text = read(terminal, r"\d+ % \[.*\].*/s.*left", 60)
         check(f"{arguments}: there is no bar: {text!r}", "left" in text)
         os.write(terminal, b"\x03")
         read(terminal, "never", 60)
+        os.kill(process, signal.SIGKILL)  # where it has not ended
         _, status = os.waitpid(process, 0)
         check(f"{arguments}: status {status}", os.waitstatus_to_exitcode(status) == 130)
         os.close(terminal)
