@@ -13,7 +13,7 @@
 
 #include <framework/core/Settings.hpp>
 #include <framework/process/BaseProcessingAlgorithm.hpp>
-#include <framework/process/MeasureList.hpp>
+#include <framework/process/MeasureRun.hpp>
 #include <framework/process/ProcessorFactory.hpp>
 
 #include <CLI/CLI.hpp>
@@ -254,14 +254,11 @@ std::vector<Verb> listVerbs()
 
 constexpr std::string_view laterVerbs[] = {"report"};
 
-CLI::Validator finiteAbove(double least)
+CLI::Validator finite()
 {
-    const auto check = [least](const std::string& text) -> std::string {
+    const auto check = [](const std::string& text) -> std::string {
         double x = 0;
-        if (!CLI::detail::lexical_cast(text, x) || !std::isfinite(x)) {
-            return text + " is not a finite number";
-        }
-        return x > least ? "" : text + " is not above " + toJson(least).dump();
+        return CLI::detail::lexical_cast(text, x) && std::isfinite(x) ? "" : text + " is not a finite number";
     };
     return CLI::Validator{check, ""};
 }
@@ -274,7 +271,7 @@ CLI::Validator bandwidth()
             text = lower;
             return {};
         }
-        return finiteAbove(0)(text).empty() ? "" : text + " is neither silverman nor scott nor a number above 0";
+        return finite()(text).empty() ? "" : text + " is neither silverman nor scott nor a number above 0";
     };
     return CLI::Validator{check, ""};
 }
@@ -330,6 +327,13 @@ CLI::Option* addChoice(CLI::App& command, const std::string& name, std::string& 
         ->type_name(list);
 }
 
+/// What one result covers, the default first. A plane is a plan.
+void addPer(CLI::App& command, std::string& target, const std::vector<std::string>& choices)
+{
+    addChoice(command, "--per", target, choices, "what one result covers (default: " + choices.front() + ")")
+        ->transform([](std::string text) { return CLI::detail::to_lower(text) == "plane" ? "plan" : text; });
+}
+
 /// An option for a parameter of a measure.
 void addParameter(CLI::App& command, const attr::Parameter& parameter, Options& options)
 {
@@ -364,25 +368,8 @@ void addParameter(CLI::App& command, const attr::Parameter& parameter, Options& 
             ->check(countsBins ? wholeIn(1, 0x7fffffff) : wholeIn(parameter.info))
             ->type_name("N");
     } else {
-        command.add_option(option, target, help)
-            ->check(finiteAbove(name == "bin-width" ? 0 : -std::numeric_limits<double>::infinity()))
-            ->type_name("X");
+        command.add_option(option, target, help)->check(finite())->type_name("X");
     }
-}
-
-/// What one result may cover, the default first.
-std::vector<std::string> listPers(const Measure& measure)
-{
-    if (isOfWholeImages(measure)) {
-        return {"image", "plan", "volume"};
-    }
-    std::vector<std::string> pers;
-    for (const MeasureForm& form : measure.forms) {
-        if (std::find(pers.begin(), pers.end(), form.per) == pers.end()) {
-            pers.push_back(form.per);
-        }
-    }
-    return pers;
 }
 
 /// How files are read, and which part of them.
@@ -442,9 +429,12 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
             ->required(!isInfo);
     }
     if (!forms.empty()) {
-        const std::vector<std::string> pers = listPers(verb.measure);
+        std::vector<std::string> pers;
+        for (const Per per : listPers(verb.measure)) {
+            pers.emplace_back(namesOf(per)[static_cast<std::size_t>(per)]);
+        }
         if (pers.size() > 1 && !verb.isProjection()) {
-            addChoice(command, "--per", options.per, pers, "what one result covers (default: " + pers.front() + ")");
+            addPer(command, options.per, pers);
         }
         if (std::any_of(forms.begin(), forms.end(), [](const MeasureForm& form) { return form.takesMask(); })) {
             command.add_option("--mask", options.masks, difference.maskHelp)->type_name("FILE");
@@ -461,17 +451,6 @@ void addOptions(CLI::App& command, const Verb& verb, Options& options)
         command.get_option("--stat")->required();
         addChoice(command, "--out-type", options.outType, {pixelTypes.begin(), pixelTypes.end()},
                   "pixel type of the image that is written (default: the image's)");
-    }
-    if (verb.name == "kde") {
-        command
-            .add_option("--seed", options.seed,
-                        "seed of the sample, which it repeats for one plan, or with --threads 1")
-            ->type_name("N");
-    }
-    if (verb.name == "similarity") {
-        command.add_option("--peak", options.peak, "peak of the signal (default: 255)")
-            ->check(finiteAbove(0))
-            ->type_name("P");
     }
     if (difference.takesBinary) {
         command.add_flag("--binary", options.binary, "read any pixel that is not 0 as set");
@@ -570,14 +549,12 @@ void settle(const Verb& verb, Options& options)
     if (options.gpu && !options.isa.empty()) {
         throw UsageError{"--gpu and --isa do not go together: an instruction set is the CPU's"};
     }
-    if (options.has("min") != options.has("max")) {
-        throw UsageError{"--min and --max go together: give both or neither"};
-    }
-    if (options.has("min") && *options.number("min") > *options.number("max")) {
-        throw UsageError{"--min is above --max"};
-    }
-    if (options.has("bin-width") && options.has("classes")) {
-        throw UsageError{"--bin-width and --classes say the same thing: give one of them"};
+    if (verb.measure.extras.check != nullptr) {
+        try {
+            verb.measure.extras.check(listParameters(verb.measure, options));
+        } catch (const MeasureException& error) {
+            throw UsageError{std::string{error.what()} + " (see orlix " + verb.name + " --help)"};
+        }
     }
     if (options.json && options.csv) {
         throw UsageError{"--json and --csv do not go together: give one of them"};

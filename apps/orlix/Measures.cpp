@@ -9,17 +9,14 @@
 #include <orlix/Progress.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GaussianNoiseMsr/GaussianNoiseMsr.hpp>
-#include <framework/attribute/HistogramData.hpp>
-#include <framework/attribute/KDEDataSet.hpp>
 #include <framework/attribute/Projection.hpp>
-#include <framework/attribute/StatsResult.hpp>
-#include <framework/core/Random.hpp>
+#include <framework/process/MeasureRun.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
-#include <limits>
+#include <sstream>
 
 namespace orlix::app
 {
@@ -33,60 +30,31 @@ using image::ePlanKind;
 namespace
 {
 
-/// A result with the place of its plan or volume in the whole image before it.
-Json placeResult(const image::PlanIndex& plan, ePlanKind kind, const files::Position& origin,
-                 const data::BaseDataItem& result)
-{
-    Json row = Json::object();
-    if (kind == ePlanKind::ePK_Plan2d) {
-        row["z"] = plan.z + origin.z;
-    }
-    row["c"] = plan.c + origin.c;
-    row["t"] = plan.t + origin.t;
-    row["result"] = toJson(result);
-    return row;
-}
-
-/// One row per element of a collection, with the coordinates of its plan or volume before its fields.
-std::vector<Json> listResults(const attr::BasePlanIndexedColl& collection, ePlanKind kind,
-                              const files::Position& origin)
-{
-    std::vector<Json> rows;
-    for (std::size_t i = 0; i < collection.size(); ++i) {
-        rows.push_back(placeResult(collection.getPlan(i), kind, origin, *collection.getElement(i)));
-    }
-    return rows;
-}
-
-/// Its fields instead of the record of every row.
-void spreadResults(Report& report)
-{
-    for (Json& row : report.results) {
-        const Json result = row["result"];
-        row.erase("result");
-        row.update(result);
-    }
-}
-
 /// Without a name from the library, whose measures are on the list, the linker would leave it out.
 [[maybe_unused]] const auto volatile linked = &glbmsr::gaussianNoiseMsr;
+
+std::vector<double> parseList(const std::string& text)
+{
+    std::vector<double> numbers;
+    std::istringstream stream{text == "none" ? "" : text};
+    for (std::string each; std::getline(stream, each, ',');) {
+        numbers.push_back(std::strtod(each.c_str(), nullptr));
+    }
+    return numbers;
+}
 
 double countAllBytes(const Inputs& inputs)
 {
     return countBytes(*inputs.image) + (inputs.image2 ? countBytes(*inputs.image2) : 0);
 }
 
-/// The form of a measure that the options ask for; that of the whole image where each plan or volume is one.
-const MeasureForm& chooseForm(const Measure& measure, const Options& options)
+/// What results cover, as the options say or the measure has it.
+Per getPer(const Measure& measure, const Options& options)
 {
-    const bool isMasked = !options.masks.empty();
-    for (const MeasureForm& form : measure.forms) {
-        const bool covers = options.per.empty() || form.per == options.per || isOfWholeImages(measure);
-        if (covers && (isMasked ? form.takesMask() : !form.needsMask())) {
-            return form;
-        }
-    }
-    throw UsageError{"there is no " + measure.verb + " --per " + options.per + (isMasked ? " under a mask" : "")};
+    const std::vector<Per> pers = listPers(measure);
+    const auto found = std::find_if(
+        pers.begin(), pers.end(), [&](Per per) { return namesOf(per)[static_cast<std::size_t>(per)] == options.per; });
+    return found == pers.end() ? pers.front() : *found;
 }
 
 /// Notes what holds of some results.
@@ -101,7 +69,7 @@ void note(Report& report, const std::string& text, std::size_t nbResults)
 }
 
 /// Notes where the formulas of the statistics give no number.
-void noteNaN(Report& report)
+void noteNaN(const Options&, const Inputs&, Per, Report& report)
 {
     std::size_t nanSums = 0;
     std::size_t infiniteSums = 0;
@@ -127,57 +95,48 @@ void noteNaN(Report& report)
          nanDeviations);
 }
 
-/// The form of a measure that takes one image, without a mask.
-const MeasureForm& findForm(const Measure& measure, const std::string& per)
-{
-    return *std::find_if(measure.forms.begin(), measure.forms.end(),
-                         [&](const MeasureForm& form) { return form.per == per && !form.needsMask(); });
-}
-
 /// The statistics of an image, of each of its plans, or of its volumes.
-std::vector<Ptr<const attr::StatsResult>> measureStatistics(const Options& options, const Ptr<const BaseImage>& image,
-                                                            const std::string& per)
+std::vector<NamedFields> measureStatistics(const Options& options, const Ptr<const BaseImage>& image, Per per)
 {
     const std::vector<Measure> measures = MeasureList::getInstance().getMeasures();
-    const auto stats =
-        std::find_if(measures.begin(), measures.end(), [](const Measure& each) { return each.verb == "stats"; });
-    const Ptr<BaseProcessor> processor = findForm(*stats, per).create();
-    processor->getAttributes().front()->setImage(image);
-    Watch{options.image.name, countBytes(*image), 1, options.quiet}.run(processor);
-    const attr::BaseAttribute& output = *processor->getAttributes().back();
-    const attr::BasePlanIndexedColl* const parts = output.getCollection();
-    if (parts == nullptr) {
-        return {boost::static_pointer_cast<const attr::StatsResult>(output.shareRecord())};
-    }
-    std::vector<Ptr<const attr::StatsResult>> results;
-    for (std::size_t i = 0; i < parts->size(); ++i) {
-        results.push_back(boost::static_pointer_cast<const attr::StatsResult>(parts->getStorage(parts->getPlan(i))));
+    const Measure& stats =
+        *std::find_if(measures.begin(), measures.end(), [](const Measure& each) { return each.verb == "stats"; });
+    const MeasureCall call{stats, *findForm(stats, per, false), per, {image}, {}, {}};
+    Watch watch{options.image.name, countBytes(*image), 1, options.quiet};
+    std::vector<NamedFields> results;
+    for (ResultRow& row : measure(call, [&](const Ptr<BaseProcessor>& processor) { watch.run(processor); })) {
+        results.push_back(std::move(row.fields));
     }
     return results;
 }
 
+double getNumber(const NamedFields& fields, std::string_view name)
+{
+    const auto isIt = [name](const auto& field) { return field.first == name; };
+    return std::get<double>(std::find_if(fields.begin(), fields.end(), isIt)->second.value);
+}
+
 /// The pixels that each result covers: all, or those inside the mask.
-std::vector<double> countPixels(const Options& options, const Inputs& inputs, std::size_t nbResults)
+std::vector<double> countPixels(const Options& options, const Inputs& inputs, Per per, std::size_t nbResults)
 {
     if (!inputs.mask) {
         const auto pixels = static_cast<double>(inputs.image->getGeometry().nbPixels());
         return std::vector(nbResults, pixels / static_cast<double>(nbResults));
     }
-    const bool isOfParts = options.per == "plan" || options.per == "volume";
     std::vector<double> pixels;
-    for (const auto& part : measureStatistics(options, inputs.mask, isOfParts ? options.per : "image")) {
-        pixels.push_back(part->Sum);
+    for (const NamedFields& part : measureStatistics(options, inputs.mask, per)) {
+        pixels.push_back(getNumber(part, "Sum"));
     }
     return pixels;
 }
 
 /// Notes pixels that are in no class although nobody gave a range, and classes that are not those asked for.
-void noteClasses(const Options& options, const Inputs& inputs, Report& report)
+void noteClasses(const Options& options, const Inputs& inputs, Per per, Report& report)
 {
     std::size_t outside = 0;
     std::size_t otherWidths = 0;
     std::size_t otherNumbers = 0;
-    const std::vector<double> pixels = countPixels(options, inputs, report.results.size());
+    const std::vector<double> pixels = countPixels(options, inputs, per, report.results.size());
     for (std::size_t i = 0; i < report.results.size(); ++i) {
         const Json& row = report.results[i];
         std::uint64_t counted = 0;
@@ -199,16 +158,17 @@ void noteClasses(const Options& options, const Inputs& inputs, Report& report)
 }
 
 /// The same for the entropy, whose histograms are not seen: from the ranges of the plans.
-void noteEntropyClasses(const Options& options, const Ptr<const BaseImage>& image, Report& report)
+void noteEntropyClasses(const Options& options, const Inputs& inputs, Per, Report& report)
 {
+    const Ptr<const BaseImage>& image = inputs.image;
     if (!options.has("bin-width") && !options.has("classes")) {
         return;
     }
     const bool isFloat = image->getType() == eImageBufferType::eIBT_Float32;
     std::size_t replaced = 0;
-    for (const auto& range : measureStatistics(options, image, "plan")) {
-        const double min = options.number("min").value_or(range->Min);
-        const double max = options.number("max").value_or(range->Max);
+    for (const NamedFields& range : measureStatistics(options, image, Per::Plan)) {
+        const double min = options.number("min").value_or(getNumber(range, "Min"));
+        const double max = options.number("max").value_or(getNumber(range, "Max"));
         const double span = max - min + (isFloat ? 0 : 1);
         const double width = options.number("bin-width").value_or(span / options.number("classes").value_or(1));
         constexpr double mostClasses = std::numeric_limits<std::int32_t>::max();
@@ -224,38 +184,6 @@ const MeasureForm& findProjection(const Measure& measure, const Options& options
     const std::string name = options.axis == "t" ? "seq" : options.axis;
     return *std::find_if(measure.forms.begin(), measure.forms.end(),
                          [&](const MeasureForm& form) { return form.function.starts_with(name); });
-}
-
-/// Hands the images to a processor: all of them, or what lies in a plan or volume.
-void setImages(BaseProcessor& processor, const MeasureForm& form, const Options& options, const Inputs& inputs,
-               const std::optional<std::pair<image::PlanIndex, ePlanKind>>& part = {})
-{
-    bool isFirst = true;
-    for (const MeasureInput& input : form.inputs) {
-        auto image = input.isMask ? inputs.mask : isFirst ? inputs.image : inputs.image2;
-        isFirst = false;
-        if (image && part) {
-            image = image->getSubImage(part->first, part->second);
-        }
-        processor.getAttribute(input.name).setImage(options.gpu ? placeOnGpu(image) : image);
-    }
-}
-
-/// A result for each plan or volume, of a form that knows single images only.
-template <class Prepare>
-void measureParts(const MeasureForm& form, const Options& options, const Inputs& inputs, ePlanKind kind,
-                  Prepare prepare, Report& report)
-{
-    const image::PlanRange parts{inputs.image->getGeometry(), kind};
-    const auto processor = form.create();
-    Watch watch{options.image.name, countAllBytes(inputs), parts.size(), options.quiet};
-    for (std::size_t i = 0; i < parts.size(); ++i) {
-        setImages(*processor, form, options, inputs, std::pair{parts[i], kind});
-        prepare(*processor);
-        watch.run(processor);
-        report.results.push_back(
-            placeResult(parts[i], kind, inputs.origin, *processor->getAttributes().back()->getRecord()));
-    }
 }
 
 /// The pixels of a projection that its type could not hold. `inFloat` makes the projection again; only where pixels are
@@ -346,30 +274,33 @@ void projectStack(const MeasureForm& form, const Options& options, const Inputs&
     report.results = {row};
 }
 
-/// The histogram parameters that the options make; null where the library's own rule is to hold.
-Ptr<const attr::HistoMsrParams> makeParams(const Options& options, const BaseImage& image)
-{
-    if (!options.has("min") && !options.has("bin-width") && !options.has("classes")) {
-        return nullptr;
-    }
-    auto params = makePtr<attr::HistoMsrParams>();
-    params->UseBinWidth = options.has("bin-width");
-    params->BinWidth = options.number("bin-width").value_or(0);
-    params->NbClasses = static_cast<std::uint32_t>(options.number("classes").value_or(256));
-    if (options.has("min")) {
-        const auto [lowest, highest] = image::getValueRange(image.getType());
-        params->Min = *options.number("min");
-        params->Max = *options.number("max");
-        if (params->Min < lowest || params->Max > highest) {
-            throw UsageError{options.image.name + ": --min and --max of " + image::getName(image.getType()) +
-                             " pixels lie from " + toJson(lowest).dump() + " to " + toJson(highest).dump()};
-        }
-        params->MinMaxDefinition = attr::eMinMaxDefinition::eMMD_UserDefinedMinMax;
-    }
-    return params;
-}
-
 } // namespace
+
+NamedValues listParameters(const Measure& measure, const Options& options)
+{
+    NamedValues values;
+    for (const attr::Parameter& parameter : measure.parameters) {
+        const std::string text = options.text(parameter.info.option);
+        if (text.empty()) {
+            continue;
+        }
+        const auto isOf = [&]<class T>(std::type_identity<T>) {
+            return parameter.defaultValue && std::holds_alternative<T>(*parameter.defaultValue);
+        };
+        const auto& names = parameter.info.enumerators;
+        const bool isName = std::find(names.begin(), names.end(), text) != names.end();
+        data::Value value = std::strtod(text.c_str(), nullptr);
+        if (isName) {
+            value = text;
+        } else if (isOf(std::type_identity<bool>{})) {
+            value = text == "on";
+        } else if (isOf(std::type_identity<std::vector<double>>{})) {
+            value = parseList(text);
+        }
+        values.emplace_back(parameter.info.option, std::move(value));
+    }
+    return values;
+}
 
 Report runInfo(const Options& options)
 {
@@ -379,113 +310,18 @@ Report runInfo(const Options& options)
 namespace
 {
 
-void setBins(BaseProcessor& processor, const Options& options, const Inputs& inputs)
+/// The lowest label is the background, whatever it is.
+void noteBackground(const Options& options, const Inputs& inputs, Per per, Report& report)
 {
-    processor.set<attr::InOptHistoMsrParams>(makeParams(options, *inputs.image));
-}
-
-/// Of the entropy: the same for every plan.
-void setBinsOfPlans(BaseProcessor& processor, const Options& options, const Inputs& inputs)
-{
-    if (const auto params = makeParams(options, *inputs.image)) {
-        auto planParams = makePtr<attr::PlanIndexedHistoMsrParams>();
-        const image::PlanRange plans{inputs.image->getGeometry(), ePlanKind::ePK_Plan2d};
-        for (std::size_t i = 0; i < plans.size(); ++i) {
-            planParams->insert(plans[i], makePtr<attr::HistoMsrParams>(*params));
-        }
-        processor.set<attr::InOptPIHistoMsrParams>(planParams);
-    }
-}
-
-void setSample(BaseProcessor& processor, const Options& options, const Inputs&)
-{
-    auto policy = makePtr<attr::KDEBandwidthPolicy>();
-    if (const std::string rule = options.text("bandwidth"); rule == "scott") {
-        policy->Rule = attr::eKDEBandwidth::eKB_Scott;
-    } else if (!rule.empty() && rule != "silverman") {
-        policy->Rule = attr::eKDEBandwidth::eKB_Fixed;
-        policy->Bandwidth = *options.number("bandwidth");
-    }
-    processor.set<attr::InOptKDEBandwidthPolicy>(policy);
-    if (options.has("samples")) {
-        processor.setParameter("samples", *options.number("samples"));
-    }
-    core::random::setSeed(options.seed.value_or(core::random::defaultSeed));
-}
-
-void checkTypes(BaseProcessor&, const Options& options, const Inputs& inputs)
-{
-    if (inputs.image->getType() != inputs.image2->getType()) {
-        throw FileError{options.image2.name + ": it is " + image::getName(inputs.image2->getType()) + ", but " +
-                        options.image.name + " is " + image::getName(inputs.image->getType()) +
-                        ": both need the same pixel type"};
-    }
-}
-
-void checkLabels(BaseProcessor&, const Options& options, const Inputs& inputs)
-{
-    if (!image::binaryOrLabelTypes.contains(inputs.image->getType())) {
-        throw FileError{
-            options.image.name + ": it is " + image::getName(inputs.image->getType()) +
-            ", and percent takes uint8, uint16 or uint32 labels, or a binary image: pass --binary to read any "
-            "pixel that is not 0 as set"};
-    }
-}
-
-void setLimit(BaseProcessor& processor, const Options& options, const Inputs& inputs)
-{
-    if (inputs.image->getType() != eImageBufferType::eIBT_Binary) {
-        throw FileError{options.image.name + ": it is " + image::getName(inputs.image->getType()) +
-                        ", and locate takes a binary image: pass --binary to read any pixel that is not 0 as set"};
-    }
-    // The library's own may wrap.
-    processor.setParameter("limit", options.number("limit").value_or(std::numeric_limits<unsigned>::max()));
-}
-
-void finishStats(const Options&, const Inputs&, Report& report)
-{
-    noteNaN(report);
-}
-
-void finishEntropy(const Options& options, const Inputs& inputs, Report& report)
-{
-    noteEntropyClasses(options, inputs.image, report);
-}
-
-void finishCount(const Options& options, const Inputs& inputs, Report& report)
-{
-    for (Json& row : report.results) {
-        row["Count"] = row["Value"];
-        row.erase("Value");
-    }
     std::size_t withoutBackground = 0;
-    for (const auto& part : measureStatistics(options, inputs.image, options.per == "volume" ? "volume" : "plan")) {
-        withoutBackground += part->Min != 0;
+    for (const NamedFields& part : measureStatistics(options, inputs.image, per)) {
+        withoutBackground += getNumber(part, "Min") != 0;
     }
     note(report, "the lowest label is not 0: it was taken for the background, and not counted", withoutBackground);
 }
 
-/// The library's value is the number of pixels times r.
-void finishPearson(const Options& options, const Inputs& inputs, Report& report)
-{
-    const ePlanKind kind = options.per == "volume" ? ePlanKind::ePK_Volume3d : ePlanKind::ePK_Plan2d;
-    const auto pixels = static_cast<double>(getSubGeometry(inputs.image->getGeometry(), kind).nbPixels());
-    for (Json& row : report.results) {
-        row["r"] = row["PearsonCC"].is_number() ? toJson(row["PearsonCC"].get<double>() / pixels) : row["PearsonCC"];
-    }
-}
-
-void finishSimilarity(const Options& options, const Inputs&, Report& report)
-{
-    for (Json& row : report.results) {
-        if (options.peak && row["MSE"].is_number() && row["MSE"] != 0.0) {
-            row["PSNR"] = toJson(20 * std::log10(*options.peak / std::sqrt(row["MSE"].get<double>())));
-        }
-    }
-}
-
 /// Positions are those of the whole image.
-void finishLocate(const Options&, const Inputs& inputs, Report& report)
+void movePositions(const Options&, const Inputs& inputs, Per, Report& report)
 {
     const std::size_t origin[] = {inputs.origin.x, inputs.origin.y, inputs.origin.z};
     for (Json& row : report.results) {
@@ -498,7 +334,7 @@ void finishLocate(const Options&, const Inputs& inputs, Report& report)
 }
 
 /// The surface of the positions in the whole image: a (x - x0)^2 + ... with all brackets opened.
-void finishFit(const Options&, const Inputs& inputs, Report& report)
+void moveFit(const Options&, const Inputs& inputs, Per, Report& report)
 {
     const auto x0 = static_cast<double>(inputs.origin.x);
     const auto y0 = static_cast<double>(inputs.origin.y);
@@ -518,84 +354,64 @@ void finishFit(const Options&, const Inputs& inputs, Report& report)
 /// Where a measure on files differs from what follows from its description.
 struct Difference
 {
-    const char* verb;
-    bool takesBinary = false; ///< a binary image stays one
-    bool keepsApart = false;  ///< the fields stay an object of their own
-    void (*prepare)(BaseProcessor&, const Options&, const Inputs&) = nullptr;
-    void (*finish)(const Options&, const Inputs&, Report&) = nullptr;
+    std::string_view verb;
+    void (*finish)(const Options&, const Inputs&, Per, Report&);
+    const char* fieldsWithin = ""; ///< the name of an object that the fields are kept in
 };
 
 constexpr Difference differences[] = {
-    {.verb = "stats", .finish = &finishStats},
-    {.verb = "histogram", .prepare = &setBins, .finish = &noteClasses},
-    {.verb = "entropy", .prepare = &setBinsOfPlans, .finish = &finishEntropy},
-    {.verb = "kde", .prepare = &setSample},
-    {.verb = "count", .finish = &finishCount},
-    {.verb = "percent", .takesBinary = true, .prepare = &checkLabels},
-    {.verb = "locate", .takesBinary = true, .prepare = &setLimit, .finish = &finishLocate},
-    {.verb = "paraboloid", .keepsApart = true, .finish = &finishFit},
-    {.verb = "pearson", .finish = &finishPearson},
-    {.verb = "similarity", .prepare = &checkTypes, .finish = &finishSimilarity},
+    {"stats", &noteNaN},        {"histogram", &noteClasses}, {"entropy", &noteEntropyClasses},
+    {"count", &noteBackground}, {"locate", &movePositions},  {"paraboloid", &moveFit, "Coefficients"},
 };
+
+/// What a form of a measure finds in the images.
+std::vector<Json> runForm(const Measure& measure, const MeasureForm& form, Per per, const Options& options,
+                          const Inputs& inputs, const char* fieldsWithin = "")
+{
+    const auto place = [&](const Ptr<const BaseImage>& image) { return options.gpu ? placeOnGpu(image) : image; };
+    MeasureCall call{measure, form, per, {place(inputs.image)}, inputs.mask, listParameters(measure, options)};
+    if (inputs.image2) {
+        call.images.push_back(place(inputs.image2));
+    }
+    Watch watch{options.image.name, countAllBytes(inputs), countRuns(call), options.quiet};
+    std::vector<Json> results;
+    try {
+        for (ResultRow& row : imaproc::measure(call, [&](const Ptr<BaseProcessor>& p) { watch.run(p); })) {
+            row.place.z += inputs.origin.z;
+            row.place.c += inputs.origin.c;
+            row.place.t += inputs.origin.t;
+            results.push_back(toJson(row, fieldsWithin));
+        }
+    } catch (const PixelTypeException& error) {
+        throw FileError{options.image.name + ": " + error.what() +
+                        (error.takesBinary() ? ": pass --binary to read any pixel that is not 0 as set" : "")};
+    } catch (const MeasureException& error) {
+        throw UsageError{options.image.name + ": " + error.what()};
+    }
+    return results;
+}
 
 } // namespace
 
 Report runMeasure(const Measure& measure, const Options& options)
 {
-    const auto* const found = std::find_if(std::begin(differences), std::end(differences),
-                                           [&](const Difference& d) { return d.verb == measure.verb; });
-    const Difference difference = found == std::end(differences) ? Difference{} : *found;
-    const Inputs inputs{options, difference.takesBinary};
-    const MeasureForm& form = chooseForm(measure, options);
-    const auto prepare = [&](BaseProcessor& processor) {
-        if (difference.prepare != nullptr) {
-            difference.prepare(processor, options, inputs);
-            return;
-        }
-        for (const attr::Parameter& parameter : measure.parameters) {
-            const std::string option = parameter.info.option;
-            if (options.has(option)) {
-                processor.setParameter(option, parameter.info.enumerators.empty() ? data::Value{*options.number(option)}
-                                                                                  : data::Value{options.text(option)});
-            }
-        }
-    };
+    const Per per = getPer(measure, options);
+    const MeasureForm* const form = findForm(measure, per, !options.masks.empty());
+    if (form == nullptr) {
+        throw UsageError{"there is no " + measure.verb + " --per " + options.per + " under a mask"};
+    }
+    const Inputs inputs{options, form->inputs[0].types.contains(eImageBufferType::eIBT_Binary)};
     Report report = inputs.report;
-    report.measure = form.function;
-    if (!options.per.empty() && options.per != form.per) {
-        measureParts(form, options, inputs, options.per == "plan" ? ePlanKind::ePK_Plan2d : ePlanKind::ePK_Volume3d,
-                     prepare, report);
-    } else {
-        const Ptr<BaseProcessor> processor = form.create();
-        setImages(*processor, form, options, inputs);
-        prepare(*processor);
-        Watch{options.image.name, countAllBytes(inputs), 1, options.quiet}.run(processor);
-        const attr::BaseAttribute& output = *processor->getAttributes().back();
-        if (const auto* const collection = output.getCollection()) {
-            report.results = listResults(*collection, processor->getAttributes().front()->getPlanKind(), inputs.origin);
-        } else {
-            report.results = {{{"result", toJson(*output.getRecord())}}};
-        }
-    }
-    if (difference.keepsApart) {
-        for (Json& row : report.results) { // from the plan, which has a c as well
-            row["Coefficients"] = row["result"];
-            row.erase("result");
-        }
-    } else {
-        spreadResults(report);
-    }
-    if (difference.finish != nullptr) {
-        difference.finish(options, inputs, report);
+    report.measure = form->function;
+    const auto* const difference = std::find_if(std::begin(differences), std::end(differences),
+                                                [&](const Difference& d) { return d.verb == measure.verb; });
+    const bool differs = difference != std::end(differences);
+    report.results = runForm(measure, *form, per, options, inputs, differs ? difference->fieldsWithin : "");
+    if (differs) {
+        difference->finish(options, inputs, per, report);
     }
     inputs.source.addNotes(report);
     return report;
-}
-
-bool isOfWholeImages(const Measure& measure)
-{
-    return std::all_of(measure.forms.begin(), measure.forms.end(),
-                       [](const MeasureForm& form) { return form.per == "image"; });
 }
 
 Report runProject(const Measure& measure, const Options& options)
@@ -613,10 +429,7 @@ Report runProject(const Measure& measure, const Options& options)
     report.measure = form.function;
     if (isProfile) {
         report.firstIndex = options.axis == "x" ? inputs.origin.x : inputs.origin.y;
-        measureParts(
-            form, options, inputs, ePlanKind::ePK_Plan2d,
-            [&](BaseProcessor& processor) { processor.setParameter("stat", options.text("stat")); }, report);
-        spreadResults(report);
+        report.results = runForm(measure, form, Per::Plan, options, inputs);
     } else {
         projectStack(form, options, inputs, report);
     }

@@ -10,8 +10,8 @@
 namespace orlix::app
 {
 
-/// Whether it knows whole images only: each plan or volume is measured as one then.
-bool isOfWholeImages(const imaproc::Measure& measure);
+/// The parameters of a measure that the command line gives.
+imaproc::NamedValues listParameters(const imaproc::Measure& measure, const Options& options);
 
 Report runInfo(const Options& options);
 Report runMeasure(const imaproc::Measure& measure, const Options& options);

@@ -43,9 +43,7 @@ struct Options
     std::string saveState; ///< a file
     std::string nextPass;  ///< a file
     files::OpenOptions open{};
-    files::Part part{}; ///< what `plane` and `region` say
-    std::optional<unsigned> seed;
-    std::optional<double> peak;
+    files::Part part{};                            ///< what `plane` and `region` say
     std::map<std::string, std::string> parameters; ///< of the measure, by their options; empty where not given
     bool binary = false;
     bool gpu = false;

@@ -43,11 +43,21 @@ Json toJson(const data::Value& value, const data::FieldInfo& info)
     return std::visit(convert, value);
 }
 
-Json toJson(const data::BaseDataItem& record)
+Json toJson(const imaproc::ResultRow& row, const char* fieldsWithin)
 {
+    using imaproc::Per;
     Json object = Json::object();
-    for (const data::FieldInfo& field : record.getFields()) {
-        object[field.name] = toJson(record.getField(field.name), field);
+    const imaproc::ResultPlace& place = row.place;
+    if (place.per == Per::Plan) {
+        object["z"] = place.z;
+    }
+    if (place.per != Per::Image) {
+        object["c"] = place.c;
+        object["t"] = place.t;
+    }
+    Json& fields = *fieldsWithin == 0 ? object : object[fieldsWithin];
+    for (const auto& [name, field] : row.fields) {
+        fields[name] = toJson(field.value, field.info);
     }
     return object;
 }

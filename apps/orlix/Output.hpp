@@ -1,7 +1,7 @@
 #pragma once
 
-#include <framework/data/DataItem.hpp>
 #include <framework/image/Geometry.hpp>
+#include <framework/process/MeasureState.hpp>
 
 #include <nlohmann/json.hpp>
 
@@ -35,8 +35,8 @@ Json toJson(double value);
 
 /// The value of a field. A list of several numbers each becomes a list of lists, or of objects where they have names.
 Json toJson(const data::Value& value, const data::FieldInfo& info = {});
-/// The fields of a record, in the order of their declaration.
-Json toJson(const data::BaseDataItem& record);
+/// The place of a result, and its fields, which are kept in an object of their own where that has a name.
+Json toJson(const imaproc::ResultRow& row, const char* fieldsWithin = "");
 
 Json describeImage(const std::string& path, const std::string& type, const image::ImageGeometry& geometry);
 

@@ -3,6 +3,7 @@
 #include <files/OutputFile.hpp>
 #include <orlix/Errors.hpp>
 #include <orlix/Inputs.hpp>
+#include <orlix/Measures.hpp>
 #include <orlix/Progress.hpp>
 
 #include <ORLIX/Measures/Describe.hpp>
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <sstream>
 
 namespace orlix::app
 {
@@ -25,56 +25,14 @@ namespace
 
 using StatePtr = std::unique_ptr<BaseMeasureState>;
 
-std::vector<double> parseList(const std::string& text)
+/// The options of a state that the command line gives.
+NamedValues listOptions(const Measure& measure, const Options& options)
 {
-    std::vector<double> numbers;
-    std::istringstream stream{text == "none" ? "" : text};
-    for (std::string each; std::getline(stream, each, ',');) {
-        numbers.push_back(std::strtod(each.c_str(), nullptr));
-    }
-    return numbers;
-}
-
-/// The options of a measure that the command line gives, or has for it.
-std::vector<std::pair<std::string, data::Value>> listOptions(const Measure& measure, const Options& options)
-{
-    std::vector<std::pair<std::string, data::Value>> values;
+    NamedValues values = listParameters(measure, options);
     if (!options.per.empty()) {
         values.emplace_back("per", options.per);
     }
-    for (const attr::Parameter& parameter : measure.parameters) {
-        const std::string name = parameter.info.option;
-        if (!options.has(name)) {
-            continue;
-        }
-        const auto hasKind = [&]<class T>(std::type_identity<T>) {
-            return parameter.defaultValue && std::holds_alternative<T>(*parameter.defaultValue);
-        };
-        const bool isList = hasKind(std::type_identity<std::vector<double>>{});
-        const bool isSwitch = hasKind(std::type_identity<bool>{});
-        values.emplace_back(name, isSwitch                             ? data::Value{options.text(name) == "on"}
-                                  : isList                             ? data::Value{parseList(options.text(name))}
-                                  : parameter.info.enumerators.empty() ? data::Value{*options.number(name)}
-                                                                       : data::Value{options.text(name)});
-    }
     return values;
-}
-
-Json describeRow(const ResultRow& row)
-{
-    Json object = Json::object();
-    const ResultPlace& place = row.place;
-    if (place.per == Per::Plan) {
-        object["z"] = place.z;
-    }
-    if (place.per != Per::Image) {
-        object["c"] = place.c;
-        object["t"] = place.t;
-    }
-    for (const auto& [name, field] : row.fields) {
-        object[name] = toJson(field.value, field.info);
-    }
-    return object;
 }
 
 std::string readFile(const std::string& path)
@@ -118,8 +76,8 @@ StatePtr readState(const std::string& path)
 /// A row of nothing that has every column of the others.
 Json makeEmptyRow(const ResultRows& results)
 {
-    Json row = results.rows.empty() ? Json::object() : describeRow({results.rows[0].place, {}});
-    const Json first = results.rows.empty() ? Json::object() : describeRow(results.rows[0]);
+    Json row = results.rows.empty() ? Json::object() : toJson(ResultRow{results.rows[0].place, {}});
+    const Json first = results.rows.empty() ? Json::object() : toJson(results.rows[0]);
     for (const auto& [name, field] : results.columns) {
         const bool isLabelled = field.info.columns == 1 && !field.info.columnNames.empty();
         row[name] = isLabelled ? Json(std::vector<Json>(field.info.columnNames.size())) : first.value(name, Json{});
@@ -142,7 +100,7 @@ void finish(const BaseMeasureState& state, const Options& options, Report& repor
     }
     const ResultRows results = state.finishRows();
     for (const ResultRow& row : results.rows) {
-        report.results.push_back(describeRow(row));
+        report.results.push_back(toJson(row));
     }
     for (const auto& [name, field] : results.columns) {
         if (field.info.columns == 1 && !field.info.columnNames.empty()) {

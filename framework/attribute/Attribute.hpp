@@ -77,6 +77,8 @@ public:
     /// The bytes that getStripBox() fetches from a source.
     virtual std::size_t getStripLoad() const { return 0; }
     virtual bool isMask() const { return false; }
+    /// The types of the pixels that an image may have.
+    virtual image::PixelTypes getPixelTypes() const { return {}; }
     /// Whether an image has to be one plan.
     virtual bool isOnePlan() const { return false; }
     /// The sizes of an output image for an input of these.
@@ -194,7 +196,7 @@ public:
     void addParameters(std::vector<Parameter>& parameters) const final
     {
         if (this->getRole() != eAttributeRole::eAR_Output) {
-            addParametersOf(*createRecord(), this->getOrDefault().get(), parameters);
+            addParametersOf(*createRecord(), ofPlans ? nullptr : this->getOrDefault().get(), parameters);
         }
     }
     void setParameter(std::string_view name, const data::Value& value, const BaseAttribute& input) final
@@ -204,10 +206,10 @@ public:
         }
         if constexpr (ofPlans) {
             for (std::size_t i = 0; i < this->value_->size(); ++i) {
-                this->value_->getElement(i)->setField(name, value);
+                this->value_->getElement(i)->setParameter(name, value);
             }
         } else {
-            const_cast<Value&>(*this->value_).setField(name, value);
+            const_cast<Value&>(*this->value_).setParameter(name, value);
         }
     }
     bool isCollection() const final { return ofPlans; }
@@ -445,6 +447,7 @@ public:
     void setImage(const Ptr<const image::BaseImage>& image) final;
     void setOutputImage(const Ptr<image::BaseImage>& image) final;
     bool isMask() const final { return types_ == image::maskTypes; }
+    image::PixelTypes getPixelTypes() const final { return types_; }
     bool isImage() const final { return true; }
     bool isOnePlan() const final { return extent_ == eExtent::eE_OnePlan; }
 

@@ -25,6 +25,17 @@ Ptr<HistoMsrParams> createHistoMsrParamsWithBinWidth(double min, double max, dou
     return params;
 }
 
+void HistoMsrParams::setParameter(std::string_view name, const data::Value& value)
+{
+    constexpr std::uint32_t defaultClasses = 256;
+    setField(name, value);
+    if (name == "Min" || name == "Max") {
+        MinMaxDefinition = eMinMaxDefinition::eMMD_UserDefinedMinMax;
+    }
+    UseBinWidth = name == "BinWidth" || (UseBinWidth && name != "NbClasses");
+    NbClasses = NbClasses == 0 ? defaultClasses : NbClasses;
+}
+
 void HistogramData::clear()
 {
     std::fill(Frequencies.begin(), Frequencies.end(), 0);

@@ -47,6 +47,8 @@ public:
         field({"MinMaxDefinition", "where the range comes from"}, MinMaxDefinition);
         field({"UseBinWidth", "whether BinWidth holds, or NbClasses"}, UseBinWidth);
     }
+    /// A bound makes the range the user's, of 256 classes unless told otherwise; a width is what holds.
+    void setParameter(std::string_view name, const data::Value& value) override;
 };
 
 /// Classes of this width over the range of the image.

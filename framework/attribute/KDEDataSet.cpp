@@ -15,6 +15,21 @@ const data::DynamicClassRegistration<KDEDataSet> kDEDataSetClass{KDEDataSet::typ
 const data::DynamicClassRegistration<PlanIndexedKDEDataSet> planIndexedKDEDataSetClass{PlanIndexedKDEDataSet::typeName};
 const data::DynamicClassRegistration<KDEBandwidthPolicy> kDEBandwidthPolicyClass{KDEBandwidthPolicy::typeName};
 
+} // namespace
+
+void KDEBandwidthPolicy::setParameter(std::string_view name, const data::Value& value)
+{
+    if (name != "Rule" || std::holds_alternative<std::string>(value)) {
+        setField(name, value);
+        return;
+    }
+    setField("Bandwidth", value);
+    Rule = eKDEBandwidth::eKB_Fixed;
+}
+
+namespace
+{
+
 double standardDeviation(std::span<const double> values)
 {
     const auto n = static_cast<double>(values.size());

@@ -59,6 +59,8 @@ public:
         field({"Rule", "where the bandwidth comes from", "", "bandwidth"}, Rule);
         field({"Bandwidth", "the bandwidth, where Rule is fixed", "grey levels"}, Bandwidth);
     }
+    /// A number for Rule is a bandwidth.
+    void setParameter(std::string_view name, const data::Value& value) override;
 };
 
 /// The bandwidth for a sample: s is its standard deviation (divisor n - 1), IQR the distance of its quartiles (linear

@@ -25,6 +25,8 @@ public:
     Value getField(std::string_view name) const;
     /// Takes a number for any number. Throws BaseException if there is no such field, or the value does not fit it.
     void setField(std::string_view name, const Value& value);
+    /// The same of a field that is a parameter, where a user sets it: other fields may follow. Throws as setField().
+    virtual void setParameter(std::string_view name, const Value& value) { setField(name, value); }
 
     core::ProcessingResult write(OutputArchive& archive) const override;
     core::ProcessingResult read(InputArchive& archive) override;

@@ -28,11 +28,12 @@ std::string getFunction(const ProcessorClass& level1)
 
 MeasureForm makeForm(const ProcessorClass& level1, const AttributeColl& attributes)
 {
-    MeasureForm form{getFunction(level1), getPer(attributes), {}, &level1};
+    MeasureForm form{getFunction(level1), getPer(attributes), {}, &level1, !attributes.back()->isCollection()};
     for (const attr::BaseAttribute* const attribute : attributes) {
         if (attribute->isImage() && attribute->getRole() != attr::eAttributeRole::eAR_Output) {
             form.inputs.push_back({attribute->getName(), attribute->isMask(),
-                                   attribute->getRole() == attr::eAttributeRole::eAR_OptionalInput});
+                                   attribute->getRole() == attr::eAttributeRole::eAR_OptionalInput, false,
+                                   attribute->getPixelTypes()});
         }
     }
     return form;
@@ -40,7 +41,8 @@ MeasureForm makeForm(const ProcessorClass& level1, const AttributeColl& attribut
 
 Measure makeMeasure(const MeasureDescription& description)
 {
-    Measure measure{description.name, description.verb, description.help, description.remark, {}, {}, {}};
+    Measure measure{description.name, description.verb, description.help, description.remark};
+    measure.extras = description.extras;
     for (const ProcessorClass* const level1 : description.classes) {
         const Ptr<BaseProcessor> processor = level1->getCreators().processor();
         (void)processor->init(eProcessorRulePolicy::eRP_CheckRules);
@@ -55,6 +57,9 @@ Measure makeMeasure(const MeasureDescription& description)
             }
         }
     }
+    const MeasureExtras& extras = measure.extras;
+    measure.parameters.insert(measure.parameters.end(), extras.parameters.begin(), extras.parameters.end());
+    measure.fields = extras.fields.empty() ? measure.fields : extras.fields;
     return measure;
 }
 
@@ -86,6 +91,22 @@ Measure makeMeasure(const StateMeasure& state)
 }
 
 } // namespace
+
+std::optional<double> findNumber(const NamedValues& parameters, std::string_view option)
+{
+    for (const auto& [name, value] : parameters) {
+        if (name == option) {
+            const auto* const whole = std::get_if<std::uint64_t>(&value);
+            return whole != nullptr ? static_cast<double>(*whole) : std::get<double>(value);
+        }
+    }
+    return {};
+}
+
+bool Measure::isOfWholeImages() const
+{
+    return std::all_of(forms.begin(), forms.end(), [](const MeasureForm& form) { return form.per == "image"; });
+}
 
 bool MeasureForm::takesMask() const
 {

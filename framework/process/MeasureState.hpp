@@ -70,6 +70,9 @@ struct ORLIX_API ResultPlace
 /// Fields with the names that they have in a result.
 using NamedFields = std::vector<std::pair<std::string, data::Field>>;
 
+/// Parameters by the names that users have for them, as "bin-width".
+using NamedValues = std::vector<std::pair<std::string, data::Value>>;
+
 /// A result for programs that walk its fields.
 struct ResultRow
 {

@@ -201,12 +201,22 @@ const MeasureRegistration nccMeasure{
      "normalized cross correlation of two images",
      "NaN where an image is constant over a plan, or over a part of some 512 KiB of it.",
      {&NormalizedCrossCorrelationMsr2dLvl1::processorClass, &NormalizedCrossCorrelationMsr3dLvl1::processorClass}}};
+
+constexpr data::FieldInfo coefficientField{"r", "Pearson's coefficient, from -1 to 1"};
+
+void addCoefficient(NamedFields& fields, const NamedValues&, const image::ImageGeometry& part)
+{
+    const double r = std::get<double>(fields[0].second.value) / static_cast<double>(part.nbPixels());
+    fields.emplace_back(coefficientField.name, data::Field{coefficientField, r});
+}
+
 const MeasureRegistration pearsonMeasure{
     {"Pearson correlation",
      "pearson",
      "Pearson correlation of two images: times the number of pixels, and the coefficient r",
      "",
-     {&PearsonCorrelationCoefficient2dLvl1::processorClass, &PearsonCorrelationCoefficient3dLvl1::processorClass}}};
+     {&PearsonCorrelationCoefficient2dLvl1::processorClass, &PearsonCorrelationCoefficient3dLvl1::processorClass},
+     {.fields = {PearsonCCResult{}.getFields()[0], coefficientField}, .finish = &addCoefficient}}};
 
 } // namespace
 

@@ -207,11 +207,20 @@ ProcessorClass Counting3dMsrLvl2::processorClass = define<Counting3dMsrLvl2>(6);
 namespace
 {
 
+constexpr data::FieldInfo countField{"Count", "number of the objects", "objects"};
+
+void nameCount(NamedFields& fields, const NamedValues&, const image::ImageGeometry&)
+{
+    fields[0].first = countField.name;
+    fields[0].second.info = countField;
+}
+
 const MeasureRegistration registration{{"Object count",
                                         "count",
                                         "number of objects in a label image",
                                         "The lowest label of a plan or volume is its background, whatever it is.",
-                                        {&Counting2dMsrLvl1::processorClass, &Counting3dMsrLvl1::processorClass}}};
+                                        {&Counting2dMsrLvl1::processorClass, &Counting3dMsrLvl1::processorClass},
+                                        {.fields = {countField}, .finish = &nameCount}}};
 
 } // namespace
 

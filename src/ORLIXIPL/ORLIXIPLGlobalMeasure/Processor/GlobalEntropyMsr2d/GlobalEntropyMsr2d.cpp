@@ -1,6 +1,7 @@
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/GlobalEntropyMsr2d/GlobalEntropyMsr2d.hpp>
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Define.hpp>
+#include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramBins.hpp>
 
 #include <framework/process/CallingForms.hpp>
 
@@ -85,7 +86,8 @@ const MeasureRegistration registration{{"Entropy",
                                         "entropy",
                                         "entropy of the grey levels of each plan, in nats",
                                         "",
-                                        {&GlobalEntropyMsr2dLvl1::processorClass}}};
+                                        {&GlobalEntropyMsr2dLvl1::processorClass},
+                                        binExtras}};
 
 } // namespace
 

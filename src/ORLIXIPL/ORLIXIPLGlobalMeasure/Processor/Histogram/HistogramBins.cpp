@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <sstream>
 
 namespace orlix::imaproc::glbmsr
 {
@@ -66,7 +67,46 @@ ProcessingResult fail(eMeasureMessage message, const Arguments&... arguments)
     return ProcessingResult::failure(core::formatMessage(message, arguments...));
 }
 
+void checkBinParameters(const NamedValues& parameters)
+{
+    const auto fail = [](const char* text) { throw MeasureException{text, ORLIX_HERE}; };
+    const auto min = findNumber(parameters, "min");
+    const auto max = findNumber(parameters, "max");
+    const auto width = findNumber(parameters, "bin-width");
+    if (min.has_value() != max.has_value()) {
+        fail("min and max go together: give both or neither");
+    }
+    if (min && *min > *max) {
+        fail("min is above max");
+    }
+    if (width && findNumber(parameters, "classes")) {
+        fail("bin-width and classes say the same thing: give one of them");
+    }
+    if (width && !(*width > 0)) {
+        fail("bin-width is not above 0");
+    }
+    if (findNumber(parameters, "classes") == 0.0) {
+        fail("classes is not above 0");
+    }
+}
+
+/// A range that the pixels cannot have would be passed over.
+void checkRange(BaseProcessor& processor, const NamedValues& parameters)
+{
+    const eImageBufferType type = processor.getAttributes().front()->getImage()->getType();
+    const auto [lowest, highest] = image::getValueRange(type);
+    const auto min = findNumber(parameters, "min");
+    const auto max = findNumber(parameters, "max");
+    if ((min && *min < lowest) || (max && *max > highest)) {
+        std::ostringstream text;
+        text << "min and max of " << image::getName(type) << " pixels lie from " << lowest << " to " << highest;
+        throw MeasureException{text.str(), ORLIX_HERE};
+    }
+}
+
 } // namespace
+
+constinit const MeasureExtras binExtras{.check = &checkBinParameters, .prepare = &checkRange};
 
 std::uint32_t Histogram::getHistoNbClasses(double min, double max, double binWidth) const
 {

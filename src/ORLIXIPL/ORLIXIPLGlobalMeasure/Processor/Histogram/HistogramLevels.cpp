@@ -224,7 +224,8 @@ const MeasureRegistration registration{
      "not counted.",
      {&HistogramMsrLvl1::processorClass, &HistogramMsr2dLvl1::processorClass, &HistogramMsr3dLvl1::processorClass,
       &HistogramMaskMsrLvl1::processorClass, &HistogramMaskMsr2dLvl1::processorClass,
-      &HistogramMaskMsr3dLvl1::processorClass}}};
+      &HistogramMaskMsr3dLvl1::processorClass},
+     binExtras}};
 
 } // namespace
 

@@ -119,12 +119,44 @@ ProcessorClass KernelDensityEstimator3dLvl2::processorClass = define<KernelDensi
 namespace
 {
 
+constexpr std::uint32_t maxSeed = 0xffffffff;
+
+/// The seed of the generator that all samples are drawn from.
+const attr::Parameter seed{{.name = "Seed",
+                            .help = "seed of the sample, which it repeats for one plan, or with one thread",
+                            .option = "seed",
+                            .lowest = 0,
+                            .highest = maxSeed},
+                           true,
+                           data::Value{std::uint64_t{core::random::defaultSeed}}};
+
+void checkSample(const NamedValues& parameters)
+{
+    for (const auto& [name, value] : parameters) {
+        if (const auto* const width = std::get_if<double>(&value);
+            name == "bandwidth" && width != nullptr && !(*width > 0)) {
+            throw MeasureException{"bandwidth is silverman, scott, or a number above 0", ORLIX_HERE};
+        }
+    }
+    const double asked = findNumber(parameters, "seed").value_or(0);
+    if (!(asked >= 0 && asked <= maxSeed)) {
+        throw MeasureException{"seed is a number from 0 to 4294967295", ORLIX_HERE};
+    }
+}
+
+void startSample(BaseProcessor&, const NamedValues& parameters)
+{
+    core::random::setSeed(
+        static_cast<std::uint32_t>(findNumber(parameters, "seed").value_or(core::random::defaultSeed)));
+}
+
 const MeasureRegistration registration{
     {"Density sample",
      "kde",
      "a random sample of the grey levels, and a bandwidth to estimate their density with",
      "",
-     {&KernelDensityEstimator2dLvl1::processorClass, &KernelDensityEstimator3dLvl1::processorClass}}};
+     {&KernelDensityEstimator2dLvl1::processorClass, &KernelDensityEstimator3dLvl1::processorClass},
+     {.parameters = {seed}, .check = &checkSample, .prepare = &startSample}}};
 
 } // namespace
 

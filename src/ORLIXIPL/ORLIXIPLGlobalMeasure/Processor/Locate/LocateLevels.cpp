@@ -160,11 +160,20 @@ AlgorithmClass LocateVoxels3dLvl3::processorClass = defineAlgorithm<LocateVoxels
 namespace
 {
 
+/// The limit that holds where nobody gives one may wrap.
+void liftLimit(BaseProcessor& processor, const NamedValues& parameters)
+{
+    if (!findNumber(parameters, "limit")) {
+        processor.setParameter("limit", std::uint64_t{std::numeric_limits<unsigned>::max()});
+    }
+}
+
 const MeasureRegistration registration{{"Positions",
                                         "locate",
                                         "coordinates of the set pixels of a binary image",
                                         "",
-                                        {&LocatePixels2dLvl1::processorClass, &LocateVoxels3dLvl1::processorClass}}};
+                                        {&LocatePixels2dLvl1::processorClass, &LocateVoxels3dLvl1::processorClass},
+                                        {.prepare = &liftLimit}}};
 
 } // namespace
 

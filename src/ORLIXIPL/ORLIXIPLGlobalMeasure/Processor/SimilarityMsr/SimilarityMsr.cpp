@@ -5,6 +5,7 @@
 
 #include <framework/core/NumericLimits.hpp>
 #include <framework/process/CallingForms.hpp>
+#include <framework/process/MeasureRun.hpp>
 
 #include <cmath>
 #include <numeric>
@@ -63,6 +64,37 @@ AlgorithmClass SimilarityMsrLvl3::processorClass = defineAlgorithm<SimilarityMsr
 namespace
 {
 
+constexpr double toldPeak = 255;
+const attr::Parameter peakParameter{
+    {"Peak", "peak of the signal", "grey levels", "peak"}, false, data::Value{toldPeak}};
+
+void checkPeak(const NamedValues& parameters)
+{
+    if (!(findNumber(parameters, "peak").value_or(toldPeak) > 0)) {
+        throw MeasureException{"peak is not above 0", ORLIX_HERE};
+    }
+}
+
+void checkTypes(BaseProcessor& processor, const NamedValues&)
+{
+    const image::eImageBufferType first = processor.getAttributes()[0]->getImage()->getType();
+    const image::eImageBufferType second = processor.getAttributes()[1]->getImage()->getType();
+    if (first != second) {
+        throw PixelTypeException{std::string{"the images are "} + image::getName(first) + " and " +
+                                     image::getName(second) + ": both need the same pixel type",
+                                 false, ORLIX_HERE};
+    }
+}
+
+void applyPeak(NamedFields& fields, const NamedValues& parameters, const image::ImageGeometry&)
+{
+    const double mse = std::get<double>(fields[2].second.value);
+    const double peak = findNumber(parameters, "peak").value_or(toldPeak);
+    if (peak != toldPeak && mse != 0 && !std::isnan(mse)) {
+        fields[3].second.value = 20 * std::log10(peak / std::sqrt(mse));
+    }
+}
+
 const MeasureRegistration registration{
     {"Similarity",
      "similarity",
@@ -70,7 +102,8 @@ const MeasureRegistration registration{
      "PSNR is 20 log10(peak / sqrt(MSE)) dB, with a peak of 255 whatever the pixel type. Of equal images it is "
      "infinite, "
      "which the record has as the largest double.",
-     {&SimilarityMsrLvl1::processorClass}}};
+     {&SimilarityMsrLvl1::processorClass},
+     {.parameters = {peakParameter}, .check = &checkPeak, .prepare = &checkTypes, .finish = &applyPeak}}};
 
 } // namespace
 

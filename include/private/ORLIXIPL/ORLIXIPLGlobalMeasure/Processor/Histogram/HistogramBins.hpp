@@ -2,8 +2,13 @@
 
 #include <ORLIXIPL/ORLIXIPLGlobalMeasure/Processor/Histogram/HistogramLevels.hpp>
 
+#include <framework/process/MeasureList.hpp>
+
 namespace orlix::imaproc::glbmsr
 {
+
+/// Refuses what users may ask for by name and bins cannot be.
+extern const MeasureExtras binExtras;
 
 /// Whether the parameters, which may be null, define a range that the pixel type allows.
 bool hasUserRange(const HistoMsrParams* params, image::eImageBufferType type);
