@@ -7,6 +7,7 @@
 #include <orlix/Progress.hpp>
 
 #include <ORLIX/Measures/Describe.hpp>
+#include <framework/process/MeasureRun.hpp>
 #include <framework/process/StateBytes.hpp>
 
 #include <algorithm>
@@ -170,37 +171,6 @@ std::pair<Options, std::optional<Extent>> widenPart(const Options& options, std:
     widen(wide.part.x, size.x);
     widen(wide.part.y, size.y);
     return {wide, core};
-}
-
-/// The planes of an image, which begins at a place, in groups of those that are decoded together: of so many that a
-/// state, which keeps what it has of each plane until the end, takes little memory.
-std::vector<Extent> groupPlanes(const image::BaseImage& image, const Position& at)
-{
-    constexpr std::size_t most = 64;
-    const image::ImageGeometry& size = image.getGeometry();
-    const image::SourceLayout layout = image.getLayout();
-    const image::ImageGeometry& block = layout.block;
-    const std::size_t layers = std::max<std::size_t>(1, most / (block.z * block.c * block.t));
-    const auto cut = [](std::size_t whole, std::size_t step, std::uint64_t phase) {
-        std::vector<std::uint64_t> cuts{0};
-        while (cuts.back() < whole) {
-            cuts.push_back(std::min<std::uint64_t>(whole, cuts.back() + step - (cuts.back() + phase) % step));
-        }
-        return cuts;
-    };
-    const auto z = cut(size.z, block.z * layers, layout.phase.z);
-    const auto c = cut(size.c, block.c, layout.phase.c);
-    const auto t = cut(size.t, block.t, layout.phase.t);
-    std::vector<Extent> groups;
-    for (std::size_t k = 0; k + 1 < t.size(); ++k) {
-        for (std::size_t j = 0; j + 1 < c.size(); ++j) {
-            for (std::size_t i = 0; i + 1 < z.size(); ++i) {
-                groups.push_back({{at.x, at.y, at.z + z[i], at.c + c[j], at.t + t[k]},
-                                  {at.x + size.x, at.y + size.y, at.z + z[i + 1], at.c + c[j + 1], at.t + t[k + 1]}});
-            }
-        }
-    }
-    return groups;
 }
 
 } // namespace

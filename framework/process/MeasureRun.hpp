@@ -8,8 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// Runs of measures that a program knows by their names alone, whose forms have processors. (Of others, Measure::state
-/// makes states.)
+/// Runs of measures that a program knows by their names alone.
 namespace orlix::imaproc
 {
 
@@ -28,7 +27,7 @@ private:
     bool takesBinary_;
 };
 
-/// What is measured, and how.
+/// What is measured, and how, by a measure whose forms have processors. (Of others, Measure::state makes states.)
 struct MeasureCall
 {
     const Measure& measure;
@@ -50,6 +49,10 @@ ORLIX_API std::size_t countRuns(const MeasureCall& call);
 /// MeasureException where images and parameters do not go together, and what `run` throws.
 ORLIX_API std::vector<ResultRow> measure(const MeasureCall& call,
                                          const std::function<void(const Ptr<BaseProcessor>&)>& run);
+
+/// The planes of an image, which begins at a place, in groups of those that are decoded together: of so many that a
+/// state, which keeps what it has of each plane until the end, takes little memory.
+ORLIX_API std::vector<Extent> groupPlanes(const image::BaseImage& image, const Position& at);
 
 /// The fields of a record, as a row has them.
 ORLIX_API NamedFields listFields(const data::BaseDataItem& record);

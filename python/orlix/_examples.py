@@ -1,0 +1,3 @@
+"""An example for the docstring of each function: what the doctests run."""
+
+EXAMPLES = {}
