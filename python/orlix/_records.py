@@ -4,7 +4,7 @@ from collections import namedtuple
 
 import numpy as np
 
-from ._describe import MEASURES
+from ._describe import MEASURES, snake_case
 
 
 def _show(value):
@@ -114,7 +114,7 @@ def _reshape(value, shape, order):
 def make_result(verb, values, shape):
     """The result of a measure from what the library gives: values, or arrays of a shape in some order."""
     if verb == "regions":
-        return values
+        return {snake_case(name): column for name, column in values.items()}
     if shape is not None:
         values = [_reshape(value, *shape) for value in values]
     if verb == "locate":

@@ -7,6 +7,7 @@
 
 #include <files/Errors.hpp>
 
+#include <framework/attribute/KDEDataSet.hpp>
 #include <framework/core/Settings.hpp>
 
 #include <nanobind/stl/optional.h>
@@ -15,6 +16,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <mutex>
 #include <set>
 #include <tuple>
 
@@ -151,6 +153,13 @@ std::vector<ResultRow> runForm(const Measure& measure, const MeasureForm& form, 
         call.images.push_back(asInput(inputs.getArrays()[i]->getImage(), form.inputs[i]));
     }
     Watch watch{std::move(progress), countRuns(call), inputs.areLarge()};
+    // There is one generator of samples, which starts with each of them.
+    static std::mutex generator;
+    std::unique_lock draws{generator, std::defer_lock};
+    if (measure.verb == "kde") {
+        const nb::gil_scoped_release released;
+        draws.lock();
+    }
     return inputs.run(
         [&] { return imaproc::measure(call, [&](const Ptr<BaseProcessor>& processor) { watch.run(processor); }); });
 }
@@ -488,6 +497,15 @@ nb::object sumResponses(nb::handle object, const std::string& axes, std::size_t 
     return makeArray(std::move(sums), {size.t, size.c, size.z, groups});
 }
 
+/// The bandwidth of a sample, by a rule or as given.
+double computeBandwidth(nb::handle rule, const std::vector<double>& samples)
+{
+    attr::KDEBandwidthPolicy policy;
+    policy.setParameter("Rule", nb::isinstance<nb::str>(rule) ? data::Value{nb::cast<std::string>(rule)}
+                                                              : data::Value{nb::cast<double>(rule)});
+    return attr::computeBandwidth(policy, samples);
+}
+
 void translate(const std::exception_ptr& exception, void*)
 {
     try {
@@ -542,6 +560,7 @@ NB_MODULE(_core, module)
     module.def("profile", &profile, "image"_a, "axes"_a, "axis"_a, "parameters"_a, "progress"_a.none());
     module.def("project", &project, "image"_a, "axes"_a, "axis"_a, "parameters"_a, "target"_a, "progress"_a.none());
     module.def("sum_responses", &sumResponses);
+    module.def("compute_bandwidth", &computeBandwidth);
     module.def("set_threads", &orlix::core::settings::setNbThreads);
     module.def("get_threads", &orlix::core::settings::getNbThreads);
 }
