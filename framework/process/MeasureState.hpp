@@ -124,6 +124,8 @@ public:
 
     /// How far around a pixel the measure looks, in x and y: pieces of an image need such a margin, and a core.
     virtual std::uint64_t getMargin() const = 0;
+    /// How often pixels of these types, one for each image, must enter at most.
+    virtual unsigned countPasses(std::span<const image::eImageBufferType> types) const = 0;
     /// Whether all pixels must enter once more before there are results.
     virtual bool needsPass() const = 0;
     /// Gets the state ready for that; false if none is needed.

@@ -125,6 +125,7 @@ private:
 /// types, place)`, the fields of a row; and, where it looks at neighbours, `static std::uint64_t getMargin(const
 /// Options&)`; where pixels must enter more than once,
 ///
+///     static unsigned countPasses(const Options&, const PixelTypeList&);  // at most
 ///     static bool needsPass(const Options&, const PixelTypeList&, const Part&);
 ///     static void nextPass(const Options&, const PixelTypeList&, Part&);
 ///     static Part fork(const Part&);                  // what looks for the same as a state's part, and is empty
@@ -221,6 +222,14 @@ public:
             return M::getMargin(options_);
         }
         return 0;
+    }
+
+    unsigned countPasses(std::span<const image::eImageBufferType> types) const override
+    {
+        if constexpr (hasPasses) {
+            return M::countPasses(options_, {types.begin(), types.end()});
+        }
+        return 1;
     }
 
     bool needsPass() const override

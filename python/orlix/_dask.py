@@ -5,6 +5,7 @@ import numpy as np
 import dask
 import dask.array as da
 from dask.base import DaskMethodsMixin
+from dask.delayed import Delayed
 from dask.graph_manipulation import bind
 from dask.highlevelgraph import HighLevelGraph
 
@@ -172,20 +173,30 @@ def _measure_group(jobs, arrays, mask, axes):
         inputs = [da.overlap.overlap(array, depth, "none", allow_rechunk=False) for array in inputs]
         margin = {axes[i]: width for i, width in depth.items()}
     enter = _Enter(jobs, axes, bounds, margin, len(arrays))
+    chunks = tuple((1,) * (len(each) - 1) for each in bounds)
     found = None
     for number in range(max(job.passes for job in jobs)):
+        name = f"orlix-{dask.base.tokenize(enter, inputs, number)}"
         if found is not None:
-            found = dask.delayed(_advance, pure=True)(jobs, found)
-            inputs = bind(inputs, found)  # read once more, rather than kept
-        blocks = da.map_blocks(enter, *inputs, dtype=object, chunks=tuple((1,) * (len(b) - 1) for b in bounds),
-                               meta=np.empty((0,) * len(axes), dtype=object), found=found)
-        parts = blocks.to_delayed(optimize_graph=False).ravel().tolist()
-        while True:
-            parts = [dask.delayed(_merge, pure=True)(jobs, parts[i : i + FAN]) for i in range(0, len(parts), FAN)]
-            if len(parts) == 1:
-                break
-        found = parts[0] if found is None else dask.delayed(_choose, pure=True)(parts[0], found)
+            advanced = _add_layer(f"{name}-advance", [found], {f"{name}-advance": (_advance, jobs, found.key)})
+            inputs = bind(inputs, advanced)  # read once more, rather than kept
+        blocks = da.map_blocks(enter, *inputs, dtype=object, chunks=chunks, name=f"{name}-enter",
+                               meta=np.empty((0,) * len(axes), dtype=object), found=None if found is None else advanced)
+        layer, keys = {}, list(dask.core.flatten(blocks.__dask_keys__()))
+        while len(keys) > 1 or not layer:
+            groups = [keys[i : i + FAN] for i in range(0, len(keys), FAN)]
+            keys = [(f"{name}-merge", len(layer) + i) for i in range(len(groups))]
+            layer.update({key: (_merge, jobs, group) for key, group in zip(keys, groups)})
+        if found is not None:
+            layer[f"{name}-merge"] = (_choose, keys[0], found.key)
+            keys = [f"{name}-merge"]
+        found = _add_layer(f"{name}-merge", [blocks] + ([] if found is None else [found]), layer, keys[0])
     return found
+
+
+def _add_layer(name, dependencies, layer, key=None):
+    graph = HighLevelGraph.from_collections(name, layer, dependencies=dependencies)
+    return Delayed(key or name, graph, layer=name)
 
 
 def measure_lazily(asked, images, axes, per, mask, mask_axes):
@@ -206,8 +217,9 @@ def measure_lazily(asked, images, axes, per, mask, mask_axes):
         group = [jobs[verb] for verb in verbs]
         found = _measure_group(group, arrays, mask, axes)
         for index, verb in enumerate(verbs):
-            last = dask.delayed(_finish, pure=True)(jobs[verb], index, found)
-            results[verb] = Lazy(last.__dask_graph__(), last.key, verb)
+            name = f"orlix-{verb}-{dask.base.tokenize(found.key, index)}"
+            last = _add_layer(name, [found], {name: (_finish, jobs[verb], index, found.key)})
+            results[verb] = Lazy(last.dask, name, verb)
     return {verb: results[verb] for verb in asked}
 
 

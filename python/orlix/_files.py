@@ -79,7 +79,6 @@ class Image:
             if isinstance(each, slice):
                 places = range(*each.indices(side))
                 low, high = (min(places), max(places) + 1) if places else (0, 0)
-                backwards = places.step < 0
                 rest.append(slice(None, None, places.step) if places else slice(None))
             else:
                 try:

@@ -117,13 +117,7 @@ class StateJob(Job):
 
     def __init__(self, verb, whole, parameters):
         super().__init__(verb, whole, parameters)
-        is_wide = any(dtype.itemsize >= 4 for dtype in whole.dtypes)
-        needs = {
-            "describe": 3 if is_wide and self.parameters.get("percentiles", (50,)) != () else 1,
-            "compare": 2 if any(d.itemsize > 1 for d in whole.dtypes) and self.parameters.get("bins") != 0 else 1,
-            "threshold": 2 if is_wide and self.parameters.get("method") != "mean" else 1,
-        }
-        self.passes = needs.get(verb, 1)
+        self.passes = self.make_state()._state.count_passes([dtype.name for dtype in whole.dtypes])
 
     def make_state(self):
         return State(self.verb, per=self.whole.per, **self.parameters)
@@ -170,7 +164,7 @@ class ExactJob(Job):
 
 class StatsJob(ExactJob):
     def __init__(self, verb, whole, parameters):
-        super().__init__(verb, whole, parameters, "describe", percentiles=(), entropy="never")
+        super().__init__(verb, whole, parameters, "describe", percentiles=(), entropy="never", saturated=False)
 
     def finish(self, found):
         exact = self.inner.finish(found)

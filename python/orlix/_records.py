@@ -106,7 +106,7 @@ def _reshape(value, shape, order):
         array[:] = value
         value = array if not isinstance(value[0] if value else None, str) else np.asarray(value)
     if value is None:
-        return None
+        return None if all(shape) else np.zeros(shape)
     value = value.reshape(tuple(shape) + value.shape[1:])
     return value if order is None else value.transpose(*order, *range(len(shape), value.ndim))
 

@@ -181,11 +181,19 @@ ResultRows runState(const Measure& measure, const Inputs& inputs, const NamedVal
     const ImageView mask{inputs.getMask()};
     auto groups = isByPlan ? groupPlanes(*views[0], {}) : std::vector<Extent>{};
     const bool isCut = groups.size() > 1;
-    Watch watch{std::move(progress), isCut ? groups.size() : 1, inputs.areLarge()};
+    std::vector<eImageBufferType> types;
+    for (const ImageView& view : views) {
+        types.push_back(view->getType());
+    }
+    const unsigned nbPasses = state->countPasses(types);
+    Watch watch{std::move(progress), (isCut ? groups.size() : 1) * nbPasses, inputs.areLarge()};
     const auto run = [&](BaseMeasureState& part, const std::optional<Extent>& core) {
+        unsigned pass = 0;
         do {
             watch.run([&](const RunControl& control) { part.add(views, mask, {}, core, control); });
+            ++pass;
         } while (part.nextPass());
+        watch.skip(nbPasses - pass);
         return part.finishRows();
     };
     return inputs.run([&] {
@@ -342,6 +350,14 @@ public:
     State clone() const { return State{state_->clone()}; }
     std::string getVerb() const { return state_->getMeasure().verb; }
     std::uint64_t getMargin() const { return state_->getMargin(); }
+    unsigned countPasses(const std::vector<std::string>& names) const
+    {
+        std::vector<eImageBufferType> types;
+        for (const std::string& name : names) {
+            types.push_back(image::findImageBufferType(name).value_or(eImageBufferType::eIBT_Float32));
+        }
+        return state_->countPasses(types);
+    }
     bool needsPass() const { return state_->needsPass(); }
     bool nextPass() { return state_->nextPass(); }
 
@@ -547,6 +563,7 @@ NB_MODULE(_core, module)
         .def("clone", &State::clone)
         .def_prop_ro("verb", &State::getVerb)
         .def_prop_ro("margin", &State::getMargin)
+        .def("count_passes", &State::countPasses)
         .def_prop_ro("needs_pass", &State::needsPass)
         .def("next_pass", &State::nextPass)
         .def("add", &State::add, "images"_a, "axes"_a, "mask"_a.none(), "mask_axes"_a, "offset"_a, "core"_a.none(),

@@ -26,6 +26,16 @@ void Watch::run(const std::function<void(const imaproc::RunControl&)>& body)
     watch([&] { return state.progress.load(); }, [&] { state.cancelled = true; }, [&] { body({&state}); });
 }
 
+void Watch::skip(std::size_t nbRuns)
+{
+    if (nbRuns != 0) {
+        nbDone_ += nbRuns;
+        if (!progress_.is_none()) {
+            progress_(static_cast<double>(nbDone_) / static_cast<double>(nbRuns_));
+        }
+    }
+}
+
 void Watch::watch(const std::function<double()>& getProgress, const std::function<void()>& cancel,
                   const std::function<void()>& body)
 {

@@ -24,6 +24,8 @@ public:
     /// Throws what the run throws, or nb::python_error.
     void run(const Ptr<imaproc::BaseProcessor>& processor);
     void run(const std::function<void(const imaproc::RunControl&)>& body);
+    /// So many runs turn out not to be needed.
+    void skip(std::size_t nbRuns);
 
 private:
     void watch(const std::function<double()>& getProgress, const std::function<void()>& cancel,

@@ -320,6 +320,11 @@ struct CompareModel
         imaproc::add(into.similarity, from.similarity);
     }
 
+    static unsigned countPasses(const Options& options, const PixelTypeList& types)
+    {
+        return options.bins != 0 && !areBytes(types) ? 2 : 1;
+    }
+
     static bool needsPass(const Options& options, const PixelTypeList& types, const Part& part)
     {
         return options.bins != 0 && !types.empty() && !areBytes(types) && part.nbPairs != part.nbInfinite &&

@@ -53,7 +53,7 @@ void DescribeOptions::visitFields(data::FieldVisitor& field)
           ddof);
     field({.name = "moments", .help = "4: skewness and kurtosis, too", .option = "moments", .lowest = 2, .highest = 4},
           moments);
-    field({.name = "saturated", .help = "count pixels at the limits of their type"}, saturated);
+    field({.name = "saturated", .help = "count pixels at the limits of their type", .option = "saturated"}, saturated);
     field({.name = "entropy",
            .help = "auto: of integer pixels of 8 and 16 bits; always: of 32 bits, too",
            .option = "entropy"},
@@ -336,6 +336,12 @@ struct DescribeModel
         imaproc::add(into.powers.fourths, from.powers.fourths);
         into.counts.merge(std::move(from.counts));
         into.values.merge(std::move(from.values));
+    }
+
+    static unsigned countPasses(const Options& options, const PixelTypeList& types)
+    {
+        constexpr unsigned most = 3; // 16 bits, and the others in one step or in two
+        return Wanted{options, types[0]}.ranks ? most : 1;
     }
 
     static bool needsPass(const Options& options, const PixelTypeList& types, const Part& part)

@@ -280,6 +280,11 @@ struct ThresholdModel
         }
     }
 
+    static unsigned countPasses(const Options& options, const PixelTypeList& types)
+    {
+        return image::getPixelSize(types[0]) == 4 && options.method != ThresholdMethod::Mean ? 2 : 1;
+    }
+
     static bool needsPass(const Options& options, const PixelTypeList& types, const Part& part)
     {
         const Figures& f = part.figures;
