@@ -86,6 +86,15 @@ def make_function(measure):
 FUNCTIONS = {verb: make_function(measure) for verb, measure in MEASURES.items() if verb != "project"}
 
 
+def find_dropped(letters, axis):
+    """The axis that is projected along, and the one that a projection lacks: profiles along x have no y."""
+    axis = axis.upper()
+    dropped = {"X": "Y", "Y": "X"}.get(axis, axis)
+    if axis not in letters or dropped not in letters:
+        raise ValueError(f"the image has the axes {letters}: there is no {axis.lower()} to project along")
+    return axis, dropped
+
+
 def project(image, axis, stat, *, axes=None, out=None, dtype=None, progress=None):
     image, axes = as_image(image, axes)
     if axis not in ("x", "y", "z", "t"):
@@ -95,11 +104,9 @@ def project(image, axis, stat, *, axes=None, out=None, dtype=None, progress=None
 
         return project_lazily(image, axis, stat, axes, out, dtype)
     letters = axes.upper() or "TCZYX"[-np.ndim(image) :]
-    axis = axis.upper()
-    if axis not in letters:
-        raise ValueError(f"the image has the axes {letters}: there is no {axis.lower()} to project along")
-    left = letters.replace(axis, "")
-    shape = tuple(side for letter, side in zip(letters, np.shape(image)) if letter != axis)
+    axis, dropped = find_dropped(letters, axis)
+    left = letters.replace(dropped, "")
+    shape = tuple(side for letter, side in zip(letters, np.shape(image)) if letter != dropped)
     if out is not None and out.shape != shape:
         raise ValueError(f"out has the shape {out.shape}, but the projection has {shape}")
     with follow(progress, "project") as report:

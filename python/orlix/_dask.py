@@ -225,15 +225,13 @@ def measure_lazily(asked, images, axes, per, mask, mask_axes):
 
 def project_lazily(image, axis, stat, axes, out, dtype):
     """The projection of a Dask array along an axis: another one."""
-    from ._api import project
+    from ._api import find_dropped, project
 
     letters = axes.upper() or "TCZYX"[-image.ndim :]
-    axis = axis.upper()
     if out is not None:
         raise TypeError("the projection of a Dask array is a Dask array: there is no out")
-    if axis not in letters:
-        raise ValueError(f"the image has the axes {letters}: there is no {axis.lower()} to project along")
-    at = letters.index(axis)
+    axis, dropped = find_dropped(letters, axis)
+    at = letters.index(dropped)
     small = project(np.zeros((2,) * len(letters), image.dtype), axis.lower(), stat, axes=letters, dtype=dtype)
     image = image.rechunk({i: -1 if i == at else "auto" for i in range(image.ndim)}) if image.numblocks[at] > 1 else image
     return da.map_blocks(_project, image, dtype=small.dtype, drop_axis=at, meta=np.empty((0,) * (image.ndim - 1), small.dtype),
