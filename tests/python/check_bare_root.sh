@@ -29,8 +29,9 @@ tar -C "$library" --exclude=test --exclude=site-packages --exclude=dist-packages
 for module in "$library"/lib-dynload/{_ctypes,zlib,math,_struct,_datetime,_random}.*.so; do
     [ ! -e "$module" ] || take_libraries "$module"
 done
-for each in libstdc++.so.6 libgcc_s.so.1 libm.so.6; do # which wheels may rely on
-    path=$(ldconfig -p | grep -m 1 "$each.*x86-64" | grep -o '/.*')
+known=$(ldconfig -p)
+for each in lib{stdc++.so.6,gcc_s.so.1,m.so.6,pthread.so.0,dl.so.2,rt.so.1,util.so.1,resolv.so.2}; do # what wheels may rely on
+    path=$(awk -v name="$each" '$1 == name && /x86-64/ { print $NF; exit }' <<<"$known")
     [ -e "$bare$path" ] || take "$path"
 done
 "$python" -m pip install -q --no-compile --target "$bare/packages" "$wheel"
