@@ -82,9 +82,6 @@ class State:
 
 def open(path: str | PathLike[str], *, axes: str | None = None, pages: str | None = None, series: int | None = None,
          scaled: bool = False) -> Image: ...
-def project(image: Any, axis: str, stat: str, *, axes: str | None = None, out: NDArray[Any] | None = None,
-            dtype: DTypeLike | None = None,
-            progress: bool | Callable[[float], object] | None = None) -> NDArray[Any]: ...
 def measure(image: Any, measures: Sequence[str] | Mapping[str, Mapping[str, Any]], *, axes: str | None = None,
             per: str | None = None, mask: Any = None,
             progress: bool | Callable[[float], object] | None = None) -> dict[str, Any]: ...
@@ -109,10 +106,10 @@ def main(folder):
                 lines += ["    @property", f"    def {name}(self) -> Any:{ignored}", f'        """{field["help"]}"""']
             lines.append("")
     for verb, measure in sorted(MEASURES.items()):
-        if verb != "project":
-            result = {"locate": "NDArray[np.int64]", "regions": "dict[str, NDArray[Any]]"}.get(verb, measure.record)
-            text = "\n".join("    " + line if line else "" for line in docstring(measure).splitlines())
-            lines.append(f'def {verb}({signature(measure, True)}) -> {result}:\n    """{text.strip()}\n    """\n')
+        result = {"locate": "NDArray[np.int64]", "project": "NDArray[Any]", "regions": "dict[str, NDArray[Any]]"}
+        text = "\n".join("    " + line if line else "" for line in docstring(measure).splitlines())
+        lines.append(f'def {verb}({signature(measure, True)}) -> {result.get(verb, measure.record)}:\n'
+                     f'    """{text.strip()}\n    """\n')
     (folder / "__init__.pyi").write_text("\n".join(lines))
 
 

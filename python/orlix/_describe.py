@@ -65,6 +65,12 @@ def list_arguments(measure):
         elif given["types"][-1:] == ["binary"] and len(given["types"]) == 1:
             what = "A binary image: bool. " + what
         arguments.append((name, "Any", None, what))
+    parameters = list(measure.parameters)
+    if measure.verb == "project":
+        along = ("The axis: ``x`` gives a number for every column of each plan, ``y`` for every row, ``z`` and ``t`` an image "
+                 "over all planes or times.")
+        stat = parameters.pop(0)
+        arguments += [("axis", "str", None, along), (stat["argument"], "str", None, f"The statistic: {stat['help']}.")]
     arguments.append(("axes", "str | None", "None", "The axes of the array, slowest first, as ``\"TCZYX\"``. Default: YX, "
                       "ZYX, CZYX or TCZYX by the number of dimensions; those of a ``DataArray`` or a file."))
     default = measure.per[0]
@@ -75,7 +81,7 @@ def list_arguments(measure):
     if measure.takes_mask:
         arguments.append(("mask", "Any", "None", "Pixels count where it is not 0. An array of the image's shape, or with fewer "
                           "axes, along which it repeats itself; or a path."))
-    for parameter in measure.parameters:
+    for parameter in parameters:
         text = parameter["help"]
         text = text[0].upper() + text[1:] + (f", in {parameter['unit']}" if parameter["unit"] else "") + "."
         if parameter["names"]:
@@ -83,6 +89,10 @@ def list_arguments(measure):
         default = parameter["default"]
         default = tuple(int(x) if x == int(x) else x for x in default) if isinstance(default, tuple) else default
         arguments.append((parameter["argument"], _type_of(parameter), repr(default), text))
+    if measure.verb == "project":
+        arguments += [("out", "NDArray[Any] | None", "None", "An array of the result's shape that is written, in its dtype."),
+                      ("dtype", "DTypeLike | None", "None", "The dtype of the result. Default: along x and y float64, else that "
+                       "of the image, to which numbers are rounded and limited.")]
     arguments.append(("progress", "bool | Callable[[float], object] | None", "None",
                       "True shows a bar (with tqdm); a function is called with the share that is done."))
     return arguments
@@ -117,17 +127,29 @@ def docstring(measure):
             kind += f", default {default}"
         lines += [f"{name} : {kind}", _wrap(text, "    ")]
     lines += ["", "Returns", "-------"]
-    if measure.is_table:
+    if measure.verb == "project":
+        lines += ["ndarray", _wrap("Of the image's axes, without y along x, without x along y, without the axis along z and t. "
+                                   "Of a Dask array, a Dask array.", "    ")]
+    elif measure.verb == "locate":
+        lines += ["ndarray", _wrap("Of int64: a row (x, y), per volume (x, y, z), for every set pixel in raster order; of "
+                                   "several plans an array of such arrays.", "    ")]
+    elif measure.is_table:
         lines += ["dict", _wrap("A column for every field, as ``pandas.DataFrame`` takes it; positions have a column for "
                                 "each axis, fields of several images a number.", "    ")]
     else:
         lines += [measure.record, "    A frozen record."]
+    if measure.verb in ("project", "locate"):
+        return _end(measure, lines)
     lines += ["", "    ==================== ==========================================================================="]
     for name, field in zip(measure.field_names, measure.fields):
         unit = f" ({field['unit']})" if field["unit"] else ""
         lines.append(f"    {name:<20} {field['help']}{unit}")
-    lines += ["    ==================== ===========================================================================", ""]
-    lines += ["Raises", "------", "TypeError", "    The pixels are of a dtype that is not measured; the message names the "
+    lines += ["    ==================== ==========================================================================="]
+    return _end(measure, lines)
+
+
+def _end(measure, lines):
+    lines += ["", "Raises", "------", "TypeError", "    The pixels are of a dtype that is not measured; the message names the "
               "conversion to write.", "ValueError", "    Axes, shapes or parameters that cannot be, or do not go together.",
               "OSError", "    A file that cannot be read."]
     if measure.remark:

@@ -143,11 +143,11 @@ def open(path, *, axes=None, pages=None, series=None, scaled=False):
     --------
     >>> stack = orlix.open("samples/stack.ome.tif")
     >>> stack.axes, stack.shape, stack.dtype, stack.pixel_size, stack.unit
-    ('CZYX', (2, 8, 96, 96), dtype('uint16'), {'x': 0.2, 'y': 0.2, 'z': 0.5}, 'um')
+    ('CZYX', (2, 8, 96, 96), dtype('uint16'), {'x': 0.2, 'y': 0.2, 'z': 0.6}, 'um')
     >>> stack[0, 3, 10:12, 10:14]
-    array([[22, 19, 25, 19],
-           [21, 22, 21, 23]], dtype=uint16)
+    array([[17, 27, 22, 25],
+           [22, 26, 17, 28]], dtype=uint16)
     >>> orlix.stats(stack).max
-    319.0
+    504.0
     """
     return Image(path, axes, pages, series, scaled)
