@@ -8,7 +8,7 @@ import sys
 # A folder may include itself and what stands before it.
 LAYERS = ["framework/core", "framework/maths", "framework/data", "framework/image", "framework/attribute",
           "framework/process", "framework/kernel", "framework/gpu", "files", "ORLIX", "ORLIXIPL", "orlix"]
-FOLDERS = {"include": "ORLIXIPL", "src": "ORLIXIPL", "apps": "orlix"}
+FOLDERS = {"include": "ORLIXIPL", "src": "ORLIXIPL", "apps": "orlix", "python": "orlix"}
 
 
 def layer_of(include):
@@ -33,7 +33,7 @@ def main():
                 is_beside = LAYERS[own] == "ORLIXIPL" and target == LAYERS.index("ORLIX")
                 if target is not None and (target > own or is_beside):
                     faults.append(f"{name} includes {include}, which stands above it or beside it")
-                if folder == "apps" and (root / "include/private" / include).exists():
+                if folder in ("apps", "python") and (root / "include/private" / include).exists():
                     faults.append(f"{name} includes {include}, which is private")
     if files == 0:
         sys.exit(f"{root} holds no sources")

@@ -1,5 +1,6 @@
 #include "Array.hpp"
 
+#include <files/ArrayReader.hpp>
 #include <files/ImageFile.hpp>
 
 #include <nanobind/ndarray.h>
@@ -25,6 +26,8 @@ namespace
 {
 
 constexpr std::string_view allAxes = "TCZYX"; // slowest first
+/// What NumPy and the buffer protocol say of bytes in another order than this machine's.
+constexpr char foreignOrder = std::endian::native == std::endian::little ? '>' : '<';
 
 std::string describe(nb::handle object)
 {
@@ -34,7 +37,8 @@ std::string describe(nb::handle object)
 
 [[noreturn]] void refuseType(const std::string& type)
 {
-    throw nb::type_error(("pixels of dtype " + type + " are not measured, but those of bool, uint8, int8, uint16, int16, "
+    throw nb::type_error(("pixels of dtype " + type +
+                          " are not measured, but those of bool, uint8, int8, uint16, int16, "
                           "uint32, int32 and float32")
                              .c_str());
 }
@@ -76,22 +80,23 @@ std::string checkAxes(std::string axes, std::size_t nbDimensions)
 /// The type that NumPy and the buffer protocol call so, as "<u2" or "d".
 StoredType findType(std::string_view format, std::size_t size, bool& isSwapped, const std::string& name)
 {
-    constexpr char foreign = std::endian::native == std::endian::little ? '>' : '<';
-    isSwapped = !format.empty() && (format[0] == foreign || (format[0] == '!' && foreign == '>')) && size > 1;
+    isSwapped = !format.empty() && (format[0] == foreignOrder || (format[0] == '!' && foreignOrder == '>')) && size > 1;
     if (!format.empty() && std::string_view{"<>=@!|"}.find(format[0]) != std::string_view::npos) {
         format.remove_prefix(1);
     }
     constexpr std::string_view unsignedLetters = "BHILQN";
     constexpr std::string_view signedLetters = "bhilqn";
-    const char letter = format.size() == 1 ? format[0] : 0;
-    const auto is = [letter](std::string_view letters) { return letter != 0 && letters.find(letter) != letters.npos; };
+    const char letter = format.size() == 1 ? format[0] : '\0';
+    const auto is = [letter](std::string_view letters) {
+        return letter != '\0' && letters.find(letter) != letters.npos;
+    };
     if (letter == '?') {
         return StoredType::Binary;
     }
-    const auto type = is(unsignedLetters)  ? files::findStoredType(files::NumberKind::Unsigned, size)
-                      : is(signedLetters)  ? files::findStoredType(files::NumberKind::Signed, size)
-                      : is("efd")          ? files::findStoredType(files::NumberKind::Float, size)
-                                           : std::nullopt;
+    const auto type = is(unsignedLetters) ? files::findStoredType(files::NumberKind::Unsigned, size)
+                      : is(signedLetters) ? files::findStoredType(files::NumberKind::Signed, size)
+                      : is("efd")         ? files::findStoredType(files::NumberKind::Float, size)
+                                          : std::nullopt;
     if (!type) {
         refuseType(name);
     }
@@ -133,17 +138,15 @@ Memory lookAtCudaArray(nb::handle object)
     Memory memory;
     memory.isOnGpu = true;
     const auto type = nb::cast<std::string>(facts["typestr"]);
-    bool isKnown = type.size() > 2;
     for (const nb::handle side : nb::cast<nb::tuple>(facts["shape"])) {
         memory.shape.push_back(nb::cast<std::size_t>(side));
     }
-    if (isKnown) {
-        const auto size = static_cast<std::size_t>(std::stoul(type.substr(2)));
-        const char letter = type[1] == 'b' ? '?' : type[1] == 'u' ? 'B' : type[1] == 'i' ? 'b' : type[1] == 'f' ? 'f' : 0;
-        memory.type = findType(std::string{type[0], letter}, size, memory.isSwapped, type);
-    } else {
+    const auto found = type.empty() ? std::nullopt : files::findNumpyType(type.substr(1));
+    if (!found) {
         refuseType(type);
     }
+    memory.type = *found;
+    memory.isSwapped = type[0] == foreignOrder && getPixelSize(*found) > 1;
     const nb::object strides = facts.contains("strides") ? nb::object(facts["strides"]) : nb::none();
     memory.strides.resize(memory.shape.size());
     auto step = static_cast<std::ptrdiff_t>(getPixelSize(memory.type));
@@ -151,7 +154,8 @@ Memory lookAtCudaArray(nb::handle object)
         memory.strides[i] = strides.is_none() ? step : nb::cast<std::ptrdiff_t>(strides[i]);
         step *= static_cast<std::ptrdiff_t>(memory.shape[i]);
     }
-    memory.data = reinterpret_cast<const std::byte*>(nb::cast<std::uintptr_t>(nb::cast<nb::tuple>(facts["data"])[0]));
+    const nb::object address = nb::cast<nb::tuple>(facts["data"])[0];
+    memory.data = static_cast<const std::byte*>(PyLong_AsVoidPtr(address.ptr()));
     memory.owner = std::make_shared<nb::object>(nb::borrow(object));
     return memory;
 }
@@ -167,7 +171,7 @@ Memory lookAtDlpack(nb::handle object)
     const auto kind = static_cast<nb::dlpack::dtype_code>(type.code);
     const std::size_t size = type.bits / 8;
     Memory memory;
-    const auto found = type.lanes != 1                          ? std::nullopt
+    const auto found = type.lanes != 1                         ? std::nullopt
                        : kind == nb::dlpack::dtype_code::Bool  ? std::optional{StoredType::Binary}
                        : kind == nb::dlpack::dtype_code::UInt  ? findStoredType(files::NumberKind::Unsigned, size)
                        : kind == nb::dlpack::dtype_code::Int   ? findStoredType(files::NumberKind::Signed, size)
@@ -352,9 +356,9 @@ eImageBufferType chooseType(StoredType stored, Use use)
         return eImageBufferType::eIBT_Float32;
     }
     const std::string name = getName(stored);
-    throw nb::type_error(("pixels of dtype " + name + " are not measured: convert them, as image.astype(" +
-                          suggest(stored) + ")")
-                             .c_str());
+    throw nb::type_error(
+        ("pixels of dtype " + name + " are not measured: convert them, as image.astype(" + suggest(stored) + ")")
+            .c_str());
 }
 
 bool isAligned(const Memory& memory, const Steps& steps)
@@ -468,8 +472,9 @@ void Array::open(nb::handle object, Use use, const ImageGeometry* whole)
     const bool isAsIs = touches && !memory->isSwapped && files::toStored(type) == memory->type;
     if (memory->isOnGpu) {
         if (!isAsIs || whole != nullptr) {
-            throw nb::type_error("an array on a GPU is measured where its x axis is contiguous and it is no mask: copy it to the "
-                                 "memory of the machine");
+            throw nb::type_error(
+                "an array on a GPU is measured where its x axis is contiguous and it is no mask: copy it to the "
+                "memory of the machine");
         }
         image_ = BaseImage::wrapGpu(const_cast<std::byte*>(memory->data), type, size, steps.others,
                                     Ptr<const void>{memory->data, [kept = memory->owner](const void*) mutable {
@@ -488,9 +493,10 @@ void Array::open(nb::handle object, Use use, const ImageGeometry* whole)
 void Array::checkPixels() const
 {
     if (*hasChanged_) {
-        throw nb::type_error((std::string{"there are "} + getName(type_) +
-                              " pixels that are no float32 numbers: round them yourself, as image.astype(numpy.float32)")
-                                 .c_str());
+        throw nb::type_error(
+            (std::string{"there are "} + getName(type_) +
+             " pixels that are no float32 numbers: round them yourself, as image.astype(numpy.float32)")
+                .c_str());
     }
 }
 
@@ -534,7 +540,11 @@ nb::tuple FileImage::getShape() const
     const ImageGeometry& size = image_->getGeometry();
     nb::list shape;
     for (const char axis : axes_) {
-        shape.append(axis == 'X' ? size.x : axis == 'Y' ? size.y : axis == 'Z' ? size.z : axis == 'C' ? size.c : size.t);
+        shape.append(axis == 'X'   ? size.x
+                     : axis == 'Y' ? size.y
+                     : axis == 'Z' ? size.z
+                     : axis == 'C' ? size.c
+                                   : size.t);
     }
     return nb::tuple(shape);
 }
@@ -553,14 +563,24 @@ nb::object FileImage::read(const std::vector<std::size_t>& begin, const std::vec
         const std::size_t count = end[i] - begin[i];
         shape.push_back(count);
         switch (axes_[i]) {
-        case 'X': box.begin.x = begin[i], box.size.x = count; break;
-        case 'Y': box.begin.y = begin[i], box.size.y = count; break;
-        case 'Z': box.begin.z = begin[i], box.size.z = count; break;
-        case 'C': box.begin.c = begin[i], box.size.c = count; break;
-        default: box.begin.t = begin[i], box.size.t = count; break;
+        case 'X':
+            box.begin.x = begin[i], box.size.x = count;
+            break;
+        case 'Y':
+            box.begin.y = begin[i], box.size.y = count;
+            break;
+        case 'Z':
+            box.begin.z = begin[i], box.size.z = count;
+            break;
+        case 'C':
+            box.begin.c = begin[i], box.size.c = count;
+            break;
+        default:
+            box.begin.t = begin[i], box.size.t = count;
+            break;
         }
     }
-    const nb::object array = nb::module_::import_("numpy").attr("empty")(nb::cast(shape), facts_["dtype"]);
+    nb::object array = nb::module_::import_("numpy").attr("empty")(nb::cast(shape), facts_["dtype"]);
     if (!box.size.empty()) {
         const auto memory = lookAtBuffer(array).value();
         auto* const pixels = const_cast<std::byte*>(memory.data);

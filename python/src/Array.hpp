@@ -71,8 +71,8 @@ image::ImageGeometry makeGeometry(const std::vector<std::size_t>& shape, const s
 class FileImage
 {
 public:
-    FileImage(const std::string& path, const std::string& axes, const std::string& pages, std::optional<std::size_t> series,
-              bool scaled);
+    FileImage(const std::string& path, const std::string& axes, const std::string& pages,
+              std::optional<std::size_t> series, bool scaled);
 
     const Ptr<const image::BaseImage>& getImage() const { return image_; }
     const std::string& getAxes() const { return axes_; }

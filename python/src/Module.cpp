@@ -181,10 +181,8 @@ ResultRows runState(const Measure& measure, const Inputs& inputs, const NamedVal
     const ImageView mask{inputs.getMask()};
     auto groups = isByPlan ? groupPlanes(*views[0], {}) : std::vector<Extent>{};
     const bool isCut = groups.size() > 1;
-    std::vector<eImageBufferType> types;
-    for (const ImageView& view : views) {
-        types.push_back(view->getType());
-    }
+    std::vector<eImageBufferType> types(views.size());
+    std::transform(views.begin(), views.end(), types.begin(), [](const ImageView& view) { return view->getType(); });
     const unsigned nbPasses = state->countPasses(types);
     Watch watch{std::move(progress), (isCut ? groups.size() : 1) * nbPasses, inputs.areLarge()};
     const auto run = [&](BaseMeasureState& part, const std::optional<Extent>& core) {
@@ -240,12 +238,15 @@ nb::tuple describeResults(const Measure& measure, const Inputs& inputs, Per per,
         order.append(left.find(axis));
     }
     return nb::make_tuple(listValues(measure.fields, std::move(rows.rows), isSingle),
-                          isSingle ? nb::none() : nb::object(nb::make_tuple(nb::tuple(shape), own == left ? nb::none() : nb::object(nb::tuple(order)))));
+                          isSingle ? nb::none()
+                                   : nb::object(nb::make_tuple(
+                                         nb::tuple(shape), own == left ? nb::none() : nb::object(nb::tuple(order)))));
 }
 
 /// What a measure finds: its values and the shape of their arrays (see listValues), or its columns.
 nb::tuple runMeasure(const std::string& verb, const nb::list& images, const std::string& axes, nb::handle mask,
-                  const std::string& maskAxes, const std::string& perName, const nb::dict& given, nb::object progress)
+                     const std::string& maskAxes, const std::string& perName, const nb::dict& given,
+                     nb::object progress)
 {
     const Measure& measure = findMeasure(verb);
     const Per per = parsePer(measure, perName);
@@ -352,10 +353,11 @@ public:
     std::uint64_t getMargin() const { return state_->getMargin(); }
     unsigned countPasses(const std::vector<std::string>& names) const
     {
-        std::vector<eImageBufferType> types;
-        for (const std::string& name : names) {
-            types.push_back(image::findImageBufferType(name).value_or(eImageBufferType::eIBT_Float32));
-        }
+        std::vector<eImageBufferType> types(names.size());
+        std::transform(names.begin(), names.end(), types.begin(), [](const std::string& name) {
+            return name == "bool" ? eImageBufferType::eIBT_Binary
+                                  : image::findImageBufferType(name).value_or(eImageBufferType::eIBT_Float32);
+        });
         return state_->countPasses(types);
     }
     bool needsPass() const { return state_->needsPass(); }
@@ -456,7 +458,8 @@ nb::list describeMeasures()
             entry["unit"] = parameter.info.unit;
             entry["default"] = describeDefault(parameter.defaultValue);
             entry["is_whole"] = parameter.isWhole;
-            entry["names"] = std::vector<std::string>(parameter.info.enumerators.begin(), parameter.info.enumerators.end());
+            entry["names"] =
+                std::vector<std::string>(parameter.info.enumerators.begin(), parameter.info.enumerators.end());
             parameters.append(entry);
         }
         nb::list fields;
@@ -485,7 +488,8 @@ nb::list describeMeasures()
 
 /// The sums of absolute responses of the noise in groups of `step` rows of every plane of an array, from row `first` on
 /// to before `last`; rows before and behind are looked at. The shape is (T, C, Z, group).
-nb::object sumResponses(nb::handle object, const std::string& axes, std::size_t first, std::size_t last, std::size_t step)
+nb::object sumResponses(nb::handle object, const std::string& axes, std::size_t first, std::size_t last,
+                        std::size_t step)
 {
     const Array array{object, axes, Use::Pixels};
     const Ptr<const BaseImage> image = array.getImage()->getBinaryAsNumbers()->loadAll();
@@ -527,7 +531,9 @@ void translate(const std::exception_ptr& exception, void*)
     try {
         std::rethrow_exception(exception);
     } catch (const PixelTypeException& error) {
-        PyErr_SetString(PyExc_TypeError, (std::string{error.what()} + (error.takesBinary() ? ": pass an array of bool, as image != 0" : "")).c_str());
+        PyErr_SetString(PyExc_TypeError, (std::string{error.what()} +
+                                          (error.takesBinary() ? ": pass an array of bool, as image != 0" : ""))
+                                             .c_str());
     } catch (const files::FileError& error) {
         PyErr_SetString(PyExc_OSError, error.what());
     } catch (const files::OptionError& error) {

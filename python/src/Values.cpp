@@ -201,8 +201,10 @@ nb::dict listColumns(imaproc::ResultRows rows)
         add("c", &imaproc::ResultPlace::c);
         add("t", &imaproc::ResultPlace::t);
     }
-    for (const auto& [name, column] : rows.columns) {
-        const auto gatherColumn = [&, name = name]<class T>(const T&) {
+    for (const auto& named : rows.columns) {
+        const std::string& name = named.first;
+        const data::Field& column = named.second;
+        const auto gatherColumn = [&]<class T>(const T&) {
             const auto add = [&](const std::string& title, auto pick) {
                 using Number = std::conditional_t<std::is_same_v<decltype(pick(T{})), std::uint64_t>, std::int64_t,
                                                   decltype(pick(T{}))>;
