@@ -74,7 +74,9 @@ class Histogram(Record, namedtuple("Histogram", ("counts", "edges"))):
     @classmethod
     def _make(cls, values):
         low, high, width, counts = values
-        if isinstance(counts, np.ndarray) and counts.dtype != object:
+        if isinstance(low, float):
+            edges = np.arange(len(counts) + 1, dtype=np.float64) * width + low
+        elif isinstance(counts, np.ndarray) and counts.dtype != object:
             steps = np.arange(counts.shape[-1] + 1, dtype=np.float64)
             edges = np.asarray(low)[..., None] + steps * np.asarray(width)[..., None]
         else:

@@ -243,9 +243,13 @@ nb::dict listColumns(imaproc::ResultRows rows)
 Value fromPython(nb::handle value, const imaproc::attr::Parameter& parameter)
 {
     const FieldInfo& info = parameter.info;
-    std::string name = info.option;
-    std::replace(name.begin(), name.end(), '-', '_');
-    const std::string shown = nb::cast<std::string>(nb::repr(value));
+    // What an error says is made where there is one.
+    const auto getName = [&] {
+        std::string name = info.option;
+        std::replace(name.begin(), name.end(), '-', '_');
+        return name;
+    };
+    const auto notThis = [&] { return ", not " + nb::cast<std::string>(nb::repr(value)); };
     const auto isOf = [&]<class T>(std::type_identity<T>) {
         return parameter.defaultValue && std::holds_alternative<T>(*parameter.defaultValue);
     };
@@ -267,16 +271,16 @@ Value fromPython(nb::handle value, const imaproc::attr::Parameter& parameter)
     const auto toNumber = [&](nb::handle each) {
         double number = 0;
         if (!nb::try_cast(each, number) || nb::isinstance<nb::bool_>(each)) {
-            throw nb::type_error((name + " is a number" + limits() + ", not " + shown).c_str());
+            throw nb::type_error((getName() + " is a number" + limits() + notThis()).c_str());
         }
         if (std::isnan(number) || number < info.lowest || number > info.highest) {
-            throw nb::value_error((name + " is a number" + limits() + ", not " + shown).c_str());
+            throw nb::value_error((getName() + " is a number" + limits() + notThis()).c_str());
         }
         return number;
     };
     if (isOf(std::type_identity<bool>{})) {
         if (!nb::isinstance<nb::bool_>(value)) {
-            throw nb::type_error((name + " is True or False, not " + shown).c_str());
+            throw nb::type_error((getName() + " is True or False" + notThis()).c_str());
         }
         return nb::cast<bool>(value);
     }
@@ -290,7 +294,7 @@ Value fromPython(nb::handle value, const imaproc::attr::Parameter& parameter)
             names.append(names.empty() ? "" : ", ").append(each);
         }
         throw nb::value_error(
-            (name + (names.empty() ? " is a number" : " is one of " + names) + ", not " + shown).c_str());
+            (getName() + (names.empty() ? " is a number" : " is one of " + names) + notThis()).c_str());
     }
     if (isOf(std::type_identity<std::vector<double>>{})) {
         std::vector<double> numbers;
@@ -303,11 +307,11 @@ Value fromPython(nb::handle value, const imaproc::attr::Parameter& parameter)
         return numbers;
     }
     const double number = toNumber(value);
-    if (!info.enumerators.empty() && name != "bandwidth") {
-        throw nb::type_error((name + " is a name, not " + shown).c_str());
+    if (!info.enumerators.empty() && std::string_view{info.option} != "bandwidth") {
+        throw nb::type_error((getName() + " is a name" + notThis()).c_str());
     }
     if (parameter.isWhole && (number != std::floor(number) || number < 0)) {
-        throw nb::value_error((name + " is a whole number from 0 on, not " + shown).c_str());
+        throw nb::value_error((getName() + " is a whole number from 0 on" + notThis()).c_str());
     }
     return number;
 }
