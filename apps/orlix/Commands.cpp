@@ -331,7 +331,7 @@ CLI::Option* addChoice(CLI::App& command, const std::string& name, std::string& 
 void addPer(CLI::App& command, std::string& target, const std::vector<std::string>& choices)
 {
     addChoice(command, "--per", target, choices, "what one result covers (default: " + choices.front() + ")")
-        ->transform([](std::string text) { return CLI::detail::to_lower(text) == "plane" ? "plan" : text; });
+        ->transform([](const std::string& text) { return CLI::detail::to_lower(text) == "plane" ? "plan" : text; });
 }
 
 /// An option for a parameter of a measure.

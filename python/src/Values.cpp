@@ -94,10 +94,9 @@ nb::object gatherLists(std::vector<data::Field*>& fields, const FieldInfo& info)
     if (hasNamedPairs(info)) {
         nb::dict named;
         for (std::size_t i = 0; i < size; i += 2) {
-            std::vector<T> numbers;
-            for (const data::Field* const field : fields) {
-                numbers.push_back(std::get<std::vector<T>>(field->value)[i + 1]);
-            }
+            std::vector<T> numbers(fields.size());
+            std::transform(fields.begin(), fields.end(), numbers.begin(),
+                           [i](const data::Field* field) { return std::get<std::vector<T>>(field->value)[i + 1]; });
             named[nb::cast(std::get<std::vector<T>>(fields[0]->value)[i])] =
                 makeArray(std::move(numbers), {fields.size()});
         }
