@@ -120,13 +120,15 @@ def project(image, axis, stat, *, axes=None, out=None, dtype=None, progress=None
             out[...] = result
             return out
         kind = getattr(image, "dtype", None) if dtype is None else dtype
-        if out is None:
-            kind = np.dtype(kind if kind is not None else np.asarray(image).dtype)
-            target = np.empty(shape, np.uint8 if kind == bool else kind.newbyteorder("="))
-        else:
-            target = out if out.strides[left.index("X")] == out.itemsize and out.dtype.isnative else np.empty(shape, out.dtype)
-        if not target.flags.writeable:
+        if out is not None and not out.flags.writeable:
             raise ValueError("out is read-only")
+        kind = np.dtype(kind if kind is not None else np.asarray(image).dtype) if out is None else out.dtype
+        at = left.index("X")
+        target = out
+        if out is None or out.strides[at] != out.itemsize or not out.dtype.isnative or not out.flags.aligned:
+            # What is written has rows whose pixels touch.
+            turned = shape[:at] + shape[at + 1 :] + shape[at : at + 1]
+            target = np.moveaxis(np.empty(turned, np.uint8 if kind == bool else kind.newbyteorder("=")), -1, at)
         _core.project(_unwrap(image), axes, axis, {"stat": stat}, target, report)
     if out is not None and target is not out:
         out[...] = target

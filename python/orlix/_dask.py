@@ -160,7 +160,7 @@ def _measure_group(jobs, arrays, mask, axes):
     inputs = arrays + ([mask] if mask is not None else [])
     chunks = {axes.index(axis): -1 for axis in whole_axes if axis in axes and arrays[0].numblocks[axes.index(axis)] > 1}
     if chunks:
-        inputs = [array.rechunk({i: "auto" if i not in chunks else -1 for i in range(len(axes))}) if array.ndim else array
+        inputs = [array.rechunk({i: "auto" if i not in chunks else -1 for i in range(len(axes))})
                   for array in inputs]
         inputs = [array.rechunk(inputs[0].chunks) for array in inputs]
     if margin:
@@ -174,12 +174,12 @@ def _measure_group(jobs, arrays, mask, axes):
         margin = {axes[i]: width for i, width in depth.items()}
     enter = _Enter(jobs, axes, bounds, margin, len(arrays))
     chunks = tuple((1,) * (len(each) - 1) for each in bounds)
-    found = None
+    found, originals = None, inputs
     for number in range(max(job.passes for job in jobs)):
         name = f"orlix-{dask.base.tokenize(enter, inputs, number)}"
         if found is not None:
             advanced = _add_layer(f"{name}-advance", [found], {f"{name}-advance": (_advance, jobs, found.key)})
-            inputs = bind(inputs, advanced)  # read once more, rather than kept
+            inputs = bind(originals, advanced)  # read once more, rather than kept
         blocks = da.map_blocks(enter, *inputs, dtype=object, chunks=chunks, name=f"{name}-enter",
                                meta=np.empty((0,) * len(axes), dtype=object), found=None if found is None else advanced)
         layer, keys = {}, list(dask.core.flatten(blocks.__dask_keys__()))

@@ -83,6 +83,16 @@ class Whole:
         return self.make_result(verb, [_stack(column) for column in zip(*rows)])
 
 
+def _take_only(value):
+    """The value of the only result of several."""
+    if isinstance(value, dict):
+        return {key: _take_only(each) for key, each in value.items()}
+    only = value if value is None else value[0]
+    if isinstance(only, np.ndarray):
+        return tuple(only.tolist())
+    return only.item() if isinstance(only, np.generic) else only
+
+
 def _stack(column):
     if isinstance(column[0], np.ndarray) and len({each.shape for each in column}) > 1 or column[0] is None:
         return list(column)
@@ -145,6 +155,8 @@ class StateJob(Job):
 
     def finish(self, found):
         values, shape = found._state.finish()
+        if shape is not None and not self.whole.kept:
+            values = [_take_only(value) for value in values]
         return make_result(self.verb, values, None) if shape is None else self.whole.make_result(self.verb, values)
 
 
@@ -230,8 +242,6 @@ def _run(verb, arrays, axes, mask, per, parameters):
 
 class HistogramJob(Job):
     """Counts in the bins of the whole image. Of 8 and 16 bits every value is counted, of others the range comes first."""
-
-    verb_of_bins = "histogram"
 
     def __init__(self, verb, whole, parameters):
         super().__init__(verb, whole, parameters)

@@ -103,6 +103,17 @@ StoredType findType(std::string_view format, std::size_t size, bool& isSwapped, 
     return *type;
 }
 
+std::vector<std::ptrdiff_t> makeGaplessStrides(const std::vector<std::size_t>& shape, std::size_t size)
+{
+    std::vector<std::ptrdiff_t> strides(shape.size());
+    auto step = static_cast<std::ptrdiff_t>(size);
+    for (std::size_t i = shape.size(); i-- > 0;) {
+        strides[i] = step;
+        step *= static_cast<std::ptrdiff_t>(shape[i]);
+    }
+    return strides;
+}
+
 /// The pixels of an object with the buffer protocol; none where it does not give them.
 std::optional<Memory> lookAtBuffer(nb::handle object)
 {
@@ -126,7 +137,11 @@ std::optional<Memory> lookAtBuffer(nb::handle object)
     const auto size = static_cast<std::size_t>(view->itemsize);
     memory.type = findType(view->format == nullptr ? "B" : view->format, size, memory.isSwapped, describe(object));
     memory.shape.assign(view->shape, view->shape + view->ndim);
-    memory.strides.assign(view->strides, view->strides + view->ndim);
+    if (view->strides != nullptr) {
+        memory.strides.assign(view->strides, view->strides + view->ndim);
+    } else {
+        memory.strides = makeGaplessStrides(memory.shape, size);
+    }
     memory.owner = view;
     return memory;
 }
@@ -148,11 +163,9 @@ Memory lookAtCudaArray(nb::handle object)
     memory.type = *found;
     memory.isSwapped = type[0] == foreignOrder && getPixelSize(*found) > 1;
     const nb::object strides = facts.contains("strides") ? nb::object(facts["strides"]) : nb::none();
-    memory.strides.resize(memory.shape.size());
-    auto step = static_cast<std::ptrdiff_t>(getPixelSize(memory.type));
-    for (std::size_t i = memory.shape.size(); i-- > 0;) {
-        memory.strides[i] = strides.is_none() ? step : nb::cast<std::ptrdiff_t>(strides[i]);
-        step *= static_cast<std::ptrdiff_t>(memory.shape[i]);
+    memory.strides = makeGaplessStrides(memory.shape, getPixelSize(memory.type));
+    for (std::size_t i = 0; i < memory.shape.size() && !strides.is_none(); ++i) {
+        memory.strides[i] = nb::cast<std::ptrdiff_t>(strides[i]);
     }
     const nb::object address = nb::cast<nb::tuple>(facts["data"])[0];
     memory.data = static_cast<const std::byte*>(PyLong_AsVoidPtr(address.ptr()));
@@ -292,8 +305,11 @@ private:
 class SlicedSource final : public ConvertingSource
 {
 public:
-    SlicedSource(nb::object object, std::string axes, StoredType type, std::shared_ptr<std::atomic<bool>> hasChanged)
-        : ConvertingSource{type, std::move(hasChanged)}, object_{std::move(object)}, axes_{std::move(axes)}
+    /// Its pixels are stored as one type, and shown as another.
+    SlicedSource(nb::object object, std::string axes, StoredType stored, StoredType type,
+                 std::shared_ptr<std::atomic<bool>> hasChanged)
+        : ConvertingSource{type, std::move(hasChanged)}, object_{std::move(object)}, axes_{std::move(axes)}, stored_{
+                                                                                                                 stored}
     {
         const nb::object chunks = nb::getattr(object_, "chunks", nb::none());
         if (nb::isinstance<nb::tuple>(chunks) && nb::len(chunks) == axes_.size()) {
@@ -324,6 +340,10 @@ public:
             }
             const nb::object part = nb::module_::import_("numpy").attr("asarray")(object_[nb::tuple(places)]);
             const Memory memory = lookAtBuffer(part).value();
+            if (memory.shape.size() != axes_.size() || makeGeometry(memory.shape, axes_) != box.size ||
+                memory.type != stored_) {
+                throw std::runtime_error{"what was sliced is not of the shape and dtype that were asked for"};
+            }
             check(copyBox(memory, Steps{memory, axes_}, getType(), {{}, box.size}, target));
         } catch (const nb::python_error& error) {
             throw std::runtime_error{error.what()}; // on a thread that may not keep it
@@ -339,6 +359,7 @@ private:
 
     nb::object object_;
     std::string axes_;
+    StoredType stored_;
     image::SourceLayout layout_;
 };
 
@@ -415,7 +436,7 @@ void Array::open(nb::handle object, Use use, const ImageGeometry* whole)
         return *whole;
     };
     std::optional<Memory> memory;
-    if (const FileImage* file = nullptr; nb::try_cast(object, file)) {
+    if (const FileImage* file = nullptr; nb::try_cast(object, file) && file != nullptr) {
         axes_ = file->getAxes();
         image_ = file->getImage();
         if (whole != nullptr) {
@@ -449,16 +470,18 @@ void Array::open(nb::handle object, Use use, const ImageGeometry* whole)
         }
         axes_ = checkAxes(axes_, shape.size());
         const nb::object dtype = nb::module_::import_("numpy").attr("dtype")(object.attr("dtype"));
-        bool isSwapped = false;
-        type_ = findType(nb::cast<std::string>(dtype.attr("char")), nb::cast<std::size_t>(dtype.attr("itemsize")),
-                         isSwapped, describe(object));
+        const auto found = files::findNumpyType(nb::cast<std::string>(dtype.attr("str")).substr(1));
+        if (!found) {
+            refuseType(describe(object));
+        }
+        type_ = *found;
         const eImageBufferType type = chooseType(type_, use);
         if (whole != nullptr && makeGeometry(shape, axes_) != *whole) {
             return open(nb::module_::import_("numpy").attr("asarray")(object), use, whole);
         }
-        image_ = BaseImage::fromSource(
-            Ptr<image::PixelSource>{new SlicedSource{nb::borrow(object), axes_, files::toStored(type), hasChanged_}},
-            type, makeGeometry(shape, axes_));
+        image_ = BaseImage::fromSource(Ptr<image::PixelSource>{new SlicedSource{nb::borrow(object), axes_, type_,
+                                                                                files::toStored(type), hasChanged_}},
+                                       type, makeGeometry(shape, axes_));
         return;
     } else if (!memory) {
         return open(nb::module_::import_("numpy").attr("asarray")(object), use, whole);

@@ -300,6 +300,9 @@ void project(nb::handle image, const std::string& axes, char axis, const nb::dic
     std::string left = inputs.front().getAxes();
     std::erase(left, axis);
     const Array output{target, left, Use::Pixels};
+    if (output.getImage()->hasSource()) {
+        throw nb::value_error("the array that a projection is written into has an x axis that is not contiguous");
+    }
     const Ptr<BaseImage> whole = boost::const_pointer_cast<BaseImage>(output.getImage());
     const Ptr<const BaseImage> from = inputs.front().getImage()->getBinaryAsNumbers();
     const ePlanKind kind = axis == 'Z' ? ePlanKind::ePK_Volume3d : ePlanKind::ePK_Sequence2d;
